@@ -1,0 +1,1 @@
+#include "foundation/embedded/conexion_embebida.h"
