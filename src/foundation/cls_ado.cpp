@@ -1,0 +1,260 @@
+#include "foundation/cls_ado.h"
+
+#include "foundation/valores.h"
+
+using namespace Qt::StringLiterals;
+
+namespace quimo::foundation {
+
+namespace {
+
+constexpr qint64 kErrorPropio = 1;
+
+FalloSql Cerrada() {
+    return {FalloSql::kConexionCerrada,
+            {ErrorProveedor{u"08003"_s, 0, u"ClsAdo"_s, u"La conexión está cerrada."_s}}};
+}
+
+/// The program's own database login, unless the installation names another one.
+DatosConexion ConAccesoPropio(DatosConexion datos) {
+    datos.usuario = qEnvironmentVariable("QUIMO_BD_USUARIO", u"norsa"_s);
+    datos.clave = qEnvironmentVariable("QUIMO_BD_CLAVE", u"lumex7310"_s);
+    return datos;
+}
+
+}  // namespace
+
+bool ClsAdo::Fallar(FalloSql fallo) {
+    pendiente_ = std::move(fallo);
+    return false;
+}
+
+bool ClsAdo::Conectar(QString& PsNom_servidor, QString& PsBase_de_datos, QString& PsUID,
+                      QString& PsPasswd) {
+    pendiente_.reset();
+    datos_ = {PsNom_servidor, PsBase_de_datos, PsUID, PsPasswd};
+    auto abierta = conector_(datos_);
+    while (!abierta && abierta.error().numero == FalloSql::kOtroAlAbrir) {
+        datos_ = ConAccesoPropio(datos_);
+        PsUID = datos_.usuario;
+        PsPasswd = datos_.clave;
+        dialogos_.ProcesarEventos();
+        abierta = conector_(datos_);
+    }
+    if (!abierta) {
+        Fallar(std::move(abierta).error());
+        ManejaError();
+        return false;
+    }
+    conexion_ = std::move(abierta).value();
+    return true;
+}
+
+void ClsAdo::Desconectar() {
+    if (conexion_ != nullptr) conexion_->Cerrar();
+    conexion_.reset();
+}
+
+bool ClsAdo::Consultar(RecordsetPtr& PrdrVariable, const QString& PsConsulta, int /*PvTipo*/,
+                       int /*PsLock*/, int /*PvOpciones*/) {
+    if (!Conectado()) return Fallar(Cerrada());
+    auto abierto = Recordset::Abrir(*conexion_, PsConsulta);
+    if (!abierto) return Fallar(std::move(abierto).error());
+    PrdrVariable = *std::move(abierto);
+    return true;
+}
+
+bool ClsAdo::EjecutarCambio(const QString& sentencia) {
+    if (!Conectado()) return Fallar(Cerrada());
+    RespuestaSql respuesta = conexion_->Ejecutar(sentencia);
+    if (respuesta.fallo) return Fallar(*std::move(respuesta.fallo));
+    return true;
+}
+
+bool ClsAdo::Insertar(const QString& PsTabla, const QString& PsCampos, const QString& PsValores) {
+    if (!EjecutarCambio(u"INSERT INTO "_s + PsTabla + u" ("_s + PsCampos + u") VALUES ("_s +
+                        PsValores + u")"_s)) {
+        return false;
+    }
+    Registrar(
+        {u"Valor insertado en "_s, PsTabla, u" campos: "_s, PsCampos, u" valores: "_s, PsValores});
+    return true;
+}
+
+bool ClsAdo::Modificar(const RecordsetPtr& PrdrConsulta, const QString& PsTabla,
+                       const QString& PsActualizacion, const QString& PsCondicion,
+                       bool PbReposicionar) {
+    if (!EjecutarCambio(u"UPDATE "_s + PsTabla + u" SET "_s + PsActualizacion + u" WHERE "_s +
+                        PsCondicion)) {
+        return false;
+    }
+    Registrar({u"Modificacion en "_s, PsTabla, u" Valor: "_s, PsActualizacion});
+    if (!PbReposicionar || PrdrConsulta == nullptr) return true;
+    auto marcador = PrdrConsulta->Bookmark();
+    auto releido = PrdrConsulta->Requery();
+    if (!releido) return Fallar(std::move(releido).error());
+    if (!marcador) return true;
+    auto ido = PrdrConsulta->IrA(*marcador);
+    if (!ido && !PrdrConsulta->Vacio()) ido = PrdrConsulta->MoveLast();
+    if (!ido) return Fallar(std::move(ido).error());
+    return true;
+}
+
+bool ClsAdo::Borrar(const RecordsetPtr& PrdrConsulta, const QString& PsTabla,
+                    const std::optional<QString>& PsMensaje, const QString& PsCondicion,
+                    bool PbPosicionar) {
+    if (PsMensaje && dialogos_.Preguntar(u"¿Esta seguro de borrar "_s + *PsMensaje, Botones::SiNo,
+                                         Icono::Pregunta, CpsTitulo) != Respuesta::Si) {
+        return false;
+    }
+    const QString donde = PsCondicion.isEmpty() ? QString() : u" WHERE "_s + PsCondicion;
+    if (!EjecutarCambio(u"DELETE FROM "_s + PsTabla + donde)) {
+        ManejaError();
+        return false;
+    }
+    Registrar({u"Valor borrado en "_s, PsTabla, u" condicion: "_s, PsCondicion});
+    if (!PbPosicionar || PrdrConsulta == nullptr) return true;
+    auto releido = PrdrConsulta->Requery();
+    if (releido) return true;
+    Fallar(std::move(releido).error());
+    ManejaError();
+    return false;
+}
+
+bool ClsAdo::Desplazar(const RecordsetPtr& PrdrVariable, const QString& PsDireccion,
+                       qint32& PlnPosicion) {
+    const QString direccion = PsDireccion.toUpper();
+    Recordset::Hecho movido;
+    if (direccion == u"SIGUIENTE"_s) {
+        movido = PrdrVariable->MoveNext();
+        if (movido) {
+            ++PlnPosicion;
+            if (PrdrVariable->Eof()) {
+                dialogos_.Avisar(u"No hay mas registros"_s, Icono::Informacion, CpsTitulo);
+                movido = PrdrVariable->MoveLast();
+            }
+        }
+    } else if (direccion == u"ANTERIOR"_s) {
+        movido = PrdrVariable->MovePrevious();
+        if (movido) {
+            --PlnPosicion;
+            if (PrdrVariable->Bof()) {
+                dialogos_.Avisar(u"No hay mas registros"_s, Icono::Informacion, CpsTitulo);
+                movido = PrdrVariable->MoveFirst();
+            }
+        }
+    } else if (direccion == u"PRIMERO"_s) {
+        movido = PrdrVariable->MoveFirst();
+        if (movido) PlnPosicion = 1;
+    } else if (direccion == u"ULTIMO"_s) {
+        movido = PrdrVariable->MoveLast();
+        if (movido) PlnPosicion = static_cast<qint32>(PrdrVariable->RecordCount());
+    } else {
+        movido = FalloSql{
+            kErrorPropio,
+            {ErrorProveedor{QString(), 0, u"ClsRdo"_s, u"No existe ese desplazamiento"_s}}};
+    }
+    if (movido) return true;
+    Fallar(std::move(movido).error());
+    ManejaError();
+    return false;
+}
+
+bool ClsAdo::Reposicionar(const RecordsetPtr& PAdo, bool PbNuevo, bool PbBorrar) {
+    const auto colocar = [&]() -> Recordset::Hecho {
+        if (PbBorrar) {
+            QUIMO_TRY_VOID(PAdo->Delete());
+            QUIMO_TRY_VOID(PAdo->MovePrevious());
+            if (!PAdo->Bof()) return {};
+            QUIMO_TRY_VOID(PAdo->Requery());
+            return PAdo->Vacio() ? Recordset::Hecho() : PAdo->MoveFirst();
+        }
+        if (PbNuevo) return PAdo->MoveLast();
+        QUIMO_TRY_VOID(PAdo->MoveNext());
+        return PAdo->MovePrevious();
+    };
+    auto colocado = colocar();
+    if (colocado) return true;
+    Fallar(std::move(colocado).error());
+    ManejaError();
+    return false;
+}
+
+QVariant ClsAdo::dbExecStored(const QString& PwQuery, bool Par, RecordsetPtr* PAdoRecordset,
+                              bool PbDevolver) {
+    dialogos_.ProcesarEventos();
+    QString consulta = PwQuery;
+    while (consulta.startsWith(u' '))
+        consulta.remove(0, 1);
+    if (consulta.left(4).toUpper() != u"EXEC"_s) return 1;
+    Registrar({consulta});
+    RespuestaSql respuesta;
+    if (Conectado()) {
+        respuesta = conexion_->Ejecutar(consulta.mid(5));
+    } else {
+        respuesta.fallo = Cerrada();
+    }
+    if (respuesta.fallo) {
+        Fallar(*std::move(respuesta.fallo));
+        ManejaError();
+        return -1;
+    }
+    if (!Par) return 1;
+    for (ResultadoSql& resultado : respuesta.resultados) {
+        if (!resultado.conjunto) continue;
+        if (!PbDevolver) return resultado.conjunto->filas.value(0).value(0);
+        if (PAdoRecordset != nullptr) {
+            *PAdoRecordset = Recordset::DeConjunto(*conexion_, *std::move(resultado.conjunto));
+        }
+        return 1;
+    }
+    return {};
+}
+
+void ClsAdo::Inicia_Transaccion() {
+    if (Conectado()) static_cast<void>(conexion_->Iniciar());
+}
+
+void ClsAdo::Termina_Transaccion() {
+    if (Conectado()) static_cast<void>(conexion_->Confirmar());
+}
+
+void ClsAdo::Cancela_Transaccion() {
+    if (Conectado()) static_cast<void>(conexion_->Revertir());
+}
+
+base::Result<QString, FalloSql> ValorCampo(ClsAdo& ado, const QString& tabla,
+                                           const QString& expresion, const QString& condicion) {
+    QString columna = expresion;
+    QString seleccion = expresion;
+    const qsizetype alias = expresion.toUpper().indexOf(u" AS"_s);
+    if (alias >= 0) {
+        seleccion = expresion.left(alias + 1) + u" AS _RESULT"_s;
+        columna = u"_RESULT"_s;
+    } else if (expresion.contains(u'.')) {
+        seleccion += u" AS _RESULT"_s;
+        columna = u"_RESULT"_s;
+    }
+    QString consulta = u"SELECT "_s + seleccion;
+    if (!tabla.isEmpty()) consulta += u" FROM "_s + tabla;
+    if (!condicion.isEmpty()) consulta += u" WHERE "_s + condicion;
+    RecordsetPtr filas;
+    if (!ado.Consultar(filas, consulta)) return *ado.Pendiente();
+    QUIMO_TRY(const QVariant valor, filas->Campo(columna));
+    return TextoDeValor(valor);
+}
+
+base::Result<QVector<EntradaCombo>, FalloSql> LlenaCombo(ClsAdo& ado, const QString& consulta) {
+    RecordsetPtr filas;
+    if (!ado.Consultar(filas, consulta)) return *ado.Pendiente();
+    QVector<EntradaCombo> entradas;
+    while (filas->HayActual()) {
+        QUIMO_TRY(const QVariant texto, filas->Campo(0));
+        QUIMO_TRY(const QVariant dato, filas->Campo(1));
+        entradas.append({TextoDeValor(texto), dato.toInt()});
+        QUIMO_TRY_VOID(filas->MoveNext());
+    }
+    return entradas;
+}
+
+}  // namespace quimo::foundation

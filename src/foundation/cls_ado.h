@@ -1,0 +1,143 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+#include <QString>
+#include <QStringList>
+
+#include "foundation/cls_bitacora.h"
+#include "foundation/dialogos.h"
+#include "foundation/recordset.h"
+#include "foundation/sql_connection.h"
+
+namespace quimo::foundation {
+
+/// What a connection is opened with.
+struct DatosConexion {
+    QString servidor;
+    QString base_de_datos;
+    QString usuario;
+    QString clave;
+};
+
+/// Opens a connection of whichever engine the server word names.
+using Conector =
+    std::function<base::Result<std::unique_ptr<SqlConnection>, FalloSql>(const DatosConexion&)>;
+
+/// The one data-access object: T-SQL in, record sets out, whatever engine is behind. Owns the
+/// connection; use it from the user-interface thread only. Every change it makes is written to the
+/// operation log. Operations return false on failure; what the user is told is said at each.
+class ClsAdo {
+public:
+    /// Cursor type, lock type and option that nearly every query is opened with.
+    static constexpr int kCursorEstatico = 3;
+    static constexpr int kBloqueoOptimista = 3;
+    static constexpr int kTextoComando = 1;
+
+    /// The ports and the log must outlive the object.
+    ClsAdo(Conector conector, Dialogos& dialogos, ClsBitacora& bitacora)
+        : CClsBitacora(bitacora), conector_(std::move(conector)), dialogos_(dialogos) {}
+
+    // The product's fixed members, set by screens before an operation.
+    // NOLINTBEGIN(readability-identifier-naming)
+    ClsBitacora& CClsBitacora;      ///< receives every log entry written by this class
+    QString CpsMen_LLave_Repetida;  ///< shown when an insert or update repeats a unique key
+    QString CpsTitulo;              ///< title of the message boxes this class shows
+    QString CsError;                ///< last error detail kept for the caller
+    bool CbNoMensaje = false;       ///< some errors go to CsError instead of the screen
+
+    /// Opens the connection. A general failure that names nothing else is retried with the
+    /// program's own login, which is written back into PsUID and PsPasswd. Anything else is told by
+    /// ManejaError and gives false.
+    bool Conectar(QString& PsNom_servidor, QString& PsBase_de_datos, QString& PsUID,
+                  QString& PsPasswd);
+    /// Closes the connection; errors are ignored.
+    void Desconectar();
+
+    /// Opens a query into a new record set. False when the database refuses it; nothing is shown.
+    bool Consultar(RecordsetPtr& PrdrVariable, const QString& PsConsulta,
+                   int PvTipo = kCursorEstatico, int PsLock = kBloqueoOptimista,
+                   int PvOpciones = kTextoComando);
+
+    /// "INSERT INTO PsTabla (PsCampos) VALUES (PsValores)". Texts in PsValores must have passed
+    /// DuplicaApostrofes. False when the database refuses it; nothing is shown.
+    bool Insertar(const QString& PsTabla, const QString& PsCampos, const QString& PsValores);
+
+    /// "UPDATE PsTabla SET PsActualizacion WHERE PsCondicion"; with PbReposicionar the record set
+    /// is read again and returns to the row it was on. False when refused; nothing is shown.
+    bool Modificar(const RecordsetPtr& PrdrConsulta, const QString& PsTabla,
+                   const QString& PsActualizacion, const QString& PsCondicion,
+                   bool PbReposicionar = false);
+
+    /// "DELETE FROM PsTabla WHERE PsCondicion"; an empty condition empties the table. With
+    /// PsMensaje it asks first. A refusal is shown by ManejaError.
+    bool Borrar(const RecordsetPtr& PrdrConsulta, const QString& PsTabla,
+                const std::optional<QString>& PsMensaje, const QString& PsCondicion,
+                bool PbPosicionar = false);
+
+    /// Moves a record set "PRIMERO", "ANTERIOR", "SIGUIENTE" or "ULTIMO" and keeps PlnPosicion.
+    bool Desplazar(const RecordsetPtr& PrdrVariable, const QString& PsDireccion,
+                   qint32& PlnPosicion);
+
+    /// Places a record set after an edit: on the last row when it was new, past a deleted one.
+    bool Reposicionar(const RecordsetPtr& PAdo, bool PbNuevo, bool PbBorrar);
+
+    /// Runs "EXEC ..." after letting pending events run. 1 when there was nothing to do or nothing
+    /// is wanted back, -1 after a failure (which was shown), else the first column of the first
+    /// row; with PbDevolver the rows are handed back in PAdoRecordset.
+    QVariant dbExecStored(const QString& PwQuery, bool Par = false,
+                          RecordsetPtr* PAdoRecordset = nullptr, bool PbDevolver = false);
+
+    /// Transactions. Every error is ignored, a failed commit included.
+    void Inicia_Transaccion();
+    void Termina_Transaccion();
+    void Cancela_Transaccion();
+
+    /// Tells the pending failure of the last operation and writes it to the log. True only when
+    /// the server or the data source was not found.
+    bool ManejaError();
+    // NOLINTEND(readability-identifier-naming)
+
+    /// The failure of the last operation that failed, until ManejaError took it.
+    const std::optional<FalloSql>& Pendiente() const { return pendiente_; }
+
+    bool Conectado() const { return conexion_ != nullptr && conexion_->Abierta(); }
+    /// The open connection, so that screens can run their own commands on it. Check Conectado().
+    SqlConnection& Conexion() {
+        QUIMO_CHECK(conexion_ != nullptr);
+        return *conexion_;
+    }
+    Dialogos& Dialogo() { return dialogos_; }
+    const DatosConexion& Datos() const { return datos_; }
+
+private:
+    bool Fallar(FalloSql fallo);
+    bool EjecutarCambio(const QString& sentencia);
+    void DespacharNativo(const FalloSql& fallo, bool& sin_servidor);
+    void Registrar(const QVector<QVariant>& partes) { CClsBitacora.Escribir(partes); }
+    void ConflictoDeReferencia(const QString& descripcion);
+
+    Conector conector_;
+    Dialogos& dialogos_;
+    std::unique_ptr<SqlConnection> conexion_;
+    DatosConexion datos_;
+    std::optional<FalloSql> pendiente_;
+};
+
+/// One value as text: "SELECT PsExpresion FROM PsTabla WHERE PsCondicion", both parts left out when
+/// empty; NULL is "". An answer without rows is number 3021.
+base::Result<QString, FalloSql> ValorCampo(ClsAdo& ado, const QString& tabla,
+                                           const QString& expresion, const QString& condicion);
+
+/// An entry of a list: what is shown and the key behind it.
+struct EntradaCombo {
+    QString texto;
+    qint32 dato = 0;
+};
+
+/// The rows of a query as list entries: column 0 the text, column 1 the key.
+base::Result<QVector<EntradaCombo>, FalloSql> LlenaCombo(ClsAdo& ado, const QString& consulta);
+
+}  // namespace quimo::foundation

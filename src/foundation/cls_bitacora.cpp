@@ -1,0 +1,131 @@
+#include "foundation/cls_bitacora.h"
+
+#include <pwd.h>
+#include <unistd.h>
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+
+#include "foundation/rutas.h"
+#include "foundation/valores.h"
+
+using namespace Qt::StringLiterals;
+
+namespace quimo::foundation {
+
+namespace {
+
+QString UsuarioDelSistema() {
+    const passwd* entrada = getpwuid(geteuid());
+    if (entrada != nullptr) return QString::fromLocal8Bit(entrada->pw_name);
+    return qEnvironmentVariable("USER", u"Desconocido"_s);
+}
+
+}  // namespace
+
+ClsBitacora::ClsBitacora(const OpcionesBitacora& opciones, Dialogos& dialogos, const Reloj& reloj)
+    : dialogos_(dialogos),
+      reloj_(reloj),
+      archivo_(opciones.PArchivoLog.value_or(RutaFija(CarpetaInstalacion(), u"C:\\QUIMO.log"_s))),
+      programa_(opciones.PPrograma),
+      version_(opciones.PVersion.value_or(QCoreApplication::applicationVersion())),
+      usuario_(opciones.PUsuario.value_or(UsuarioDelSistema())),
+      usuario_app_(opciones.PUsuarioApp),
+      crear_(opciones.PCrearArchivo),
+      a_archivo_(opciones.Parchivo),
+      a_mensaje_(opciones.PMsgBox) {
+    Escribir({u"Iniciando"_s, u"...Log Iniciado..."_s});
+}
+
+void ClsBitacora::Escribir(const QVector<QVariant>& partes) {
+    QString linea = reloj_.Ahora().toString(u"dd-MM-yy HH:mm:ss"_s) + u'\t' + programa_ + u"\tV"_s +
+                    version_ + u'\t' + usuario_ + u'\t' + usuario_app_ + u'\t';
+    for (const QVariant& parte : partes) {
+        QString texto = TextoDeValor(parte);
+        texto.replace(u'\n', u' ').replace(u'\r', u' ').replace(u'\t', u' ');
+        linea += texto + u'\t';
+    }
+    if (a_archivo_) Anexar(linea);
+    if (a_mensaje_) dialogos_.Avisar(linea, Icono::Ninguno);
+}
+
+void ClsBitacora::Anexar(const QString& linea) {
+    QFile archivo(archivo_);
+    const bool nuevo = !archivo.exists();
+    if (nuevo && crear_) QDir().mkpath(QFileInfo(archivo_).absolutePath());
+    QIODevice::OpenMode modo = QIODevice::Append | QIODevice::Text;
+    if (!crear_) modo |= QIODevice::ExistingOnly;
+    const QByteArray bytes = (linea + u'\n').toUtf8();
+    if (archivo.open(modo) && archivo.write(bytes) == bytes.size() && archivo.flush()) return;
+    if (fallo_avisado_) return;
+    fallo_avisado_ = true;
+    dialogos_.Avisar(
+        u"No se pudo escribir en la bitácora "_s + archivo_ + u": "_s + archivo.errorString(),
+        Icono::Critico, u"Error Bitácora"_s);
+}
+
+bool ClsBitacora::CopiarLog(const QString& origen, const QString& destino) {
+    if (!QFileInfo(origen).isFile()) {
+        dialogos_.Avisar(u"No existe el archivo log a copiar"_s, Icono::Exclamacion,
+                         u"Error Bitácora"_s);
+        return false;
+    }
+    return Trasladar(origen, destino, Traslado::Copiar);
+}
+
+bool ClsBitacora::RenombrarLog(const QString& origen, const QString& nombre_nuevo) {
+    if (!QFileInfo(origen).isFile()) {
+        dialogos_.Avisar(u"No existe el archivo log a renombrar"_s, Icono::Exclamacion,
+                         u"Error_Log"_s);
+        return false;
+    }
+    return Trasladar(origen, QFileInfo(origen).absolutePath() + u'/' + nombre_nuevo,
+                     Traslado::Mover);
+}
+
+bool ClsBitacora::Trasladar(const QString& origen, const QString& destino, Traslado traslado) {
+    const QFileInfo info(destino);
+    QString mensaje;
+    if (info.fileName().isEmpty() || info.isDir()) {
+        mensaje = u"Nombre del archivo log incorrecto"_s;
+    } else if (!info.absoluteDir().exists()) {
+        mensaje = u"Ruta del archivo log incorrecta"_s;
+    } else if (info.exists()) {
+        mensaje = u"El archivo destino ya existe"_s;
+    } else {
+        QFile archivo(origen);
+        const bool hecho =
+            traslado == Traslado::Copiar ? archivo.copy(destino) : archivo.rename(destino);
+        if (hecho) return true;
+        mensaje = u"error "_s + archivo.errorString();
+    }
+    dialogos_.Avisar(mensaje, Icono::Exclamacion, u"Error_Log"_s);
+    return false;
+}
+
+bool ClsBitacora::LocalizarLog(const QString& archivo) {
+    if (QFileInfo(archivo).isFile()) return true;
+    dialogos_.Avisar(u"No se encontro el archivo log"_s, Icono::Exclamacion, u"Error_Log"_s);
+    return false;
+}
+
+std::unique_ptr<QFile> ClsBitacora::AbrirFechado(const QString& raiz, const QString& texto_base) {
+    if (!QDir().mkpath(RutaFija(raiz, u"\\norsa\\log\\"_s))) {
+        dialogos_.Avisar(u"Error en bitacora al crear el directorio \\norsa\\log !"_s,
+                         Icono::Critico);
+        return nullptr;
+    }
+    const QString nombre =
+        texto_base + u"\\norsa\\"_s + reloj_.Ahora().toString(u"ddMMyyyy"_s) + u".log"_s;
+    const QString ruta = RutaFija(raiz, nombre);
+    auto archivo = std::make_unique<QFile>(ruta);
+    if (QDir().mkpath(QFileInfo(ruta).absolutePath()) &&
+        archivo->open(QIODevice::Append | QIODevice::Text)) {
+        return archivo;
+    }
+    dialogos_.Avisar(u"error "_s + archivo->errorString(), Icono::Critico, u"Error_Log"_s);
+    return nullptr;
+}
+
+}  // namespace quimo::foundation

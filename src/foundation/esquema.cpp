@@ -1,0 +1,80 @@
+#include "foundation/esquema.h"
+
+#include <QFile>
+
+#include "foundation/transaccion.h"
+
+using namespace Qt::StringLiterals;
+
+namespace quimo::foundation {
+
+namespace {
+
+FalloSql FalloDeRecurso(const QString& ruta) {
+    return {FalloSql::kSentencia,
+            {ErrorProveedor{u"HY000"_s, 0, u"QUIMO"_s,
+                            u"No se puede leer el texto "_s + ruta + u" del programa."_s}}};
+}
+
+base::Result<void, FalloSql> EjecutarUno(SqlConnection& conexion, const QString& lote) {
+    RespuestaSql respuesta = conexion.Ejecutar(lote);
+    if (respuesta.fallo) return *std::move(respuesta.fallo);
+    return {};
+}
+
+}  // namespace
+
+QStringList PartirLotes(const QString& texto) {
+    QStringList lotes;
+    QString lote;
+    bool con_texto = false;
+    const auto cerrar = [&] {
+        if (con_texto) lotes << lote;
+        lote.clear();
+        con_texto = false;
+    };
+    for (const QString& linea : texto.split(u'\n')) {
+        const QString limpia = linea.trimmed();
+        if (limpia.compare(u"GO"_s, Qt::CaseInsensitive) == 0) {
+            cerrar();
+            continue;
+        }
+        con_texto = con_texto || (!limpia.isEmpty() && !limpia.startsWith(u"--"_s));
+        lote += linea + u'\n';
+    }
+    cerrar();
+    return lotes;
+}
+
+base::Result<void, FalloSql> CrearEsquema(SqlConnection& conexion) {
+    QUIMO_TRY(Transaccion transaccion, Transaccion::Iniciar(conexion));
+    for (const QString& ruta : {u":/db/schema.sql"_s, u":/db/procedures.sql"_s}) {
+        QFile archivo(ruta);
+        if (!archivo.open(QIODevice::ReadOnly)) return FalloDeRecurso(ruta);
+        for (const QString& lote : PartirLotes(QString::fromUtf8(archivo.readAll()))) {
+            QUIMO_TRY_VOID(EjecutarUno(conexion, lote));
+        }
+    }
+    return transaccion.Confirmar();
+}
+
+base::Result<void, FalloSql> EjecutarPorLineas(SqlConnection& conexion, const QString& texto) {
+    QUIMO_TRY(Transaccion transaccion, Transaccion::Iniciar(conexion));
+    int numero = 0;
+    for (const QString& linea : texto.split(u'\n')) {
+        ++numero;
+        const QString limpia = linea.trimmed();
+        if (limpia.isEmpty() || limpia.startsWith(u"--"_s)) continue;
+        auto hecho = EjecutarUno(conexion, limpia);
+        if (hecho) continue;
+        FalloSql fallo = std::move(hecho).error();
+        if (!fallo.errores.isEmpty()) {
+            fallo.errores.first().descripcion +=
+                u" (línea "_s + QString::number(numero) + u": "_s + limpia.left(120) + u")"_s;
+        }
+        return fallo;
+    }
+    return transaccion.Confirmar();
+}
+
+}  // namespace quimo::foundation

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QDateTime>
+#include <QString>
+#include <QVariant>
+
+namespace quimo::foundation {
+
+/// A database value as plain text: NULL is empty, true and false are 1 and 0, numbers have a point
+/// and no thousands, money and NUMERIC all their decimals, dates are "dd/mm/yyyy hh:mm:ss" (without
+/// the time at midnight).
+QString TextoDeValor(const QVariant& valor);
+
+/// A database value as a T-SQL literal: NULL, numbers bare, texts and dates between quotes with
+/// apostrophes doubled.
+QString LiteralSql(const QVariant& valor);
+
+/// The text with every apostrophe doubled, so that it can stand between quotes in a statement.
+QString DuplicaApostrofes(const QString& texto);
+
+/// "dd/mm/yyyy hh:mm:ss", the form in which statements carry a date and time.
+QString FechaHoraSql(const QDateTime& momento);
+
+}  // namespace quimo::foundation
