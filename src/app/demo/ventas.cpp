@@ -53,8 +53,9 @@ QVector<TablaVentas> TablasVacias() {
 void AgregarArticulo(QVector<TablaVentas>& tablas, int comanda, int cuenta, const Articulo& a) {
     Fila fila{a.id,        comanda,       cuenta,          a.producto, Dato(a.comentario),
               a.preparado, Dato(a.venta), Dato(a.original)};
-    fila << (a.anulacion ? QVariant(a.anulacion->tipo) : QVariant()) << a.modo << Dato(a.promocion)
-         << Dato(a.paquete) << (a.anulacion ? QVariant(a.anulacion->empleado) : QVariant())
+    fila << (a.anulacion ? QVariant(a.anulacion->tipo) : QVariant()) << Dato(a.modo)
+         << Dato(a.promocion) << Dato(a.paquete)
+         << (a.anulacion ? QVariant(a.anulacion->empleado) : QVariant())
          << (a.anulacion ? QVariant(a.anulacion->hora) : QVariant()) << 0;
     tablas[kArticulo].filas.append(std::move(fila));
     if (a.cortesia)

@@ -42,7 +42,7 @@ struct Articulo {
     base::Dinero venta = {};
     base::Dinero original = {};
     std::optional<Anulacion> anulacion = {};
-    int modo = 0;
+    std::optional<int> modo = {};
     std::optional<int> promocion = {};
     std::optional<int> paquete = {};  ///< item number of the package it belongs to
     std::vector<ModificadorVendido> modificadores = {};
