@@ -28,6 +28,7 @@ public:
 
     const QString& Consulta() const { return consulta_; }
     const QVector<Columna>& Columnas() const { return conjunto_.columnas; }
+    const QVector<Fila>& Filas() const { return conjunto_.filas; }
     qsizetype RecordCount() const { return conjunto_.filas.size(); }
     bool Vacio() const { return conjunto_.filas.isEmpty(); }
     bool Bof() const { return posicion_ < 0; }

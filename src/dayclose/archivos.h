@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QByteArray>
+
+#include "dayclose/fallo_archivo.h"
+
+namespace quimo::dayclose {
+
+/// What a copy went through.
+struct Copiado {
+    qint64 bytes = 0;
+    QString sha256;  ///< 64 lower-case hexadecimal digits
+};
+
+/// Copies a whole file and puts it in the destination's place at once: it is written beside it,
+/// made durable and renamed. On any failure the destination is as it was and nothing is left beside
+/// it. A source that somebody holds locked, or that changes while it is read: 70. The
+/// destination's folder must exist (76).
+ResultadoArchivo<Copiado> CopiarEntero(const QString& origen, const QString& destino);
+
+/// Writes a small file whole, in the same way.
+ResultadoArchivo<void> EscribirEntero(const QString& destino, const QByteArray& contenido);
+
+/// SHA-256 of a file's bytes.
+ResultadoArchivo<QString> Sha256DeArchivo(const QString& ruta);
+
+/// Makes a folder and those above it; one that exists is fine.
+ResultadoArchivo<void> CrearCarpeta(const QString& ruta);
+
+/// Puts a finished file in another's place and makes the folder's entry durable.
+ResultadoArchivo<void> Renombrar(const QString& origen, const QString& destino);
+
+/// Whether some process holds a lock on the file that would hinder replacing it.
+bool EstaBloqueado(const QString& ruta);
+
+}  // namespace quimo::dayclose

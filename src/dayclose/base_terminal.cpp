@@ -1,0 +1,169 @@
+#include "dayclose/base_terminal.h"
+
+#include <algorithm>
+
+#include <QDateTime>
+
+#include "foundation/valores.h"
+
+using namespace Qt::StringLiterals;
+
+namespace quimo::dayclose {
+
+namespace {
+
+std::string Nombre(const char16_t* nombre) { return QString::fromUtf16(nombre).toStdString(); }
+
+Interrupcion ValorInservible(const QString& cual) {
+    return {Interrupcion::Motivo::Error, kDatoNoCabe, cual};
+}
+
+ResultadoCierre<QString> LiteralDeFecha(const jet::Fecha& fecha, Forma forma) {
+    const auto civil = fecha.ACivil();
+    if (!civil) return ValorInservible(u"La terminal guarda una fecha imposible."_s);
+    const QDateTime momento(QDate(civil->ano, civil->mes, civil->dia),
+                            QTime(civil->hora, civil->minuto, civil->segundo), Qt::UTC);
+    QString texto = foundation::FechaHoraSql(momento);
+    if (forma == Forma::FechaMedianoche) texto = texto.left(11) + u"00:00:00"_s;
+    if (forma == Forma::FechaMinutosDoble) texto = texto.left(17) + texto.mid(14, 2);
+    return u'\'' + texto + u'\'';
+}
+
+QString Crudo(const jet::Valor& valor) {
+    if (const auto* logico = std::get_if<bool>(&valor)) return *logico ? u"1"_s : u"0"_s;
+    if (const auto* entero = std::get_if<std::int32_t>(&valor)) return QString::number(*entero);
+    if (const auto* dinero = std::get_if<base::Dinero>(&valor)) {
+        return QString::fromStdString(dinero->ATexto());
+    }
+    if (const auto* doble = std::get_if<double>(&valor)) return QString::number(*doble, 'g', 17);
+    if (const auto* simple = std::get_if<float>(&valor)) {
+        return QString::number(static_cast<double>(*simple), 'g', 9);
+    }
+    if (const auto* exacto = std::get_if<base::Decimal>(&valor)) {
+        return QString::fromStdString(exacto->ATexto());
+    }
+    if (const auto* texto = std::get_if<std::u16string>(&valor)) {
+        return QString::fromStdU16String(*texto);
+    }
+    return {};
+}
+
+}  // namespace
+
+ResultadoCierre<QString> LiteralDeTerminal(const jet::Valor& valor, Forma forma) {
+    if (jet::EsNulo(valor)) return u"NULL"_s;
+    if (const auto* fecha = std::get_if<jet::Fecha>(&valor)) return LiteralDeFecha(*fecha, forma);
+    if (std::holds_alternative<jet::Binario>(valor) || std::holds_alternative<jet::Guid>(valor)) {
+        return ValorInservible(
+            u"Una columna de ventas de la terminal no es de texto ni de número."_s);
+    }
+    const QString crudo = Crudo(valor);
+    const bool es_texto = std::holds_alternative<std::u16string>(valor);
+    if (forma == Forma::Numero && !es_texto) return crudo;
+    return u'\'' + foundation::DuplicaApostrofes(crudo) + u'\'';
+}
+
+ResultadoCierre<BaseTerminal> BaseTerminal::Abrir(const QString& archivo, const QString& terminal) {
+    auto abierta = jet::BaseDatos::Abrir(archivo.toStdString());
+    if (!abierta) {
+        Interrupcion fallo =
+            DeFallo(abierta.error(), u"Base de datos de la terminal "_s + terminal);
+        if (abierta.error().codigo == base::Error::Codigo::NoEncontrado) {
+            fallo.numero = FalloArchivo::kNoEncontrado;
+        }
+        return fallo;
+    }
+    return BaseTerminal(std::move(abierta).value(), terminal);
+}
+
+QString BaseTerminal::Sobre() const { return u"Base de datos de la terminal "_s + terminal_; }
+
+ResultadoCierre<jet::Tabla> BaseTerminal::Tabla(const char16_t* nombre) const {
+    auto tabla = base_.AbrirTabla(Nombre(nombre));
+    if (!tabla) return DeFallo(tabla.error(), Sobre());
+    return std::move(tabla).value();
+}
+
+ResultadoCierre<std::size_t> BaseTerminal::Columna(const jet::Tabla& tabla,
+                                                   const char16_t* nombre) const {
+    auto columna = tabla.Columna(Nombre(nombre));
+    if (columna) return *columna;
+    Interrupcion fallo = DeFallo(columna.error(), Sobre());
+    fallo.numero = kColumnaAusente;
+    return fallo;
+}
+
+ResultadoCierre<ValoresCifras> BaseTerminal::Contar() const {
+    ValoresCifras valores;
+    for (const DefCifra& cifra : Cifras()) {
+        QUIMO_TRY(const jet::Tabla tabla, Tabla(cifra.tabla));
+        std::size_t sumada = 0;
+        std::size_t anulacion = 0;
+        if (cifra.columna_total != nullptr) {
+            QUIMO_TRY(const std::size_t lugar, Columna(tabla, cifra.columna_total));
+            sumada = lugar;
+        }
+        if (cifra.solo_anulados) {
+            QUIMO_TRY(const std::size_t lugar, Columna(tabla, u"ID_Tipo_Anulacion"));
+            anulacion = lugar;
+        }
+        auto cursor = tabla.Recorrer();
+        if (!cursor) return DeFallo(cursor.error(), Sobre());
+        const auto lugar = static_cast<std::size_t>(cifra.cifra);
+        while (true) {
+            auto siguiente = cursor->Siguiente();
+            if (!siguiente) return DeFallo(siguiente.error(), Sobre());
+            if (!*siguiente) break;
+            const jet::Fila& fila = cursor->Valores();
+            if (cifra.solo_anulados && jet::EsNulo(fila[anulacion])) continue;
+            ++valores.registros[lugar];
+            if (cifra.columna_total == nullptr) continue;
+            if (jet::EsNulo(fila[sumada])) continue;
+            const auto* monto = std::get_if<base::Dinero>(&fila[sumada]);
+            if (monto == nullptr) {
+                return ValorInservible(Sobre() + u": la columna "_s +
+                                       QString::fromUtf16(cifra.columna_total) +
+                                       u" no es de moneda."_s);
+            }
+            valores.totales[lugar] += *monto;
+        }
+    }
+    return valores;
+}
+
+ResultadoCierre<QString> BaseTerminal::Renglon::Literal(const char16_t* columna,
+                                                        Forma forma) const {
+    const auto lugar = std::find_if(lugares_->begin(), lugares_->end(),
+                                    [&](const auto& par) { return par.first == columna; });
+    QUIMO_CHECK(lugar != lugares_->end());
+    return LiteralDeTerminal((*fila_)[lugar->second], forma);
+}
+
+ResultadoCierre<void> BaseTerminal::Recorrer(const DefCopia& copia, const Visita& visitar) const {
+    QUIMO_TRY(const jet::Tabla tabla, Tabla(copia.tabla));
+    std::vector<std::pair<const char16_t*, std::size_t>> lugares;
+    const auto agregar = [&](const char16_t* columna) -> ResultadoCierre<void> {
+        QUIMO_TRY(const std::size_t lugar, Columna(tabla, columna));
+        lugares.emplace_back(columna, lugar);
+        return {};
+    };
+    for (const char16_t* columna : copia.clave)
+        QUIMO_TRY_VOID(agregar(columna));
+    for (const CampoCopia& campo : copia.al_modificar)
+        QUIMO_TRY_VOID(agregar(campo.columna));
+    for (const CampoCopia& campo : copia.al_insertar)
+        QUIMO_TRY_VOID(agregar(campo.columna));
+    auto cursor = tabla.Recorrer();
+    if (!cursor) return DeFallo(cursor.error(), Sobre());
+    Renglon renglon;
+    renglon.lugares_ = &lugares;
+    while (true) {
+        auto siguiente = cursor->Siguiente();
+        if (!siguiente) return DeFallo(siguiente.error(), Sobre());
+        if (!*siguiente) return {};
+        renglon.fila_ = &cursor->Valores();
+        QUIMO_TRY_VOID(visitar(renglon));
+    }
+}
+
+}  // namespace quimo::dayclose

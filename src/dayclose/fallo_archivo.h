@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QString>
+
+#include "base/result.h"
+
+namespace quimo::dayclose {
+
+/// A file operation that the system refused, by the numbers that the day close decides on.
+struct FalloArchivo {
+    enum Numero : int {
+        kNombreIncorrecto = 52,  ///< bad name, or the computer or share does not answer
+        kNoEncontrado = 53,      ///< the file is not there
+        kErrorDispositivo = 57,  ///< the device failed
+        kDiscoLleno = 61,        ///< no room left
+        kPermisoDenegado = 70,   ///< somebody holds the file open
+        kAccesoRuta = 75,        ///< the path is refused
+        kRutaNoEncontrada = 76,  ///< the folder or share is not there
+    };
+    int numero = kErrorDispositivo;
+    QString descripcion;  ///< Spanish, with the path
+
+    /// The failures that mean that a terminal cannot be reached.
+    bool EsDeComunicacion() const {
+        return numero == kNombreIncorrecto || numero == kAccesoRuta || numero == kRutaNoEncontrada;
+    }
+};
+
+/// The failure for a number, with its usual description and the path it happened at.
+FalloArchivo FalloDeNumero(int numero, const QString& ruta);
+
+/// The failure for an errno of the system.
+FalloArchivo FalloDeErrno(int error, const QString& ruta);
+
+template <typename T>
+using ResultadoArchivo = base::Result<T, FalloArchivo>;
+
+}  // namespace quimo::dayclose
