@@ -1,0 +1,52 @@
+#include "app/demo/sql_demo.h"
+
+namespace quimo::app::demo {
+
+using namespace Qt::StringLiterals;
+using base::Error;
+using base::Result;
+using foundation::Fila;
+using foundation::RespuestaSql;
+using foundation::SqlConnection;
+
+Error ErrorDeSql(const foundation::FalloSql& fallo) {
+    return {Error::Codigo::Archivo, fallo.Descripcion().toStdString(),
+            "Error nativo " + std::to_string(fallo.Nativo())};
+}
+
+Result<void> Ejecutar(SqlConnection& conexion, const QString& tsql,
+                      const QVector<QVariant>& parametros) {
+    const RespuestaSql respuesta = conexion.Ejecutar(tsql, parametros);
+    if (respuesta.fallo) return ErrorDeSql(*respuesta.fallo);
+    return {};
+}
+
+Result<QVector<Fila>> Consultar(SqlConnection& conexion, const QString& tsql,
+                                const QVector<QVariant>& parametros) {
+    const RespuestaSql respuesta = conexion.Ejecutar(tsql, parametros);
+    if (respuesta.fallo) return ErrorDeSql(*respuesta.fallo);
+    for (const foundation::ResultadoSql& resultado : respuesta.resultados) {
+        if (resultado.conjunto) return resultado.conjunto->filas;
+    }
+    return Error{Error::Codigo::Interno, "La consulta no devolvió un resultado.",
+                 tsql.toStdString()};
+}
+
+Result<void> Insertar(SqlConnection& conexion, const QString& tabla, const QString& columnas,
+                      const QVector<Fila>& filas) {
+    const QStringList marcas(columnas.count(u',') + 1, u"?"_s);
+    const QString tsql =
+        u"INSERT INTO %1 (%2) VALUES (%3)"_s.arg(tabla, columnas, marcas.join(u","_s));
+    for (const Fila& fila : filas)
+        QUIMO_TRY_VOID(Ejecutar(conexion, tsql, fila));
+    return {};
+}
+
+Result<void> InsertarConClave(SqlConnection& conexion, const QString& tabla,
+                              const QString& columnas, const QVector<Fila>& filas) {
+    QUIMO_TRY_VOID(Ejecutar(conexion, u"SET IDENTITY_INSERT %1 ON"_s.arg(tabla)));
+    QUIMO_TRY_VOID(Insertar(conexion, tabla, columnas, filas));
+    return Ejecutar(conexion, u"SET IDENTITY_INSERT %1 OFF"_s.arg(tabla));
+}
+
+}  // namespace quimo::app::demo
