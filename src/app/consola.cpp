@@ -49,7 +49,8 @@ QString TablaDeTexto(const QStringList& titulos, const QVector<QStringList>& fil
     QVector<qsizetype> anchos;
     for (qsizetype c = 0; c < titulos.size(); ++c) {
         qsizetype ancho = titulos[c].size();
-        for (const QStringList& fila : filas) ancho = std::max(ancho, fila.value(c).size());
+        for (const QStringList& fila : filas)
+            ancho = std::max(ancho, fila.value(c).size());
         anchos << ancho;
     }
     const auto linea = [&](const QStringList& celdas) {
@@ -59,13 +60,16 @@ QString TablaDeTexto(const QStringList& titulos, const QVector<QStringList>& fil
             texto += a_la_derecha.value(c) ? celdas.value(c).rightJustified(anchos[c])
                                            : celdas.value(c).leftJustified(anchos[c]);
         }
-        while (texto.endsWith(u' ')) texto.chop(1);
+        while (texto.endsWith(u' '))
+            texto.chop(1);
         return texto;
     };
     QStringList rayas;
-    for (const qsizetype ancho : anchos) rayas << QString(ancho, u'-');
+    for (const qsizetype ancho : anchos)
+        rayas << QString(ancho, u'-');
     QStringList lineas = {linea(titulos), linea(rayas)};
-    for (const QStringList& fila : filas) lineas << linea(fila);
+    for (const QStringList& fila : filas)
+        lineas << linea(fila);
     return lineas.join(u'\n');
 }
 

@@ -18,7 +18,8 @@ void Escribir(const QString& linea);
 /// One line on standard error.
 void EscribirError(const QString& linea);
 
-/// Rows of cells as a text table: columns as wide as their widest cell, the named ones to the right.
+/// Rows of cells as a text table: columns as wide as their widest cell, the named ones to the
+/// right.
 QString TablaDeTexto(const QStringList& titulos, const QVector<QStringList>& filas,
                      const QVector<bool>& a_la_derecha);
 

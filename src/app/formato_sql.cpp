@@ -43,11 +43,13 @@ QJsonValue JsonDeValor(const QVariant& valor) {
 
 QJsonObject JsonDeConjunto(const Conjunto& conjunto) {
     QJsonArray columnas;
-    for (const Columna& columna : conjunto.columnas) columnas.append(columna.nombre);
+    for (const Columna& columna : conjunto.columnas)
+        columnas.append(columna.nombre);
     QJsonArray filas;
     for (const Fila& fila : conjunto.filas) {
         QJsonArray celdas;
-        for (const QVariant& valor : fila) celdas.append(JsonDeValor(valor));
+        for (const QVariant& valor : fila)
+            celdas.append(JsonDeValor(valor));
         filas.append(celdas);
     }
     return {{u"columns"_s, columnas}, {u"rows"_s, filas}};
@@ -59,8 +61,8 @@ QString EnUnaLinea(const QJsonObject& objeto) {
 
 QString CampoCsv(const QString& texto) {
     static const QString kEspeciales = u"\",\n\r"_s;
-    const bool especial = std::any_of(texto.begin(), texto.end(),
-                                      [](QChar c) { return kEspeciales.contains(c); });
+    const bool especial =
+        std::any_of(texto.begin(), texto.end(), [](QChar c) { return kEspeciales.contains(c); });
     if (!especial) return texto;
     QString doblado = texto;
     return u'"' + doblado.replace(u'"', u"\"\""_s) + u'"';
@@ -69,11 +71,13 @@ QString CampoCsv(const QString& texto) {
 QString Csv(const Conjunto& conjunto) {
     QStringList lineas;
     QStringList campos;
-    for (const Columna& columna : conjunto.columnas) campos << CampoCsv(columna.nombre);
+    for (const Columna& columna : conjunto.columnas)
+        campos << CampoCsv(columna.nombre);
     lineas << campos.join(u',');
     for (const Fila& fila : conjunto.filas) {
         campos.clear();
-        for (const QVariant& valor : fila) campos << CampoCsv(foundation::TextoDeValor(valor));
+        for (const QVariant& valor : fila)
+            campos << CampoCsv(foundation::TextoDeValor(valor));
         lineas << campos.join(u',');
     }
     return lineas.join(u'\n');
@@ -126,8 +130,7 @@ QString Formatear(const Conjunto& conjunto, FormatoSql formato) {
 QString JsonDeRespuesta(const foundation::RespuestaSql& respuesta) {
     if (respuesta.fallo) {
         const foundation::FalloSql& fallo = *respuesta.fallo;
-        const QString estado =
-            fallo.errores.isEmpty() ? QString() : fallo.errores.first().sqlstate;
+        const QString estado = fallo.errores.isEmpty() ? QString() : fallo.errores.first().sqlstate;
         return EnUnaLinea({{u"error"_s, QJsonObject{{u"native"_s, fallo.Nativo()},
                                                     {u"sqlstate"_s, estado},
                                                     {u"message"_s, fallo.Descripcion()}}}});

@@ -12,8 +12,10 @@ namespace quimo::app {
 namespace {
 
 constexpr DefOpcion kOpcionesCrear[] = {{u"sql", u"ARCHIVO"}};
-constexpr DefOpcion kOpcionesSql[] = {
-    {u"consulta", u"TEXTO"}, {u"archivo", u"ARCHIVO"}, {u"lineas"}, {u"formato", u"tabla|csv|json"}};
+constexpr DefOpcion kOpcionesSql[] = {{u"consulta", u"TEXTO"},
+                                      {u"archivo", u"ARCHIVO"},
+                                      {u"lineas"},
+                                      {u"formato", u"tabla|csv|json"}};
 constexpr DefOpcion kOpcionesCerrar[] = {{u"red", u"CARPETA"},
                                          {u"dir", u"CARPETA"},
                                          {u"ante-falla", u"abortar|ignorar"},
@@ -28,11 +30,25 @@ constexpr DefOrden kOrdenes[] = {
      u"ejecuta T-SQL en una sesión; con --lineas, una sentencia por línea de la entrada", OrdenSql},
     {u"cerrar", u"SERVIDOR BASE", 2, 2, kOpcionesCerrar, u"hace el proceso de fin de día",
      OrdenCerrar},
-    {u"plantilla", u"ARCHIVO", 1, 1, {}, u"escribe una base de terminal vacía con todas sus tablas",
+    {u"plantilla",
+     u"ARCHIVO",
+     1,
+     1,
+     {},
+     u"escribe una base de terminal vacía con todas sus tablas",
      OrdenPlantilla},
-    {u"mdb", u"tablas|volcar|verificar ARCHIVO [TABLA]", 2, 3, {},
-     u"lista, vuelca como JSON o verifica una base de terminal", OrdenMdb},
-    {u"demo", u"CARPETA", 1, 1, {},
+    {u"mdb",
+     u"tablas|volcar|verificar ARCHIVO [TABLA]",
+     2,
+     3,
+     {},
+     u"lista, vuelca como JSON o verifica una base de terminal",
+     OrdenMdb},
+    {u"demo",
+     u"CARPETA",
+     1,
+     1,
+     {},
      u"prepara un restaurante de demostración, o deja que sus terminales vendan otro día",
      OrdenDemo},
 };
@@ -50,7 +66,8 @@ QString Uso(const DefOrden& orden) {
 
 QString UsoGeneral() {
     QStringList lineas = {u"Uso:"_s};
-    for (const DefOrden& orden : kOrdenes) lineas << Uso(orden);
+    for (const DefOrden& orden : kOrdenes)
+        lineas << Uso(orden);
     return lineas.join(u'\n');
 }
 
@@ -68,7 +85,7 @@ QString Leer(const DefOrden& orden, const QStringList& resto, Argumentos& leidos
             continue;
         }
         const QString nombre = palabra.mid(2).section(u'=', 0, 0);
-        const auto* const opcion = std::find_if(
+        const auto opcion = std::find_if(
             orden.opciones.begin(), orden.opciones.end(),
             [&](const DefOpcion& def) { return nombre == QString::fromUtf16(def.nombre); });
         if (opcion == orden.opciones.end()) return u"Opción desconocida: "_s + palabra;
@@ -102,10 +119,9 @@ Estado EjecutarOrden(const QStringList& argumentos, const Entorno& entorno) {
         Escribir(UsoGeneral());
         return kHecho;
     }
-    const auto* const orden =
-        std::find_if(std::begin(kOrdenes), std::end(kOrdenes), [&](const DefOrden& def) {
-            return argumentos.first() == QString::fromUtf16(def.nombre);
-        });
+    const auto* const orden = std::find_if(
+        std::begin(kOrdenes), std::end(kOrdenes),
+        [&](const DefOrden& def) { return argumentos.first() == QString::fromUtf16(def.nombre); });
     if (orden == std::end(kOrdenes)) {
         return MalUso(u"Orden desconocida: "_s + argumentos.first(), UsoGeneral());
     }

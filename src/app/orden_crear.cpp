@@ -22,7 +22,8 @@ public:
     BaseNuevaEnDisco& operator=(const BaseNuevaEnDisco&) = delete;
     ~BaseNuevaEnDisco() {
         if (!nueva_) return;
-        for (const QString& sufijo : {QString(), u"-wal"_s, u"-shm"_s}) QFile::remove(base_ + sufijo);
+        for (const QString& sufijo : {QString(), u"-wal"_s, u"-shm"_s})
+            QFile::remove(base_ + sufijo);
     }
     void Conservar() { nueva_ = false; }
 

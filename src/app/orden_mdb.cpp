@@ -34,10 +34,9 @@ Estado Tablas(const jet::BaseDatos& base) {
 
 Estado Volcar(const jet::BaseDatos& base, const Argumentos& argumentos) {
     const jet::Receptor salida = jet::HaciaFlujo(std::cout);
-    const auto volcada =
-        argumentos.palabras.size() > 2
-            ? jet::VolcarTabla(base, argumentos.palabras[2].toStdString(), salida)
-            : jet::VolcarBase(base, salida);
+    const auto volcada = argumentos.palabras.size() > 2
+                             ? jet::VolcarTabla(base, argumentos.palabras[2].toStdString(), salida)
+                             : jet::VolcarBase(base, salida);
     std::cout.flush();
     return volcada ? kHecho : Fallar(volcada.error());
 }

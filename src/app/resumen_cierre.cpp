@@ -22,10 +22,10 @@ struct Concepto {
 };
 
 constexpr Concepto kConceptos[] = {
-    {Cifra::Cmd, u"Órdenes", false},     {Cifra::Cta, u"Cuentas", true},
-    {Cifra::PXC, u"Artículos", true},    {Cifra::A, u"Anulados", false},
-    {Cifra::M, u"Modificadores", true},  {Cifra::Ct, u"Cortesías", true},
-    {Cifra::IXC, u"Impuestos", true},    {Cifra::P, u"Pagos", true},
+    {Cifra::Cmd, u"Órdenes", false},    {Cifra::Cta, u"Cuentas", true},
+    {Cifra::PXC, u"Artículos", true},   {Cifra::A, u"Anulados", false},
+    {Cifra::M, u"Modificadores", true}, {Cifra::Ct, u"Cortesías", true},
+    {Cifra::IXC, u"Impuestos", true},   {Cifra::P, u"Pagos", true},
 };
 
 QString Importe(const base::Dinero& dinero) { return QString::fromStdString(dinero.AMoneda()); }
@@ -85,8 +85,9 @@ dayclose::ResultadoCierre<ValoresCifras> TotalesDelDia(foundation::ClsAdo& ado,
     QUIMO_TRY(ValoresCifras central, dayclose::CifrasCentrales(ado, fecha));
     QUIMO_TRY(const QVector<foundation::Fila> cuentas,
               dayclose::LeerFilas(
-                  ado, u"SELECT COUNT(*),SUM(Total) FROM Cuenta,Comanda WHERE "
-                       u"Cuenta.ID_Comanda=Comanda.ID_Comanda AND Fecha_Trabajo='%1'"_s.arg(fecha)));
+                  ado,
+                  u"SELECT COUNT(*),SUM(Total) FROM Cuenta,Comanda WHERE "
+                  u"Cuenta.ID_Comanda=Comanda.ID_Comanda AND Fecha_Trabajo='%1'"_s.arg(fecha)));
     const auto lugar = static_cast<std::size_t>(Cifra::Cta);
     central.registros[lugar] = cuentas.first().value(0).toLongLong();
     const QVariant total = cuentas.first().value(1);
@@ -133,7 +134,8 @@ void EscribirResumen(foundation::ClsAdo& ado, const ResumenCierre& resumen) {
     if (!resumen.entregadas.isEmpty()) {
         Escribir(u"Recibieron su base nueva: "_s + resumen.entregadas.join(u", "_s));
     }
-    for (const QString& aviso : resumen.avisos) Escribir(u"Aviso: "_s + aviso);
+    for (const QString& aviso : resumen.avisos)
+        Escribir(u"Aviso: "_s + aviso);
 }
 
 }  // namespace quimo::app
