@@ -142,7 +142,8 @@ void Comedor::Adornar(Articulo& articulo, const ProductoEnCatalogo& producto) {
             articulo.modificadores.push_back({segundo.tipo, segundo.precio});
     }
     if (GustoDe(producto.categoria).rol == kBebida) return;
-    if (suerte_.Toca(Rasgo::Comentario, 6)) articulo.comentario = QString(azar.Uno(kComentarios));
+    if (suerte_.Toca(Rasgo::Comentario, 6))
+        articulo.comentario = QString::fromUtf16(azar.Uno(kComentarios));
     if (!catalogo_.modos.empty() && azar.Porciento(8)) articulo.modo = azar.Uno(catalogo_.modos);
 }
 
