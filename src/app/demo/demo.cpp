@@ -150,6 +150,7 @@ Result<void> VenderHoy(Central& central, const Lugares& lugares, ResumenDemo& re
     QUIMO_TRY(Folios folios, central.LeerFolios());
     QUIMO_TRY(std::vector<Venta> terminales, AbrirSinVentas(central, lugares, resumen, folios));
     std::vector<VentasDia> ventas;
+    ventas.reserve(terminales.size());
     for (const Venta& terminal : terminales) {
         ventas.push_back(SimularJornada(terminal.puesto.catalogo, dia, terminal.puesto.ritmo,
                                         AlCerrar::QuedanAbiertas));

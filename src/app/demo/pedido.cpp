@@ -103,7 +103,8 @@ Comedor::Opciones Comedor::ReunirOpciones(int rol, ParteDia parte) const {
 }
 
 const Comedor::Opciones& Comedor::De(int rol, ParteDia parte) const {
-    return opciones_[static_cast<std::size_t>(rol * kPartesDia + static_cast<int>(parte))];
+    const int lugar = rol * kPartesDia + static_cast<int>(parte);
+    return opciones_[static_cast<std::size_t>(lugar)];
 }
 
 Articulo Comedor::Nuevo(const ProductoEnCatalogo& producto) {
