@@ -20,7 +20,7 @@ namespace quimo::jet {
 using base::Error;
 using base::Result;
 
-class Nucleo;    // what all objects of one open database share
+struct Nucleo;   // what all objects of one open database share
 struct Esquema;  // a parsed table definition
 class LectorIndice;
 class RecorridoPaginas;

@@ -1,0 +1,186 @@
+// Saving: a complete new file beside the old one, made durable, then put in its place.
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "base/check.h"
+#include "jet/almacen.h"
+
+namespace quimo::jet {
+
+namespace {
+
+constexpr std::size_t kPaginasPorEscritura = 64;
+constexpr int kNombresTemporalesMax = 1000;
+
+Error ErrorAlGuardar(int numero, const std::string& ruta) {
+    if (numero == ENOSPC || numero == EDQUOT) {
+        return {Error::Codigo::DiscoLleno, "No hay lugar en el disco para guardar " + ruta + ".",
+                std::strerror(numero)};
+    }
+    return {Error::Codigo::Archivo, "No se puede guardar el archivo " + ruta + ".",
+            std::strerror(numero)};
+}
+
+/// Removes the partial file unless it was put in place.
+class ArchivoTemporal {
+public:
+    explicit ArchivoTemporal(std::string ruta) : ruta_(std::move(ruta)) {}
+    ~ArchivoTemporal() {
+        if (!ruta_.empty()) ::unlink(ruta_.c_str());
+    }
+    ArchivoTemporal(const ArchivoTemporal&) = delete;
+    ArchivoTemporal& operator=(const ArchivoTemporal&) = delete;
+    void Colocado() { ruta_.clear(); }
+
+private:
+    std::string ruta_;
+};
+
+/// Creates a file of a name nobody has, beside `ruta`.
+Result<std::pair<Descriptor, std::string>> AbrirTemporal(const std::string& ruta) {
+    for (int i = 0; i < kNombresTemporalesMax; ++i) {
+        const std::string nombre =
+            ruta + "." + std::to_string(::getpid()) + "-" + std::to_string(i) + ".tmp";
+        const int fd = ::open(nombre.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        if (fd >= 0) return std::pair(Descriptor(fd), nombre);
+        if (errno != EEXIST) return ErrorAlGuardar(errno, ruta);
+    }
+    return ErrorAlGuardar(EEXIST, ruta);
+}
+
+Result<void> EscribirTodo(int fd, const std::uint8_t* datos, std::size_t largo,
+                          const std::string& ruta) {
+    while (largo > 0) {
+        const ssize_t n = ::write(fd, datos, largo);
+        if (n < 0 && errno == EINTR) continue;
+        if (n <= 0) return ErrorAlGuardar(n < 0 ? errno : ENOSPC, ruta);
+        datos += n;
+        largo -= static_cast<std::size_t>(n);
+    }
+    return {};
+}
+
+Result<void> SincronizarCarpeta(const std::string& ruta) {
+    std::string carpeta = std::filesystem::path(ruta).parent_path().string();
+    if (carpeta.empty()) carpeta = ".";
+    const Descriptor fd(::open(carpeta.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    // Network file systems refuse to sync a folder; there the server decides.
+    if (fd.Fd() < 0 || (::fsync(fd.Fd()) != 0 && errno != EINVAL && errno != ENOTSUP)) {
+        return ErrorAlGuardar(errno, ruta);
+    }
+    return {};
+}
+
+}  // namespace
+
+Result<void> Almacen::Copiar(int fd) {
+    std::vector<std::uint8_t> bloque(kPaginasPorEscritura * kTamPagina);
+    for (std::uint32_t n = 0; n < Paginas();) {
+        std::size_t k = 0;
+        for (; k < kPaginasPorEscritura && n < Paginas(); ++k, ++n) {
+            std::uint8_t* destino = bloque.data() + k * kTamPagina;
+            if (entradas_[n].pagina != nullptr) {
+                std::memcpy(destino, entradas_[n].pagina->data(), kTamPagina);
+            } else {
+                QUIMO_TRY_VOID(LeerDeArchivo(n, destino));
+            }
+        }
+        QUIMO_TRY_VOID(EscribirTodo(fd, bloque.data(), k * kTamPagina, ruta_));
+    }
+    return {};
+}
+
+Result<void> Almacen::ComprobarDestino(const std::string& ruta) const {
+    struct stat datos {};
+    const bool existe = ::stat(ruta.c_str(), &datos) == 0;
+    if (debe_ser_nuevo_ && ruta == ruta_ && existe) {
+        return Error{Error::Codigo::Restriccion, "El archivo " + ruta + " ya existe."};
+    }
+    if (archivo_.Fd() < 0 || ruta != ruta_) return {};
+    struct timespec modificado = datos.st_mtim;
+    const std::int64_t ns =
+        static_cast<std::int64_t>(modificado.tv_sec) * 1000000000 + modificado.tv_nsec;
+    if (!existe || datos.st_dev != dispositivo_ || datos.st_ino != inodo_ || ns != modificado_ns_) {
+        return Error{Error::Codigo::Bloqueado,
+                     "Otro programa cambió el archivo " + ruta + " mientras estaba abierto."};
+    }
+    return {};
+}
+
+Result<void> Almacen::Sustituir(const std::string& temporal, const std::string& ruta) {
+    if (debe_ser_nuevo_ && ruta == ruta_) {
+        // A link, unlike a rename, never replaces what somebody made in between.
+        if (::link(temporal.c_str(), ruta.c_str()) == 0) {
+            ::unlink(temporal.c_str());
+            return {};
+        }
+        if (errno == EEXIST) {
+            return Error{Error::Codigo::Restriccion, "El archivo " + ruta + " ya existe."};
+        }
+    }
+    if (::rename(temporal.c_str(), ruta.c_str()) != 0) return ErrorAlGuardar(errno, ruta);
+    return {};
+}
+
+Result<void> Almacen::GuardarEn(const std::string& ruta_pedida) {
+    QUIMO_CHECK(profundidad_ == 0);
+    std::error_code fallo;
+    std::string ruta = std::filesystem::canonical(ruta_pedida, fallo).string();
+    if (fallo) ruta = ruta_pedida;  // it is to be made
+    QUIMO_TRY_VOID(ComprobarDestino(ruta));
+    QUIMO_TRY(auto nuevo, AbrirTemporal(ruta));
+    ArchivoTemporal temporal(nuevo.second);
+    const int fd = nuevo.first.Fd();
+    struct stat viejo {};
+    if (::stat(ruta.c_str(), &viejo) == 0 && ::fchmod(fd, viejo.st_mode & 07777) != 0) {
+        return ErrorAlGuardar(errno, ruta);
+    }
+    QUIMO_TRY_VOID(Copiar(fd));
+    if (::fsync(fd) != 0) return ErrorAlGuardar(errno, ruta);
+    ::flock(fd, LOCK_EX | LOCK_NB);  // ours alone until the rename; kept for the next save
+    struct stat datos {};
+    if (::fstat(fd, &datos) != 0) return ErrorAlGuardar(errno, ruta);
+    QUIMO_TRY_VOID(Sustituir(nuevo.second, ruta));
+    temporal.Colocado();
+
+    std::filesystem::path absoluta = std::filesystem::canonical(ruta, fallo);
+    ruta_ = fallo ? ruta : absoluta.string();
+    debe_ser_nuevo_ = false;
+    archivo_ = std::move(nuevo.first);
+    dispositivo_ = datos.st_dev;
+    inodo_ = datos.st_ino;
+    modificado_ns_ =
+        static_cast<std::int64_t>(datos.st_mtim.tv_sec) * 1000000000 + datos.st_mtim.tv_nsec;
+    limpias_.clear();
+    for (std::uint32_t n = 0; n < Paginas(); ++n) {
+        entradas_[n].sucia = false;
+        if (entradas_[n].pagina != nullptr) limpias_.push_back(n);
+    }
+    hay_cambios_ = false;
+    return SincronizarCarpeta(ruta_);
+}
+
+Result<std::vector<std::uint8_t>> Almacen::Imagen() {
+    std::vector<std::uint8_t> imagen(static_cast<std::size_t>(Paginas()) * kTamPagina);
+    for (std::uint32_t n = 0; n < Paginas(); ++n) {
+        std::uint8_t* destino = imagen.data() + static_cast<std::size_t>(n) * kTamPagina;
+        if (entradas_[n].pagina != nullptr) {
+            std::memcpy(destino, entradas_[n].pagina->data(), kTamPagina);
+        } else {
+            QUIMO_TRY_VOID(LeerDeArchivo(n, destino));
+        }
+    }
+    return imagen;
+}
+
+}  // namespace quimo::jet
