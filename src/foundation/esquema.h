@@ -10,12 +10,10 @@ namespace quimo::foundation {
 /// Batches without a statement are left out.
 QStringList PartirLotes(const QString& texto);
 
-/// Creates the schema and the procedures in an empty database, in one transaction: all of it or
-/// nothing.
-base::Result<void, FalloSql> CrearEsquema(SqlConnection& conexion);
-
-/// Runs a script with one statement a line; empty lines and lines that begin with -- are passed
-/// over. All of it or nothing. The failure's first description tells the line.
-base::Result<void, FalloSql> EjecutarPorLineas(SqlConnection& conexion, const QString& texto);
+/// Creates the schema and the procedures in an empty database and then runs `datos`, a script with
+/// one statement a line (empty lines and lines that begin with -- are passed over), in one
+/// transaction: all of it or nothing. A database that holds tables is refused. The failure's first
+/// description tells the line.
+base::Result<void, FalloSql> CrearBase(SqlConnection& conexion, const QString& datos = {});
 
 }  // namespace quimo::foundation

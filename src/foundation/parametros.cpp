@@ -7,7 +7,8 @@ using namespace Qt::StringLiterals;
 namespace quimo::foundation {
 
 base::Result<QString, FalloSql> Parametros::Leer(const QString& columna, QStringView clave) const {
-    return ValorCampo(ado_, u"Parametros"_s, columna, u"ID_Parametro='"_s + clave.toString() + u'\'');
+    return ValorCampo(ado_, u"Parametros"_s, columna,
+                      u"ID_Parametro='"_s + clave.toString() + u'\'');
 }
 
 base::Result<QString, FalloSql> Parametros::Cadena(QStringView clave) const {

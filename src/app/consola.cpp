@@ -1,0 +1,151 @@
+#include "app/consola.h"
+
+#include <algorithm>
+#include <cstdio>
+
+using namespace Qt::StringLiterals;
+
+namespace quimo::app {
+
+using foundation::Botones;
+using foundation::Icono;
+using foundation::Respuesta;
+
+namespace {
+
+void EscribirEn(FILE* flujo, const QString& linea) {
+    const QByteArray bytes = (linea + u'\n').toUtf8();
+    std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), flujo);
+    std::fflush(flujo);
+}
+
+QString NombreDeRespuesta(Respuesta respuesta) {
+    switch (respuesta) {
+        case Respuesta::Aceptar:
+            return u"Aceptar"_s;
+        case Respuesta::Cancelar:
+            return u"Cancelar"_s;
+        case Respuesta::Si:
+            return u"Sí"_s;
+        case Respuesta::No:
+            return u"No"_s;
+        case Respuesta::Abortar:
+            return u"Anular"_s;
+        case Respuesta::Reintentar:
+            return u"Reintentar"_s;
+        case Respuesta::Ignorar:
+            return u"Omitir"_s;
+    }
+    return {};
+}
+
+}  // namespace
+
+void Escribir(const QString& linea) { EscribirEn(stdout, linea); }
+void EscribirError(const QString& linea) { EscribirEn(stderr, linea); }
+
+QString TablaDeTexto(const QStringList& titulos, const QVector<QStringList>& filas,
+                     const QVector<bool>& a_la_derecha) {
+    QVector<qsizetype> anchos;
+    for (qsizetype c = 0; c < titulos.size(); ++c) {
+        qsizetype ancho = titulos[c].size();
+        for (const QStringList& fila : filas)
+            ancho = std::max(ancho, fila.value(c).size());
+        anchos << ancho;
+    }
+    const auto linea = [&](const QStringList& celdas) {
+        QString texto;
+        for (qsizetype c = 0; c < anchos.size(); ++c) {
+            if (c > 0) texto += u"  "_s;
+            texto += a_la_derecha.value(c) ? celdas.value(c).rightJustified(anchos[c])
+                                           : celdas.value(c).leftJustified(anchos[c]);
+        }
+        while (texto.endsWith(u' '))
+            texto.chop(1);
+        return texto;
+    };
+    QStringList rayas;
+    for (const qsizetype ancho : anchos)
+        rayas << QString(ancho, u'-');
+    QStringList lineas = {linea(titulos), linea(rayas)};
+    for (const QStringList& fila : filas)
+        lineas << linea(fila);
+    return lineas.join(u'\n');
+}
+
+void DialogosConsola::Avisar(const QString& texto, Icono icono, const QString& titulo) {
+    const QString linea = titulo.isEmpty() ? texto : titulo + u": "_s + texto;
+    if (icono == Icono::Informacion) {
+        Escribir(linea);
+    } else {
+        EscribirError(linea);
+    }
+}
+
+Respuesta DialogosConsola::Preguntar(const QString& texto, Botones botones, Icono /*icono*/,
+                                     const QString& titulo) {
+    Respuesta respuesta = Respuesta::Cancelar;
+    switch (botones) {
+        case Botones::AbortarReintentarIgnorar:
+            respuesta = respuestas_.ante_falla;
+            break;
+        case Botones::SiNo:
+        case Botones::SiNoCancelar:
+            respuesta = respuestas_.si_no;
+            break;
+        case Botones::Aceptar:
+        case Botones::AceptarCancelar:
+            break;
+    }
+    EscribirError((titulo.isEmpty() ? QString() : titulo + u": "_s) + texto + u" ["_s +
+                  NombreDeRespuesta(respuesta) + u']');
+    return respuesta;
+}
+
+std::optional<QString> DialogosConsola::PedirTexto(const QString& /*texto*/,
+                                                   const QString& /*titulo*/) {
+    return std::nullopt;
+}
+
+void DialogosConsola::Progreso(const QString& texto) { Escribir(texto); }
+
+std::unique_ptr<Sesion> AbrirSesion(const Argumentos& argumentos, const Entorno& entorno,
+                                    foundation::SiFalta si_falta, const QString& bitacora,
+                                    Respuestas respuestas) {
+    auto sesion = std::make_unique<Sesion>();
+    sesion->dialogos = std::make_unique<DialogosConsola>(respuestas);
+    foundation::OpcionesBitacora opciones;
+    opciones.PArchivoLog = bitacora;
+    opciones.PPrograma = u"quimoctl"_s;
+    opciones.Parchivo = !bitacora.isEmpty();
+    opciones.PMsgBox = false;
+    sesion->bitacora =
+        std::make_unique<foundation::ClsBitacora>(opciones, *sesion->dialogos, entorno.reloj);
+    // The embedded engine says more about a file that does not open than the server's fixed texts.
+    auto motivo = std::make_shared<QString>();
+    const foundation::Conector conector = foundation::CrearConector(entorno.reloj, si_falta);
+    sesion->ado = std::make_unique<foundation::ClsAdo>(
+        [conector, motivo](const foundation::DatosConexion& datos) {
+            auto abierta = conector(datos);
+            if (!abierta) *motivo = TextoDeFallo(abierta.error());
+            return abierta;
+        },
+        *sesion->dialogos, *sesion->bitacora);
+    sesion->ado->CpsTitulo = u"QUIMO"_s;
+    QString servidor = argumentos.palabras[0];
+    QString base = argumentos.palabras[1];
+    QString usuario = qEnvironmentVariable("QUIMO_BD_USUARIO");
+    QString clave = qEnvironmentVariable("QUIMO_BD_CLAVE");
+    if (sesion->ado->Conectar(servidor, base, usuario, clave)) return sesion;
+    EscribirError(u"No se pudo abrir la base de datos "_s + base + u": "_s + *motivo);
+    return nullptr;
+}
+
+QString TextoDeFallo(const foundation::FalloSql& fallo) {
+    QString texto = fallo.Descripcion();
+    const int nativo = fallo.Nativo();
+    if (nativo != 0) texto += u" ("_s + QString::number(nativo) + u')';
+    return texto;
+}
+
+}  // namespace quimo::app

@@ -1,0 +1,318 @@
+#include "dayclose/fin_de_dia.h"
+
+#include <QDir>
+#include <QFile>
+
+#include <gtest/gtest.h>
+
+#include "restaurante_prueba.h"
+
+using namespace Qt::StringLiterals;
+
+namespace quimo::dayclose::pruebas {
+namespace {
+
+using foundation::Respuesta;
+using Desenlace = FinDeDia::Desenlace;
+using Operacion = ShareConFallas::Operacion;
+
+const QString kTerminado = u"[i] |Proceso terminado"_s;
+const QString kPregunta = u"El cierre del 14/11/2026 no terminó. ¿Desea continuarlo?"_s;
+
+QString Fecha(Restaurante& restaurante) {
+    return restaurante.Valor(
+        u"SELECT Valor_Cad FROM Parametros WHERE ID_Parametro='FECHA_TRABAJO'"_s);
+}
+
+void EsperarDiaCerrado(Restaurante& restaurante) {
+    EXPECT_EQ(DiferenciasCentrales(restaurante), QStringList());
+    for (const QString& nombre : {u"CAJA1"_s, u"CAJA2"_s, u"BARRA"_s}) {
+        EXPECT_EQ(DiferenciasDeTerminal(restaurante.Terminal(nombre), nombre), QStringList());
+    }
+    EXPECT_EQ(Fecha(restaurante), u"15112026"_s);
+    const auto folio = [&](const QString& clave) {
+        return restaurante.Valor(u"SELECT Valor_Num FROM Parametros WHERE ID_Parametro='"_s +
+                                 clave + u'\'').toDouble();
+    };
+    EXPECT_EQ(folio(u"FOLIOPAGO"_s), 94591);
+    EXPECT_EQ(folio(u"FOLIOCOMANDA"_s), 51171);
+    for (const QString& cola : {u"Transacciones"_s, u"TransaccionesXTerminal"_s,
+                                u"Control_Paquetes"_s, u"Cierre_Pendiente"_s, u"Cierre_Avance"_s}) {
+        EXPECT_EQ(restaurante.Valor(u"SELECT COUNT(*) FROM "_s + cola), u"0"_s)
+            << cola.toStdString();
+    }
+}
+
+/// The archived files of one terminal, by name.
+QStringList Archivados(const Restaurante& restaurante, const QString& terminal) {
+    return QDir(restaurante.Programa() + u"/archivo/14112026/"_s + terminal)
+        .entryList({u"*.mdb"_s}, QDir::Files, QDir::Name);
+}
+
+QByteArray Bytes(const QString& ruta) {
+    QFile archivo(ruta);
+    EXPECT_TRUE(archivo.open(QIODevice::ReadOnly)) << ruta.toStdString();
+    return archivo.readAll();
+}
+
+TEST(FinDeDia, CierraElDiaYCerrarloOtraVezNoCambiaVentas) {
+    Restaurante restaurante;
+    const QByteArray vendido = Bytes(restaurante.Terminal(u"CAJA1"_s));
+    ASSERT_EQ(restaurante.Cerrar(), Desenlace::Terminado);
+    EXPECT_EQ(restaurante.dialogos.Mostrados(), QStringList{kTerminado});
+    EsperarDiaCerrado(restaurante);
+    EXPECT_EQ(Archivados(restaurante, u"CAJA1"_s), QStringList{u"Quimo_Terminal-1.mdb"_s});
+    EXPECT_EQ(Bytes(restaurante.Programa() + u"/archivo/14112026/CAJA1/Quimo_Terminal-1.mdb"_s),
+              vendido);
+
+    const QStringList ventas = Ventas(restaurante);
+    restaurante.Mandar(
+        u"UPDATE Parametros SET Valor_Cad='14112026' WHERE ID_Parametro='FECHA_TRABAJO'"_s);
+    ASSERT_EQ(restaurante.Cerrar(), Desenlace::Terminado);
+    EXPECT_EQ(Ventas(restaurante), ventas);
+    EXPECT_EQ(Archivados(restaurante, u"CAJA1"_s),
+              (QStringList{u"Quimo_Terminal-1.mdb"_s, u"Quimo_Terminal-2.mdb"_s}));
+    EXPECT_EQ(Bytes(restaurante.Programa() + u"/archivo/14112026/CAJA1/Quimo_Terminal-1.mdb"_s),
+              vendido);
+}
+
+TEST(FinDeDia, LaOrdenAbiertaSeActualizaConCierreAMedianoche) {
+    Restaurante restaurante;
+    // The same file comes again, as when the close is repeated with the terminals as they were.
+    const QString caja = restaurante.Terminal(u"CAJA1"_s);
+    const QByteArray vendido = Bytes(caja);
+    ASSERT_EQ(restaurante.Cerrar(), Desenlace::Terminado);
+    EXPECT_EQ(restaurante.Valor(u"SELECT Fecha_Cierre FROM Comanda WHERE ID_Comanda=50904"_s),
+              u"14/11/2026 09:18:55"_s);
+    QFile archivo(caja);
+    ASSERT_TRUE(archivo.open(QIODevice::WriteOnly));
+    ASSERT_EQ(archivo.write(vendido), vendido.size());
+    archivo.close();
+    restaurante.Mandar(
+        u"UPDATE Parametros SET Valor_Cad='14112026' WHERE ID_Parametro='FECHA_TRABAJO'"_s);
+    restaurante.Mandar(u"UPDATE ProductosXCuenta SET ID_Paquete=7 WHERE ID_ProductosXCuenta=10001"_s);
+    ASSERT_EQ(restaurante.Cerrar(), Desenlace::Terminado);
+    EXPECT_EQ(restaurante.Valor(u"SELECT Fecha_Cierre FROM Comanda WHERE ID_Comanda=50904"_s),
+              u"14/11/2026"_s);
+    EXPECT_EQ(restaurante.Valor(
+                  u"SELECT ID_Paquete FROM ProductosXCuenta WHERE ID_ProductosXCuenta=10001"_s),
+              u"7"_s);
+}
+
+TEST(FinDeDia, SinTerminalesActivasSoloAvanzaYCuenta) {
+    Restaurante restaurante;
+    restaurante.Mandar(u"UPDATE Terminal SET Estado_Terminal='D'"_s);
+    ASSERT_EQ(restaurante.Cerrar(), Desenlace::Terminado);
+    EXPECT_EQ(Fecha(restaurante), u"15112026"_s);
+    EXPECT_TRUE(restaurante.Resumen().contadas.isEmpty());
+    EXPECT_TRUE(QFile::exists(restaurante.Programa() + u"/Quimo_Terminal.mdb"_s));
+    EXPECT_EQ(restaurante.share.Operaciones(), 0);
+}
+
+struct CasoFalla {
+    const char* nombre;
+    Respuesta respuesta;
+    Desenlace desenlace;
+    QStringList contadas;
+    QStringList mostrados;
+};
+
+TEST(FinDeDia, UnaTerminalInalcanzableSePregunta) {
+    const CasoFalla casos[] = {
+        {"anular", Respuesta::Abortar, Desenlace::Abortado, {}, {u"[i] |Abortado"_s}},
+        {"omitir",
+         Respuesta::Ignorar,
+         Desenlace::Terminado,
+         {u"CAJA1"_s, u"BARRA"_s},
+         {u"[x] Error fin día|Error de comunicación con terminales:\nCAJA2 Nombre o número de "
+          u"archivo incorrecto: \\\\CAJA2\\quimo\\Quimo_Terminal.mdb"_s,
+          kTerminado}},
+        // The share is back for the retry, but the terminal stays marked as skipped.
+        {"reintentar", Respuesta::Reintentar, Desenlace::Terminado, {u"CAJA1"_s, u"BARRA"_s},
+         {kTerminado}},
+    };
+    for (const CasoFalla& caso : casos) {
+        Restaurante restaurante;
+        const QString casa = restaurante.Raiz() + u"/red/CAJA2"_s;
+        ASSERT_TRUE(QDir().rename(casa, casa + u"-apagada"_s));
+        restaurante.dialogos.Responder(u"Falla de comunicación con CAJA2"_s, caso.respuesta, [&] {
+            if (caso.respuesta == Respuesta::Reintentar) QDir().rename(casa + u"-apagada"_s, casa);
+        });
+        EXPECT_EQ(restaurante.Cerrar(), caso.desenlace) << caso.nombre;
+        QStringList contadas;
+        for (const TerminalContada& contada : restaurante.Resumen().contadas) {
+            contadas << contada.terminal.nombre;
+        }
+        EXPECT_EQ(contadas, caso.contadas) << caso.nombre;
+        EXPECT_EQ(restaurante.dialogos.Mostrados(), caso.mostrados) << caso.nombre;
+        EXPECT_EQ(Fecha(restaurante), u"15112026"_s) << caso.nombre;
+        // Its sales were not copied, but what was replaced is in the archive.
+        if (caso.respuesta == Respuesta::Reintentar) {
+            EXPECT_EQ(Archivados(restaurante, u"CAJA2"_s).size(), 1) << caso.nombre;
+        }
+    }
+}
+
+TEST(FinDeDia, LoQueVuelveParaElEnvioSeArchivaAntesDeReemplazarse) {
+    Restaurante restaurante;
+    const QByteArray vendido = Bytes(restaurante.Terminal(u"BARRA"_s));
+    bool reuniendo = true;
+    restaurante.share.Poner([&](Operacion, const QString& remoto) {
+        return reuniendo && remoto.contains(u"BARRA"_s) ? 76 : 0;
+    });
+    restaurante.dialogos.Responder(u"Falla de comunicación con BARRA"_s, Respuesta::Ignorar,
+                                   [&] { reuniendo = false; });
+    ASSERT_EQ(restaurante.Cerrar(), Desenlace::Terminado);
+    EXPECT_EQ(Bytes(restaurante.Programa() + u"/archivo/14112026/BARRA/Quimo_Terminal-1.mdb"_s),
+              vendido);
+    EXPECT_EQ(DiferenciasDeTerminal(restaurante.Terminal(u"CAJA1"_s), u"CAJA1"_s), QStringList());
+    EXPECT_EQ(restaurante.Resumen().avisos.size(), 2);
+}
+
+TEST(FinDeDia, ElArchivoAbiertoSeReintentaHastaElLimite) {
+    Restaurante restaurante;
+    int veces = 0;
+    restaurante.share.Poner([&](Operacion operacion, const QString& remoto) {
+        return operacion == Operacion::Traer && remoto.contains(u"CAJA1"_s) && ++veces <= 1500 ? 70
+                                                                                              : 0;
+    });
+    ASSERT_EQ(restaurante.Cerrar(), Desenlace::Terminado);
+    EsperarDiaCerrado(restaurante);
+
+    Restaurante otro;
+    otro.share.Poner([&](Operacion operacion, const QString& remoto) {
+        return operacion == Operacion::Llevar && remoto.contains(u"BARRA"_s) ? 70 : 0;
+    });
+    ASSERT_EQ(otro.Cerrar(), Desenlace::Terminado);
+    EXPECT_EQ(otro.dialogos.Mostrados(),
+              (QStringList{u"[x] |La terminal BARRA no se cerro"_s, kTerminado}));
+    EXPECT_EQ(DiferenciasCentrales(otro), QStringList());
+}
+
+TEST(FinDeDia, ContinuarTrasCadaFallaTerminaComoUnCierreSinFallas) {
+    // Every operation on a share fails once with a full disk, which ends the close.
+    for (int punto = 1;; ++punto) {
+        Restaurante restaurante;
+        int operacion = 0;
+        restaurante.share.Poner(
+            [&](Operacion, const QString&) { return ++operacion == punto ? 61 : 0; });
+        const Desenlace primero = restaurante.Cerrar();
+        if (primero == Desenlace::Terminado) {
+            EXPECT_GT(punto, 9);
+            break;
+        }
+        ASSERT_EQ(primero, Desenlace::ConError);
+        ASSERT_LT(punto, 60);
+        restaurante.Reconectar();
+        restaurante.dialogos.Olvidar();
+        restaurante.dialogos.Responder(kPregunta, Respuesta::Si);
+        ASSERT_EQ(restaurante.Cerrar(), Desenlace::Terminado) << punto;
+        EXPECT_EQ(restaurante.dialogos.Mostrados(), QStringList{kTerminado}) << punto;
+        EsperarDiaCerrado(restaurante);
+        if (::testing::Test::HasFailure()) return;
+    }
+}
+
+TEST(FinDeDia, LaTerminalYaEntregadaNoSeReemplazaAlContinuar) {
+    Restaurante restaurante;
+    restaurante.share.Poner([&](Operacion operacion, const QString& remoto) {
+        return operacion == Operacion::Llevar && remoto.contains(u"BARRA"_s) ? 61 : 0;
+    });
+    ASSERT_EQ(restaurante.Cerrar(), Desenlace::ConError);
+    // The next day's sales begin on a terminal that has its new database.
+    const QString caja = restaurante.Terminal(u"CAJA1"_s);
+    QFile archivo(caja);
+    ASSERT_TRUE(archivo.open(QIODevice::Append));
+    ASSERT_EQ(archivo.write(QByteArray(4096, '\0')), 4096);
+    archivo.close();
+    const QByteArray vendiendo = Bytes(caja);
+    restaurante.share.Poner({});
+    restaurante.dialogos.Responder(kPregunta, Respuesta::Si);
+    ASSERT_EQ(restaurante.Cerrar(), Desenlace::Terminado);
+    EXPECT_EQ(Bytes(caja), vendiendo);
+    EXPECT_EQ(restaurante.Resumen().entregadas, QStringList{u"BARRA"_s});
+}
+
+TEST(FinDeDia, NoContinuarEmpiezaUnCierreNuevo) {
+    Restaurante restaurante;
+    restaurante.share.Poner([](Operacion, const QString&) { return 61; });
+    ASSERT_EQ(restaurante.Cerrar(), Desenlace::ConError);
+    restaurante.share.Poner({});
+    restaurante.dialogos.Responder(kPregunta, Respuesta::No);
+    // The date moved on with the close that failed; the new one closes the next day, whose
+    // comparison with the terminals' rows of the 14th copies them all the same.
+    ASSERT_EQ(restaurante.Cerrar(), Desenlace::ConError);
+    EXPECT_EQ(Fecha(restaurante), u"16112026"_s);
+}
+
+struct CasoMalo {
+    const char* nombre;
+    std::function<void(Restaurante&)> preparar;
+    QString mensaje;  ///< what the shown text contains
+};
+
+void Reescribir(const QString& ruta, const std::function<void(QByteArray&)>& cambio) {
+    QByteArray bytes = Bytes(ruta);
+    cambio(bytes);
+    QFile archivo(ruta);
+    ASSERT_TRUE(archivo.open(QIODevice::WriteOnly));
+    ASSERT_EQ(archivo.write(bytes), bytes.size());
+}
+
+TEST(FinDeDia, LaEntradaMalaTerminaConMensajeYSinNadaAMedias) {
+    const auto en_caja2 = [](const std::function<void(QByteArray&)>& cambio) {
+        return [cambio](Restaurante& r) { Reescribir(r.Terminal(u"CAJA2"_s), cambio); };
+    };
+    const CasoMalo casos[] = {
+        {"cortado", en_caja2([](QByteArray& b) { b.truncate(300000); }), u"CAJA2"_s},
+        {"vacío", en_caja2([](QByteArray& b) { b.clear(); }), u"CAJA2"_s},
+        {"otra cosa", en_caja2([](QByteArray& b) { b.fill('x'); }), u"CAJA2"_s},
+        {"cifrado", en_caja2([](QByteArray& b) { b[0x3E] = static_cast<char>(b[0x3E] ^ 0x5A); }),
+         u"CAJA2"_s},
+        {"Jet 3", en_caja2([](QByteArray& b) { b[0x14] = 0; }), u"CAJA2"_s},
+        {"posterior", en_caja2([](QByteArray& b) { b[0x14] = 2; }), u"CAJA2"_s},
+        {"sin plantilla",
+         [](Restaurante& r) { QFile::remove(r.Programa() + u"/Plantilla.mdb"_s); },
+         u"No se encontró el archivo"_s},
+        {"fecha mala",
+         [](Restaurante& r) {
+             r.Mandar(u"UPDATE Parametros SET Valor_Cad='14/11/26' WHERE "
+                      u"ID_Parametro='FECHA_TRABAJO'"_s);
+         },
+         u"FECHA_TRABAJO"_s},
+        {"sin directorio",
+         [](Restaurante& r) {
+             r.Mandar(u"DELETE FROM Parametros WHERE ID_Parametro='DIRTERMBD'"_s);
+         },
+         u"DIRTERMBD"_s},
+    };
+    for (const CasoMalo& caso : casos) {
+        Restaurante restaurante;
+        caso.preparar(restaurante);
+        QHash<QString, QByteArray> antes;
+        for (const QString& nombre : {u"CAJA1"_s, u"CAJA2"_s, u"BARRA"_s}) {
+            antes.insert(nombre, Bytes(restaurante.Terminal(nombre)));
+        }
+        EXPECT_EQ(restaurante.Cerrar(), Desenlace::ConError) << caso.nombre;
+        const QStringList mostrados = restaurante.dialogos.Mostrados();
+        ASSERT_EQ(mostrados.size(), 1) << caso.nombre;
+        EXPECT_TRUE(mostrados.first().contains(caso.mensaje))
+            << caso.nombre << ": " << mostrados.first().toStdString();
+        for (auto it = antes.cbegin(); it != antes.cend(); ++it) {
+            EXPECT_EQ(Bytes(restaurante.Terminal(it.key())), it.value()) << caso.nombre;
+        }
+    }
+}
+
+TEST(FinDeDia, UnaFechaMalaNoVaciaLasColas) {
+    Restaurante restaurante;
+    restaurante.Mandar(
+        u"UPDATE Parametros SET Valor_Cad='1411202X' WHERE ID_Parametro='FECHA_TRABAJO'"_s);
+    const QString cola = restaurante.Valor(u"SELECT COUNT(*) FROM Transacciones"_s);
+    ASSERT_EQ(restaurante.Cerrar(), Desenlace::ConError);
+    EXPECT_EQ(restaurante.Valor(u"SELECT COUNT(*) FROM Transacciones"_s), cola);
+    EXPECT_EQ(restaurante.Valor(u"SELECT COUNT(*) FROM Cierre_Pendiente"_s), u"0"_s);
+}
+
+}  // namespace
+}  // namespace quimo::dayclose::pruebas

@@ -1,0 +1,84 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+#include <QJsonObject>
+#include <QStringList>
+#include <QTemporaryDir>
+
+#include "dayclose/carpeta_share.h"
+#include "dayclose/fin_de_dia.h"
+#include "foundation/cls_ado.h"
+#include "support/dialogos_guion.h"
+
+namespace quimo::dayclose::pruebas {
+
+/// Mapped folders that fail where a test says so.
+class ShareConFallas final : public TerminalShare {
+public:
+    enum class Operacion { Existe, Traer, Llevar };
+    /// The number of the failure for an operation on a remote file, 0 for none.
+    using Plan = std::function<int(Operacion, const QString& remoto)>;
+
+    explicit ShareConFallas(const QString& raiz) : real_(raiz) {}
+    void Poner(Plan plan) { plan_ = std::move(plan); }
+    int Operaciones() const { return operaciones_; }
+
+    ResultadoArchivo<bool> Existe(const QString& remoto) override;
+    ResultadoArchivo<Copiado> Traer(const QString& remoto, const QString& local) override;
+    ResultadoArchivo<void> Llevar(const QString& local, const QString& remoto) override;
+
+private:
+    std::optional<FalloArchivo> Falla(Operacion operacion, const QString& remoto);
+
+    CarpetaShare real_;
+    Plan plan_;
+    int operaciones_ = 0;
+};
+
+/// The restaurant of the recorded day in a temporary folder: central database, program folder and
+/// the three terminals' shares.
+class Restaurante {
+public:
+    Restaurante();
+
+    QString Raiz() const { return carpeta_.path(); }
+    QString Programa() const { return carpeta_.filePath(QStringLiteral("dir")); }
+    QString Terminal(const QString& nombre) const;
+    QString ArchivoCentral() const { return carpeta_.filePath(QStringLiteral("central.db")); }
+
+    /// A new connection, as after a start of the program.
+    void Reconectar();
+    foundation::ClsAdo& Ado() { return *ado_; }
+    QVector<foundation::Fila> Filas(const QString& consulta);
+    QString Valor(const QString& consulta);
+    void Mandar(const QString& sentencia);
+    FinDeDia::Desenlace Cerrar();
+    const ResumenCierre& Resumen() const { return resumen_; }
+
+    quimo::pruebas::DialogosGuion dialogos;
+    quimo::pruebas::RelojFijo reloj;
+    ShareConFallas share;
+
+private:
+    QTemporaryDir carpeta_;
+    std::unique_ptr<foundation::ClsBitacora> bitacora_;
+    std::unique_ptr<foundation::ClsAdo> ado_;
+    ResumenCierre resumen_;
+};
+
+/// A JSON file of the recorded day.
+QJsonObject LeerJson(const QString& ruta);
+
+/// How a terminal's database differs from the recorded one; empty when it does not.
+QStringList DiferenciasDeTerminal(const QString& archivo, const QString& nombre);
+
+/// How the central sales tables differ from the recorded ones.
+QStringList DiferenciasCentrales(Restaurante& restaurante);
+
+/// All sales rows as text, table by table, to compare before and after.
+QStringList Ventas(Restaurante& restaurante);
+
+}  // namespace quimo::dayclose::pruebas

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <functional>
+
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+#include "foundation/dialogos.h"
+#include "foundation/reloj.h"
+
+namespace quimo::pruebas {
+
+/// A user whose answers were written down before: the test fails on a question that the script does
+/// not have next. Messages are kept as "[icon] title|text".
+class DialogosGuion final : public foundation::Dialogos {
+public:
+    using Dialogos::Avisar;
+    using Dialogos::Preguntar;
+
+    ~DialogosGuion() override;
+
+    /// The next question must have this text and gets this answer; `antes` runs before it is given.
+    void Responder(const QString& texto, foundation::Respuesta respuesta,
+                   std::function<void()> antes = {});
+    const QStringList& Mostrados() const { return mostrados_; }
+    void Olvidar() { mostrados_.clear(); }
+
+    void Avisar(const QString& texto, foundation::Icono icono, const QString& titulo) override;
+    foundation::Respuesta Preguntar(const QString& texto, foundation::Botones botones,
+                                    foundation::Icono icono, const QString& titulo) override;
+    std::optional<QString> PedirTexto(const QString& texto, const QString& titulo) override;
+    void Progreso(const QString& /*texto*/) override {}
+    void Ocupado(bool ocupado) override { ocupado_ += ocupado ? 1 : -1; }
+    void ProcesarEventos() override { ++eventos_; }
+    int VecesEventos() const { return eventos_; }
+
+private:
+    struct Prevista {
+        QString texto;
+        foundation::Respuesta respuesta;
+        std::function<void()> antes;
+    };
+    QVector<Prevista> previstas_;
+    QStringList mostrados_;
+    int ocupado_ = 0;
+    int eventos_ = 0;
+};
+
+/// A clock that stands still.
+class RelojFijo final : public foundation::Reloj {
+public:
+    explicit RelojFijo(const QDateTime& momento = QDateTime(QDate(2026, 11, 15), QTime(1, 30),
+                                                            Qt::UTC))
+        : momento_(momento) {}
+    QDateTime Ahora() const override { return momento_; }
+    void Poner(const QDateTime& momento) { momento_ = momento; }
+
+private:
+    QDateTime momento_;
+};
+
+}  // namespace quimo::pruebas
