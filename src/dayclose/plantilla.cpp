@@ -12,18 +12,24 @@ using jet::TipoColumna;
 
 namespace {
 
-constexpr CampoPlantilla Largo(std::string_view nombre) { return {nombre, TipoColumna::Largo}; }
-constexpr CampoPlantilla Entero(std::string_view nombre) { return {nombre, TipoColumna::Entero}; }
-constexpr CampoPlantilla Logico(std::string_view nombre) { return {nombre, TipoColumna::Logico}; }
-constexpr CampoPlantilla Moneda(std::string_view nombre) { return {nombre, TipoColumna::Moneda}; }
-constexpr CampoPlantilla Doble(std::string_view nombre) { return {nombre, TipoColumna::Doble}; }
-constexpr CampoPlantilla Fecha(std::string_view nombre) { return {nombre, TipoColumna::Fecha}; }
+constexpr CampoPlantilla Largo(std::string_view nombre) { return {nombre, 0, TipoColumna::Largo}; }
+constexpr CampoPlantilla Entero(std::string_view nombre) {
+    return {nombre, 0, TipoColumna::Entero};
+}
+constexpr CampoPlantilla Logico(std::string_view nombre) {
+    return {nombre, 0, TipoColumna::Logico};
+}
+constexpr CampoPlantilla Moneda(std::string_view nombre) {
+    return {nombre, 0, TipoColumna::Moneda};
+}
+constexpr CampoPlantilla Doble(std::string_view nombre) { return {nombre, 0, TipoColumna::Doble}; }
+constexpr CampoPlantilla Fecha(std::string_view nombre) { return {nombre, 0, TipoColumna::Fecha}; }
 constexpr CampoPlantilla Texto(std::string_view nombre, int largo) {
-    return {nombre, TipoColumna::Texto, largo, true};
+    return {nombre, largo, TipoColumna::Texto, true};
 }
 // Two bytes for every character, as the terminals' programs store what is typed in.
 constexpr CampoPlantilla TextoPlano(std::string_view nombre, int largo) {
-    return {nombre, TipoColumna::Texto, largo, false};
+    return {nombre, largo, TipoColumna::Texto, false};
 }
 
 constexpr CampoPlantilla kComanda[] = {

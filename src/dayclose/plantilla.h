@@ -12,8 +12,8 @@ namespace quimo::dayclose {
 /// One column of a terminal's database. The length counts for texts only.
 struct CampoPlantilla {
     std::string_view nombre;
-    jet::TipoColumna tipo = jet::TipoColumna::Largo;
     int largo = 0;
+    jet::TipoColumna tipo = jet::TipoColumna::Largo;
     bool comprimido = false;
 };
 

@@ -3,11 +3,10 @@
 #include <algorithm>
 #include <string>
 
-#include <QDateTime>
+#include "dayclose/valor_terminal.h"
 
 namespace quimo::app::demo {
 
-using base::Dinero;
 using base::Error;
 using base::Result;
 
@@ -23,26 +22,6 @@ Result<std::vector<std::size_t>> Posiciones(const jet::Tabla& tabla,
     return posiciones;
 }
 
-// The values come from Tablas(), which makes no other types.
-jet::Valor AValor(const QVariant& dato) {
-    if (!dato.isValid()) return std::monostate();
-    if (dato.typeId() == qMetaTypeId<Dinero>()) return dato.value<Dinero>();
-    if (dato.typeId() == QMetaType::Bool) return dato.toBool();
-    if (dato.typeId() == QMetaType::Int) return dato.toInt();
-    if (dato.typeId() == QMetaType::QString) return dato.toString().toStdU16String();
-    QUIMO_CHECK(dato.typeId() == QMetaType::QDateTime);
-    const QDate dia = dato.toDateTime().date();
-    const QTime hora = dato.toDateTime().time();
-    const auto fecha = jet::Fecha::DeCivil({.ano = dia.year(),
-                                            .mes = dia.month(),
-                                            .dia = dia.day(),
-                                            .hora = hora.hour(),
-                                            .minuto = hora.minute(),
-                                            .segundo = hora.second()});
-    QUIMO_CHECK(fecha.has_value());
-    return *fecha;
-}
-
 Result<void> InsertarFilas(jet::BaseDatos& base, const TablaVentas& ventas) {
     QUIMO_TRY(jet::Tabla tabla, base.AbrirTabla(ventas.nombre.toStdString()));
     std::vector<std::string> columnas;
@@ -50,9 +29,19 @@ Result<void> InsertarFilas(jet::BaseDatos& base, const TablaVentas& ventas) {
         columnas.push_back(columna.toStdString());
     QUIMO_TRY(const std::vector<std::size_t> posiciones, Posiciones(tabla, columnas));
     for (const foundation::Fila& fila : ventas.filas) {
-        jet::Fila valores(tabla.Definicion().columnas.size());
-        for (std::size_t i = 0; i < posiciones.size(); ++i)
-            valores[posiciones[i]] = AValor(fila[static_cast<qsizetype>(i)]);
+        const std::vector<jet::DefColumna>& definicion = tabla.Definicion().columnas;
+        jet::Fila valores(definicion.size());
+        for (std::size_t i = 0; i < posiciones.size(); ++i) {
+            const QVariant& dato = fila[static_cast<qsizetype>(i)];
+            const auto valor = dayclose::AValorTerminal(dato, definicion[posiciones[i]].tipo);
+            if (!valor) {
+                return Error{Error::Codigo::Datos,
+                             "Una venta no cabe en la columna " + columnas[i] + " de la tabla " +
+                                 tabla.Nombre() + " de la terminal.",
+                             base.Ruta()};
+            }
+            valores[posiciones[i]] = *valor;
+        }
         QUIMO_TRY_VOID(tabla.Insertar(valores));
     }
     return {};

@@ -54,12 +54,12 @@ inline constexpr int kPersonalCocina = 5;
 
 /// A category and what its products have in common.
 struct CategoriaDemo {
-    int id = 0;
     std::u16string_view nombre;
-    char16_t tipo = u'V';
+    int id = 0;
     int submenu = 0;
     int grupo_impresoras = kSinImpresora;
     int grupo_modificadores = kSinModificadores;
+    char16_t tipo = u'V';
     int existencia = 0;  ///< counted stock of its products; 0: they are not counted
 };
 

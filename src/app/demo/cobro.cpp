@@ -26,7 +26,7 @@ Dinero MontoDeCortesia(const TipoDeCortesia& tipo, const Articulo& articulo, Aza
         // Percent to ten-thousandths of the price.
         monto = articulo.venta.Fraccion(tipo.cantidad.Diezmilesimas() / 100).ACentavos();
     } else if (tipo.tipo == u'A') {
-        monto = articulo.venta.Fraccion(1000 * azar.Entre(2, 8)).ACentavos();
+        monto = articulo.venta.Fraccion(1000L * azar.Entre(2, 8)).ACentavos();
     } else {
         monto = tipo.cantidad;
     }

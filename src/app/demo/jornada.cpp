@@ -63,7 +63,7 @@ public:
         const std::vector<QDateTime> aperturas = Aperturas();
         const std::size_t cuantas = aperturas.size();
         const std::size_t abiertas = al_cerrar == AlCerrar::QuedanAbiertas
-                                         ? static_cast<std::size_t>(azar().Entre(1, 2))
+                                         ? static_cast<std::size_t>(Dado().Entre(1, 2))
                                          : 0;
         for (std::size_t i = 0; i < cuantas; ++i) {
             if (i == cuantas / 4) suerte_.Insistir();
@@ -77,7 +77,7 @@ public:
     }
 
 private:
-    Azar& azar() { return suerte_.Dado(); }
+    Azar& Dado() { return suerte_.Dado(); }
 
     QDateTime Momento(const QTime& hora) const { return {dia_.dia, hora, Qt::UTC}; }
 
@@ -88,27 +88,27 @@ private:
         std::vector<int> pesos;
         std::ranges::transform(horas, std::back_inserter(pesos), &Hora::peso);
         const int normal =
-            (ritmo_ == Ritmo::Salon ? kComandasSalon : kComandasBar) + azar().Entre(-4, 4);
+            (ritmo_ == Ritmo::Salon ? kComandasSalon : kComandasBar) + Dado().Entre(-4, 4);
         const int cuantas = std::max(8, normal * kSemana[dia_.dia.dayOfWeek() - 1] / 100);
         std::vector<QDateTime> aperturas;
         for (int i = 1; i < cuantas; ++i) {
-            const int hora = horas[azar().Pesado(pesos)].hora;
-            aperturas.push_back(Momento(QTime(hora, azar().Entre(0, 59), azar().Entre(0, 59))));
+            const int hora = horas[Dado().Pesado(pesos)].hora;
+            aperturas.push_back(Momento(QTime(hora, Dado().Entre(0, 59), Dado().Entre(0, 59))));
             // The doors close at half past eleven.
             if (hora == 23) aperturas.back() = aperturas.back().addSecs(-1800);
         }
         std::ranges::sort(aperturas);
         const QDateTime ultima = Momento(QTime(23, 40));
-        aperturas.push_back(ultima.addSecs(60 * azar().Entre(0, 70) + azar().Entre(0, 59)));
+        aperturas.push_back(ultima.addSecs(60 * Dado().Entre(0, 70) + Dado().Entre(0, 59)));
         return aperturas;
     }
 
     ComandaVendida Atender(const QDateTime& apertura, bool de_medianoche, bool abierta) {
         ComandaVendida comanda;
-        comanda.empleado = azar().Uno(catalogo_.meseros);
+        comanda.empleado = Dado().Uno(catalogo_.meseros);
         comanda.apertura = apertura;
         const QDateTime cierre =
-            apertura.addSecs(60 * Duracion(de_medianoche) + azar().Entre(0, 59));
+            apertura.addSecs(60 * Duracion(de_medianoche) + Dado().Entre(0, 59));
         if (!abierta) comanda.cierre = cierre;
         const int comensales = Sentar(comanda, cierre);
         auto lotes = comedor_.Pedir(ParteDe(apertura.time()), comensales, ritmo_ == Ritmo::Bar);
@@ -116,25 +116,25 @@ private:
         for (CuentaVendida& cuenta : comanda.cuentas) {
             if (abierta) {
                 for (Articulo& articulo : cuenta.articulos)
-                    articulo.preparado = azar().Porciento(60);
+                    articulo.preparado = Dado().Porciento(60);
             }
             AnularYObsequiar(cuenta, apertura, catalogo_, suerte_);
-            cuenta.impresiones = abierta ? azar().Entre(0, 1) : azar().Entre(10, 23) / 10;
-            if (!abierta) Pagar(cuenta, cierre.addSecs(-azar().Entre(45, 240)), catalogo_, suerte_);
+            cuenta.impresiones = abierta ? Dado().Entre(0, 1) : Dado().Entre(10, 23) / 10;
+            if (!abierta) Pagar(cuenta, cierre.addSecs(-Dado().Entre(45, 240)), catalogo_, suerte_);
         }
         return comanda;
     }
 
     // In minutes.
     int Duracion(bool de_medianoche) {
-        if (de_medianoche) return azar().Entre(30, 75);
-        return ritmo_ == Ritmo::Salon ? azar().Entre(28, 95) : azar().Entre(25, 120);
+        if (de_medianoche) return Dado().Entre(30, 75);
+        return ritmo_ == Ritmo::Salon ? Dado().Entre(28, 95) : Dado().Entre(25, 120);
     }
 
     // Who sits where; returns for how many is ordered.
     int Sentar(ComandaVendida& comanda, const QDateTime& hasta) {
-        const int comensales = static_cast<int>(azar().Pesado(kComensales)) + 1;
-        const int destino = azar().Entre(1, 100);
+        const int comensales = static_cast<int>(Dado().Pesado(kComensales)) + 1;
+        const int destino = Dado().Entre(1, 100);
         if (ritmo_ == Ritmo::Salon && destino <= 5) {
             comanda.tipo = u"DOMICILIO"_s;
             return std::min(comensales, 4);
@@ -152,7 +152,7 @@ private:
 
     // Each terminal serves tables of its own: 101, 102, ... for terminal 1.
     int MesaLibre(const QDateTime& desde, const QDateTime& hasta) {
-        std::size_t mesa = static_cast<std::size_t>(azar().Entre(0, kMesas - 1));
+        auto mesa = static_cast<std::size_t>(Dado().Entre(0, kMesas - 1));
         for (int i = 0; i < kMesas; ++i) {
             QDateTime& libre = libre_desde_[mesa];
             if (!libre.isValid() || libre <= desde) {
@@ -169,14 +169,14 @@ private:
         std::size_t cuantas = 1;
         if (comensales > 1 && lotes.size() > 2 && suerte_.Toca(Rasgo::CuentaDividida, 9)) {
             cuantas = std::min({lotes.size(), static_cast<std::size_t>(comensales),
-                                static_cast<std::size_t>(azar().Entre(2, 4))});
+                                static_cast<std::size_t>(Dado().Entre(2, 4))});
         }
         comanda.cuentas.resize(cuantas);
         for (std::size_t i = 0; i < lotes.size(); ++i) {
             const std::size_t cual =
                 i < cuantas
                     ? i
-                    : static_cast<std::size_t>(azar().Entre(0, static_cast<int>(cuantas) - 1));
+                    : static_cast<std::size_t>(Dado().Entre(0, static_cast<int>(cuantas) - 1));
             std::vector<Articulo>& articulos = comanda.cuentas[cual].articulos;
             std::ranges::move(lotes[i], std::back_inserter(articulos));
         }

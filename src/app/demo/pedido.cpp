@@ -103,7 +103,8 @@ Comedor::Opciones Comedor::ReunirOpciones(int rol, ParteDia parte) const {
 }
 
 const Comedor::Opciones& Comedor::De(int rol, ParteDia parte) const {
-    return opciones_[static_cast<std::size_t>(rol * kPartesDia + static_cast<int>(parte))];
+    const int lugar = rol * kPartesDia + static_cast<int>(parte);
+    return opciones_[static_cast<std::size_t>(lugar)];
 }
 
 Articulo Comedor::Nuevo(const ProductoEnCatalogo& producto) {
@@ -142,7 +143,8 @@ void Comedor::Adornar(Articulo& articulo, const ProductoEnCatalogo& producto) {
             articulo.modificadores.push_back({segundo.tipo, segundo.precio});
     }
     if (GustoDe(producto.categoria).rol == kBebida) return;
-    if (suerte_.Toca(Rasgo::Comentario, 6)) articulo.comentario = QString(azar.Uno(kComentarios));
+    if (suerte_.Toca(Rasgo::Comentario, 6))
+        articulo.comentario = QString::fromUtf16(azar.Uno(kComentarios));
     if (!catalogo_.modos.empty() && azar.Porciento(8)) articulo.modo = azar.Uno(catalogo_.modos);
 }
 

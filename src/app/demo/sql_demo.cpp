@@ -9,22 +9,37 @@ using foundation::Fila;
 using foundation::RespuestaSql;
 using foundation::SqlConnection;
 
-Error ErrorDeSql(const foundation::FalloSql& fallo) {
-    return {Error::Codigo::Archivo, fallo.Descripcion().toStdString(),
-            "Error nativo " + std::to_string(fallo.Nativo())};
+Error ErrorDe(const foundation::FalloSql& fallo) {
+    const bool restriccion = fallo.numero == foundation::FalloSql::kIntegridad;
+    return {restriccion ? Error::Codigo::Restriccion : Error::Codigo::Archivo,
+            fallo.Descripcion().toStdString(), "Error nativo " + std::to_string(fallo.Nativo())};
+}
+
+Error ErrorDe(const dayclose::FalloArchivo& fallo) {
+    using Numero = dayclose::FalloArchivo;
+    const Error::Codigo codigo = fallo.numero == Numero::kDiscoLleno ? Error::Codigo::DiscoLleno
+                                 : fallo.numero == Numero::kPermisoDenegado
+                                     ? Error::Codigo::Bloqueado
+                                     : Error::Codigo::Archivo;
+    return {codigo, fallo.descripcion.toStdString(), "Error " + std::to_string(fallo.numero)};
+}
+
+Error ErrorDe(const dayclose::Interrupcion& interrupcion) {
+    return {Error::Codigo::Datos, interrupcion.descripcion.toStdString(),
+            "Error " + std::to_string(interrupcion.numero)};
 }
 
 Result<void> Ejecutar(SqlConnection& conexion, const QString& tsql,
                       const QVector<QVariant>& parametros) {
     const RespuestaSql respuesta = conexion.Ejecutar(tsql, parametros);
-    if (respuesta.fallo) return ErrorDeSql(*respuesta.fallo);
+    if (respuesta.fallo) return ErrorDe(*respuesta.fallo);
     return {};
 }
 
 Result<QVector<Fila>> Consultar(SqlConnection& conexion, const QString& tsql,
                                 const QVector<QVariant>& parametros) {
     const RespuestaSql respuesta = conexion.Ejecutar(tsql, parametros);
-    if (respuesta.fallo) return ErrorDeSql(*respuesta.fallo);
+    if (respuesta.fallo) return ErrorDe(*respuesta.fallo);
     for (const foundation::ResultadoSql& resultado : respuesta.resultados) {
         if (resultado.conjunto) return resultado.conjunto->filas;
     }

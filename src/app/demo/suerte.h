@@ -20,8 +20,9 @@ enum class Rasgo {
     PagoMixto,
     PropinaNula,
     SinPropina,
-    Total_,
 };
+
+constexpr std::size_t kRasgos = static_cast<std::size_t>(Rasgo::SinPropina) + 1;
 
 /// Chance with a memory: a trait that has not come up by itself comes up once one insists.
 class Suerte {
@@ -42,7 +43,7 @@ public:
 private:
     Azar azar_;
     bool insistir_ = false;
-    std::array<bool, static_cast<std::size_t>(Rasgo::Total_)> vistos_{};
+    std::array<bool, kRasgos> vistos_{};
 };
 
 }  // namespace quimo::app::demo

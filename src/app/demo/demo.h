@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+#include "app/demo/ventas.h"
+#include "base/result.h"
+#include "foundation/dialogos.h"
+#include "foundation/reloj.h"
+
+namespace quimo::app::demo {
+
+/// What one terminal did in this call.
+struct VentasDeTerminal {
+    enum class Estado {
+        Vendio,
+        YaTeniaVentas,   ///< its file waits for the close
+        SinBaseDeDatos,  ///< its file is not there
+    };
+    QString terminal;
+    Estado estado = Estado::Vendio;
+    CifrasVentas cifras = {};
+};
+
+struct ResumenDemo {
+    bool nueva = false;  ///< the restaurant was set up in this call
+    QString fecha_trabajo = {};
+    int dias_de_historia = 0;
+    CifrasVentas historia = {};
+    QVector<VentasDeTerminal> terminales = {};
+};
+
+/// Sets up the demonstration restaurant in `carpeta`: central.db (embedded engine) with a month of
+/// sales before today, quimo/ as the program's folder with the template, red/NAME/quimo/ as the
+/// terminals' shares, each with today's sales. A folder that already holds it is kept, and every
+/// terminal without sales sells the current working date, so that another close can follow. A new
+/// restaurant comes into being whole or not at all; a folder with other contents is refused
+/// (Restriccion).
+base::Result<ResumenDemo> PrepararDemo(const QString& carpeta, foundation::Dialogos& dialogos,
+                                       const foundation::Reloj& reloj);
+
+/// The summary for people, line by line.
+QStringList Lineas(const ResumenDemo& resumen);
+
+}  // namespace quimo::app::demo
