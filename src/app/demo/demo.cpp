@@ -167,7 +167,7 @@ Result<void> VenderHoy(Central& central, const Lugares& lugares, ResumenDemo& re
 }
 
 Result<void> CrearCentral(Central& central, const QDate& hoy) {
-    QUIMO_TRY_VOID(Traducido(foundation::CrearEsquema(central.Conexion())));
+    QUIMO_TRY_VOID(Traducido(foundation::CrearBase(central.Conexion())));
     QUIMO_TRY(auto transaccion, Traducido(Transaccion::Iniciar(central.Conexion())));
     QUIMO_TRY_VOID(Sembrar(central.Conexion(), hoy));
     return Traducido(transaccion.Confirmar());
