@@ -156,11 +156,8 @@ Result<void> LeerValor(Lectura& lectura, const Esquema& esquema, const VistaFila
         return {};
     }
     if (EsLargo(def.tipo) && !bytes->empty()) {
-        QUIMO_TRY(const bool hay,
-                  LeerLargo(lectura.almacen, *bytes, lectura.presupuesto, lectura.largo));
-        if (!hay) {
-            destino = std::monostate{};
-        } else if (def.tipo == TipoColumna::Memo) {
+        QUIMO_TRY_VOID(LeerLargo(lectura.almacen, *bytes, lectura.presupuesto, lectura.largo));
+        if (def.tipo == TipoColumna::Memo) {
             DescifrarTexto(lectura.largo, Como<std::u16string>(destino));
         } else {
             Como<Binario>(destino).assign(lectura.largo.begin(), lectura.largo.end());

@@ -135,7 +135,7 @@ Result<Celda> CifrarTextos(const Esquema& esquema, std::size_t columna, const Va
         if (texto->size() > kLargoMax / 2)
             return NoCabe(esquema, columna, "el texto es demasiado largo");
         celda.bytes = CifrarTexto(*texto, def.comprimido);
-        celda.por_guardar = !celda.bytes.empty();
+        celda.por_guardar = true;
         return celda;
     }
     const std::size_t maximo = esquema.fisicas[columna].bytes / 2U;
@@ -161,7 +161,7 @@ Result<Celda> CifrarBytes(const Esquema& esquema, std::size_t columna, const Val
     Celda celda{.tiene_valor = true, .bytes = *bytes};
     const ColumnaFisica& fisica = esquema.fisicas[columna];
     const bool ole = esquema.tabla.columnas[columna].tipo == TipoColumna::Ole;
-    celda.por_guardar = ole && !bytes->empty();
+    celda.por_guardar = ole;
     const std::size_t maximo = ole ? kLargoMax : fisica.bytes;
     if (bytes->size() > maximo || (fisica.fija && bytes->size() != maximo)) {
         return NoCabe(esquema, columna,

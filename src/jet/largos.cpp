@@ -45,7 +45,7 @@ Result<void> AnotarLugar(Almacen& almacen, Puntero libres, std::uint32_t pagina)
     return Mapa(almacen, libres).Poner(pagina);
 }
 
-Result<bool> LeerLargo(Almacen& almacen, std::span<const std::uint8_t> descriptor,
+Result<void> LeerLargo(Almacen& almacen, std::span<const std::uint8_t> descriptor,
                        Presupuesto& presupuesto, std::vector<std::uint8_t>& destino,
                        std::vector<Puntero>* piezas) {
     destino.clear();
@@ -55,14 +55,14 @@ Result<bool> LeerLargo(Almacen& almacen, std::span<const std::uint8_t> descripto
     const std::uint32_t palabra = U32(descriptor.data());
     const std::size_t largo = palabra & kMascaraLargo;
     const Puntero primero = Puntero::Leer(descriptor.data() + 4);
-    if (largo == 0) return false;
+    if (largo == 0) return {};
     if ((palabra & kEnFila) != 0) {
         if (largo > descriptor.size() - kLargoDescriptor) {
             return almacen.Danado("un valor largo dentro de la fila está cortado");
         }
         const auto datos = descriptor.subspan(kLargoDescriptor, largo);
         destino.assign(datos.begin(), datos.end());
-        return true;
+        return {};
     }
     if (!presupuesto.Gastar(largo)) return Circular(almacen, primero);
     const bool cadena = (palabra & kUnaFila) == 0;
@@ -85,7 +85,7 @@ Result<bool> LeerLargo(Almacen& almacen, std::span<const std::uint8_t> descripto
     if (destino.size() < largo) {
         return almacen.Danado("el valor largo de " + primero.ATexto() + " está cortado");
     }
-    return true;
+    return {};
 }
 
 std::vector<std::uint8_t> LargoEnFila(std::span<const std::uint8_t> valor) {

@@ -32,9 +32,9 @@ private:
     std::uint64_t resto_ = 0;
 };
 
-/// Reads the value of a descriptor, as stored in the row, into `destino`. Returns false for a
-/// descriptor of length 0, which stands for NULL. `piezas`, if given, takes the rows it lies in.
-Result<bool> LeerLargo(Almacen& almacen, std::span<const std::uint8_t> descriptor,
+/// Reads the value of a descriptor, as stored in the row, into `destino`. A
+/// descriptor of length 0 stands for an empty value. `piezas`, if given, takes the rows it lies in.
+Result<void> LeerLargo(Almacen& almacen, std::span<const std::uint8_t> descriptor,
                        Presupuesto& presupuesto, std::vector<std::uint8_t>& destino,
                        std::vector<Puntero>* piezas = nullptr);
 
