@@ -74,7 +74,7 @@ QString Referencia(QChar clase, Azar& azar) {
         return u"**** %1 aut. %2"_s.arg(azar.Entre(0, 9999), 4, 10, QChar(u'0'))
             .arg(azar.Entre(0, 999999), 6, 10, QChar(u'0'));
     }
-    return u"Mesa de don Ángel, folio %1"_s.arg(azar.Entre(100, 999));
+    return u"SPEI rastreo %1"_s.arg(azar.Entre(1000000, 9999999));
 }
 
 std::optional<Dinero> Propina(QChar clase, Dinero monto, Suerte& suerte) {

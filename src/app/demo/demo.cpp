@@ -33,12 +33,29 @@ namespace {
 
 constexpr int kDiasDeHistoria = 30;
 
+// Also what tells a demonstration from a real restaurant's folder.
+constexpr char kLeeme[] =
+    "Restaurante de demostración de QUIMO\n"
+    "\n"
+    "central.db     la base de datos central, con un mes de ventas\n"
+    "quimo/         la carpeta del programa\n"
+    "red/           lo que comparten las terminales: sus bases con las ventas del día\n"
+    "\n"
+    "Cerrar el día:\n"
+    "  quimoctl cerrar embebido central.db --dir quimo --red red\n"
+    "Vender otro día (después de cerrar):\n"
+    "  quimoctl demo .\n"
+    "\n"
+    "Todo es inventado y se puede borrar. Sin este archivo la carpeta deja de ser una "
+    "demostración.\n";
+
 /// Where things are in the demonstration's folder.
 struct Lugares {
     QString raiz;
     QString Central() const { return raiz + u"/central.db"_s; }
     QString Programa() const { return raiz + u"/quimo"_s; }
     QString Plantilla() const { return Programa() + u"/Plantilla.mdb"_s; }
+    QString Leeme() const { return raiz + u"/LEEME.txt"_s; }
     QString Red() const { return raiz + u"/red"_s; }
     QString Terminal(const QString& nombre, const QString& directorio) const {
         return Red() + u'/' + nombre + u'/' + directorio + u"/Quimo_Terminal.mdb"_s;
@@ -181,6 +198,7 @@ Result<ResumenDemo> Montar(const Lugares& lugares, foundation::Dialogos& dialogo
     QUIMO_TRY_VOID(dayclose::EscribirPlantilla(lugares.Plantilla().toStdU16String()));
     QUIMO_TRY(const auto central,
               Central::Abrir(lugares.Central(), foundation::SiFalta::Crear, dialogos, reloj));
+    QUIMO_TRY_VOID(Traducido(dayclose::EscribirEntero(lugares.Leeme(), kLeeme)));
     dialogos.Progreso(u"Creando el restaurante de demostración"_s);
     QUIMO_TRY_VOID(CrearCentral(*central, hoy));
     QUIMO_TRY_VOID(Repartir(*central, lugares));
@@ -192,23 +210,31 @@ Result<ResumenDemo> Montar(const Lugares& lugares, foundation::Dialogos& dialogo
     return resumen;
 }
 
-Error NoSePuedeCrear(const QString& carpeta) {
+Error NoSePuedeEscribir(const QString& carpeta) {
     return {Error::Codigo::Archivo,
-            u"No se puede crear la carpeta %1."_s.arg(carpeta).toStdString()};
+            u"No se puede escribir en la carpeta %1."_s.arg(carpeta).toStdString()};
 }
 
-// Beside its place, and put there when it is complete.
-Result<ResumenDemo> Estrenar(const QString& carpeta, foundation::Dialogos& dialogos,
+// Moves what is complete from one folder to another; on failure all of it is back.
+bool Mudar(const QString& origen, const QString& destino) {
+    const QStringList nombres{u"quimo"_s, u"red"_s, u"central.db"_s, u"LEEME.txt"_s};
+    for (qsizetype i = 0; i < nombres.size(); ++i) {
+        if (QDir().rename(origen + u'/' + nombres[i], destino + u'/' + nombres[i])) continue;
+        while (--i >= 0)
+            QDir().rename(destino + u'/' + nombres[i], origen + u'/' + nombres[i]);
+        return false;
+    }
+    return true;
+}
+
+// Sets it up in a folder of its own inside, and puts it in its place when it is complete.
+Result<ResumenDemo> Estrenar(const Lugares& lugares, foundation::Dialogos& dialogos,
                              const foundation::Reloj& reloj) {
-    const QFileInfo destino(QFileInfo(carpeta).absoluteFilePath());
-    if (!QDir().mkpath(destino.path())) return NoSePuedeCrear(destino.path());
-    QTemporaryDir taller(destino.path() + u"/.quimo-demo-XXXXXX"_s);
-    if (!taller.isValid()) return NoSePuedeCrear(destino.path());
+    if (!QDir().mkpath(lugares.raiz)) return NoSePuedeEscribir(lugares.raiz);
+    const QTemporaryDir taller(lugares.raiz + u"/.quimo-demo-XXXXXX"_s);
+    if (!taller.isValid()) return NoSePuedeEscribir(lugares.raiz);
     QUIMO_TRY(ResumenDemo resumen, Montar({taller.path()}, dialogos, reloj));
-    // An empty folder gives way; one that somebody filled meanwhile stays.
-    if (destino.exists() && !QDir().rmdir(destino.filePath())) return NoSePuedeCrear(carpeta);
-    if (!QDir().rename(taller.path(), destino.filePath())) return NoSePuedeCrear(carpeta);
-    taller.setAutoRemove(false);
+    if (!Mudar(taller.path(), lugares.raiz)) return NoSePuedeEscribir(lugares.raiz);
     return resumen;
 }
 
@@ -246,8 +272,7 @@ Result<ResumenDemo> PrepararDemo(const QString& carpeta, foundation::Dialogos& d
     const Lugares lugares{QFileInfo(carpeta).absoluteFilePath()};
     const QFileInfo destino(lugares.raiz);
     const bool es_demo = QFileInfo(lugares.Central()).isFile() &&
-                         QFileInfo(lugares.Plantilla()).isFile() &&
-                         QFileInfo(lugares.Red()).isDir();
+                         QFileInfo(lugares.Leeme()).isFile() && QFileInfo(lugares.Red()).isDir();
     if (es_demo) return Continuar(lugares, dialogos, reloj);
     if (destino.exists() &&
         (!destino.isDir() ||
@@ -258,7 +283,10 @@ Result<ResumenDemo> PrepararDemo(const QString& carpeta, foundation::Dialogos& d
             "o vacía."_s.arg(carpeta)
                 .toStdString()};
     }
-    return Estrenar(carpeta, dialogos, reloj);
+    const bool ya_existia = destino.exists();
+    auto resumen = Estrenar(lugares, dialogos, reloj);
+    if (!resumen && !ya_existia) QDir().rmdir(lugares.raiz);
+    return resumen;
 }
 
 QStringList Lineas(const ResumenDemo& resumen) {

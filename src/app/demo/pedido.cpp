@@ -232,7 +232,7 @@ std::vector<Lote> Comedor::Pedir(ParteDia parte, int comensales, bool es_bar) {
         if (azar.Porciento(es_bar ? 30 : 94)) Agregar(lotes, kPlato, parte);
     }
     for (int i = 0; i < comensales; ++i) {
-        const int rondas = es_bar ? azar.Entre(1, 3) : azar.Entre(0, 5) / 2;
+        const int rondas = es_bar ? azar.Entre(2, 5) / 2 : azar.Entre(0, 5) / 2;
         for (int ronda = 0; ronda < rondas; ++ronda)
             Agregar(lotes, kBebida, parte);
         if (azar.Porciento(parte == ParteDia::Manana ? 4 : 18)) Agregar(lotes, kPostre, parte);

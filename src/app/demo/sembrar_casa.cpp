@@ -241,7 +241,7 @@ Result<void> SembrarServicio(SqlConnection& conexion) {
             {3, u"Mesa 12: cumpleaños, llevar velita con el postre"_s, 1},
             {4, u"Pasar los pedidos de la parrilla antes de las 22:30"_s, 1},
             {5, u"La terminal \"PATIO\" está en reparación"_s, 1},
-            {6, u"Recordar: mezcalitas 2x1 sólo en la barra"_s, 1},
+            {6, u"Mezcalitas 2x1: cuatro de regalo por mesa, no más"_s, 1},
             {7, u"Noche de Rábanos: carta reducida"_s, 0},
             {8, u"Preguntar siempre por alergias, ¡es la regla de la casa!"_s, 1},
         });

@@ -60,7 +60,7 @@ TEST(Plantilla, EsLaBaseQueEsperanLasTerminales) {
     const std::string ruta = carpeta.filePath(QStringLiteral("Plantilla.mdb")).toStdString();
     ASSERT_TRUE(EscribirPlantilla(ruta));
 
-    const auto esperadas = Definiciones(QUIMO_DATOS_DE_PRUEBA "/terminals/Plantilla.mdb");
+    const auto esperadas = Definiciones(QUIMO_TEST_DATA "/terminals/Plantilla.mdb");
     const auto escritas = Definiciones(ruta);
     std::vector<std::string> diferencias;
     std::ranges::set_symmetric_difference(esperadas, escritas, std::back_inserter(diferencias));
