@@ -144,9 +144,13 @@ Resultado<ExprPtr> Parser::LeerSuelta() {
     return expr;
 }
 
+Resultado<Lote> LeerLote(const std::string& texto, Lexico lexico, Constantes constantes) {
+    return Parser(texto, std::move(lexico), constantes).LeerTodo();
+}
+
 Resultado<Lote> LeerLote(const std::string& texto, Constantes constantes) {
     QUIMO_TRY(Lexico lexico, Analizar(texto));
-    return Parser(texto, std::move(lexico), constantes).LeerTodo();
+    return LeerLote(texto, std::move(lexico), constantes);
 }
 
 Resultado<ExprPtr> LeerExpresion(const std::string& texto) {

@@ -26,6 +26,8 @@ enum class Constantes {
 
 /// Reads a text. Failures are native 102, 105, 156, 191 and the like, with the word and its place.
 Resultado<Lote> LeerLote(const std::string& texto, Constantes constantes);
+/// The same for a text that is cut into tokens already.
+Resultado<Lote> LeerLote(const std::string& texto, Lexico lexico, Constantes constantes);
 
 /// Reads one expression or condition, as a default or a computed column keeps it.
 Resultado<ExprPtr> LeerExpresion(const std::string& texto);

@@ -62,7 +62,6 @@ constexpr auto kSencillas = std::to_array<Sencilla>({
 constexpr auto kGlobales = std::to_array<std::pair<std::string_view, Tipo>>({
     {"GETDATE", {Clase::DateTime, 0, 0, 0}},
     {"SYSDATETIME", {Clase::DateTime, 0, 0, 0}},
-    {"GETUTCDATE", {Clase::DateTime, 0, 0, 0}},
     {"DB_NAME", {Clase::NVarChar, 128, 0, 0}},
     {"HOST_NAME", {Clase::NVarChar, 128, 0, 0}},
     {"APP_NAME", {Clase::NVarChar, 128, 0, 0}},
