@@ -27,7 +27,8 @@ CREATE TABLE IF NOT EXISTS _quimo_restricciones(tabla INTEGER NOT NULL, orden IN
   nombre TEXT NOT NULL, clase TEXT NOT NULL, columnas TEXT NOT NULL, referida TEXT NOT NULL,
   columnas_referidas TEXT NOT NULL, al_borrar TEXT NOT NULL, al_cambiar TEXT NOT NULL,
   texto TEXT NOT NULL, PRIMARY KEY(tabla, orden)) WITHOUT ROWID;
-CREATE TABLE IF NOT EXISTS _quimo_modulos(nombre TEXT PRIMARY KEY, texto TEXT NOT NULL);
+CREATE TABLE IF NOT EXISTS _quimo_modulos(clave TEXT PRIMARY KEY, nombre TEXT NOT NULL,
+  texto TEXT NOT NULL);
 CREATE TABLE IF NOT EXISTS _quimo_identidad(tabla INTEGER PRIMARY KEY, ultimo INTEGER NOT NULL);
 )";
 
@@ -213,7 +214,7 @@ Hecho CatalogoEmbebido::CargarRestricciones(std::map<std::int64_t, Tabla>& tabla
 Hecho CatalogoEmbebido::CargarModulos() {
     foto_.modulos.clear();
     ++version_modulos_;
-    QUIMO_TRY(Preparada filas, base_.Preparar("SELECT nombre,texto FROM _quimo_modulos"));
+    QUIMO_TRY(Preparada filas, base_.Preparar("SELECT clave,texto FROM _quimo_modulos"));
     while (filas.Paso() == SQLITE_ROW) {
         QUIMO_TRY(const tsql::Lote lote, tsql::LeerLote(filas.Texto(1), tsql::Constantes::EnElArbol));
         const auto* modulo = std::get_if<tsql::CrearModulo>(&lote.sentencias.at(0)->que);
@@ -329,9 +330,10 @@ Hecho CatalogoEmbebido::Borrar(const Tabla& tabla) {
 
 Hecho CatalogoEmbebido::GuardarModulo(const tsql::CrearModulo& modulo) {
     const std::string clave = AMinusculas(modulo.nombre.objeto);
-    QUIMO_TRY(Preparada filas, base_.Preparar("REPLACE INTO _quimo_modulos VALUES(?1,?2)"));
+    QUIMO_TRY(Preparada filas, base_.Preparar("REPLACE INTO _quimo_modulos VALUES(?1,?2,?3)"));
     filas.Ligar(1, clave);
-    filas.Ligar(2, modulo.texto);
+    filas.Ligar(2, modulo.nombre.objeto);
+    filas.Ligar(3, modulo.texto);
     if (const int codigo = filas.Paso(); codigo != SQLITE_DONE) return base_.Fallo(codigo);
     ++version_modulos_;
     // Read again: what is kept has its constants in the tree.
@@ -344,7 +346,7 @@ Hecho CatalogoEmbebido::GuardarModulo(const tsql::CrearModulo& modulo) {
 
 Hecho CatalogoEmbebido::BorrarModulo(const std::string& nombre) {
     const std::string clave = AMinusculas(nombre);
-    QUIMO_TRY(Preparada filas, base_.Preparar("DELETE FROM _quimo_modulos WHERE nombre=?1"));
+    QUIMO_TRY(Preparada filas, base_.Preparar("DELETE FROM _quimo_modulos WHERE clave=?1"));
     filas.Ligar(1, clave);
     if (const int codigo = filas.Paso(); codigo != SQLITE_DONE) return base_.Fallo(codigo);
     ++version_modulos_;

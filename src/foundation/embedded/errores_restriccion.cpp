@@ -33,15 +33,20 @@ std::vector<std::string> Columnas(const std::string& lista) {
     return columnas;
 }
 
+/// Whether an index is over these columns. One that holds NULLs is told by those of its columns
+/// that hold none.
 bool EsDe(const Indice& indice, const Tabla& tabla, const std::vector<std::string>& columnas) {
-    if (indice.clase == Indice::Clase::Indice || indice.columnas.size() != columnas.size()) {
-        return false;
+    if (indice.clase == Indice::Clase::Indice) return false;
+    std::size_t halladas = 0;
+    for (const int c : indice.columnas) {
+        const auto& columna = tabla.columnas[static_cast<std::size_t>(c)];
+        const bool nombrada = std::any_of(
+            columnas.begin(), columnas.end(),
+            [&](const std::string& nombre) { return tsql::MismoNombre(columna.nombre, nombre); });
+        if (nombrada) ++halladas;
+        if (!nombrada && !columna.admite_nulos) return false;
     }
-    for (std::size_t i = 0; i < columnas.size(); ++i) {
-        const auto cual = static_cast<std::size_t>(indice.columnas[i]);
-        if (!tsql::MismoNombre(tabla.columnas[cual].nombre, columnas[i])) return false;
-    }
-    return true;
+    return halladas == columnas.size();
 }
 
 }  // namespace
@@ -65,20 +70,21 @@ ErrorSql ErrorDeRestriccion::Repetida(const std::string& mensaje) const {
     const std::string lista = Tras(mensaje, "failed: ");
     const std::string interno = Tras(lista, "index '");
     const auto columnas = Columnas(lista);
+    const Indice* cual = nullptr;
     for (const Indice& indice : tabla_->indices) {
         const std::string prefijo = tabla_->nombre + "$" + indice.nombre;
         const bool suyo = interno.empty() ? EsDe(indice, *tabla_, columnas)
                                           : interno.starts_with(prefijo + "$") ||
                                                 interno.starts_with(prefijo + "'");
-        if (!suyo) continue;
-        const std::string objeto = "dbo." + tabla_->nombre;
-        if (indice.clase == Indice::Clase::IndiceUnico) {
-            return tsql::CrearError(2601, objeto, indice.nombre);
-        }
-        const bool primaria = indice.clase == Indice::Clase::Primaria;
-        return tsql::CrearError(2627, primaria ? "PRIMARY KEY" : "UNIQUE KEY", indice.nombre, objeto);
+        if (suyo && (cual == nullptr || indice.columnas.size() < cual->columnas.size())) cual = &indice;
     }
-    return tsql::CrearError(2627, "UNIQUE KEY", lista, "dbo." + tabla_->nombre);
+    const std::string objeto = "dbo." + tabla_->nombre;
+    if (cual == nullptr) return tsql::CrearError(2627, "UNIQUE KEY", lista, objeto);
+    if (cual->clase == Indice::Clase::IndiceUnico) {
+        return tsql::CrearError(2601, objeto, cual->nombre);
+    }
+    const bool primaria = cual->clase == Indice::Clase::Primaria;
+    return tsql::CrearError(2627, primaria ? "PRIMARY KEY" : "UNIQUE KEY", cual->nombre, objeto);
 }
 
 ErrorSql ErrorDeRestriccion::Texto547(const std::string& clase, const std::string& nombre,

@@ -72,7 +72,7 @@ Resultado<PlanListo*> Interprete::Preparar(const void* clave, Marco& marco,
         if (antes != sesion_.Catalogo().Version()) plan = traducir(EntornoDe(marco));
     }
     if (!plan) return plan.error();
-    listo.plan = *std::move(plan);
+    listo.plan = std::move(plan).value();
     QUIMO_TRY(listo.sentencia, sesion_.Base().Preparar(listo.plan.sql, true));
     listo.version = sesion_.Catalogo().Version();
     listo.version_modulos = sesion_.Catalogo().VersionModulos();

@@ -19,7 +19,7 @@ struct Vista {
 // 'V' and 'P' of a module are told apart by the word behind CREATE in its text.
 constexpr std::string_view kObjetos =
     "SELECT nombre AS name,id AS object_id,'U ' AS type,'USER_TABLE' AS type_desc FROM _quimo_tablas "
-    "UNION ALL SELECT nombre,1000000000+row_number() OVER (ORDER BY nombre)-1,"
+    "UNION ALL SELECT nombre,1000000000+row_number() OVER (ORDER BY clave)-1,"
     "CASE upper(substr(ltrim(substr(texto,7)),1,1)) WHEN 'V' THEN 'V ' WHEN 'F' THEN 'FN' ELSE 'P ' "
     "END,CASE upper(substr(ltrim(substr(texto,7)),1,1)) WHEN 'V' THEN 'VIEW' WHEN 'F' THEN "
     "'SQL_SCALAR_FUNCTION' ELSE 'SQL_STORED_PROCEDURE' END FROM _quimo_modulos";
