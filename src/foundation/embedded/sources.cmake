@@ -1,3 +1,20 @@
 # The embedded engine's files, relative to src/foundation.
-set(QUIMO_EMBEDDED_SOURCES embedded/conexion_embebida.cpp)
-set(QUIMO_EMBEDDED_TESTS)
+set(QUIMO_EMBEDDED_SOURCES
+  embedded/base_sqlite.cpp embedded/funciones_sqlite.cpp embedded/vistas_sistema.cpp
+  embedded/catalogo_embebido.cpp embedded/sesion.cpp embedded/valores_qt.cpp
+  embedded/errores_restriccion.cpp embedded/definiciones.cpp embedded/definiciones_motor.cpp
+  embedded/definiciones_cambio.cpp embedded/interprete.cpp embedded/interprete_planes.cpp
+  embedded/interprete_rutinas.cpp embedded/conexion_embebida.cpp)
+set(QUIMO_EMBEDDED_TESTS
+  embedded/tests/base_prueba.cpp embedded/tests/tsql_golden_test.cpp
+  embedded/tests/guiones_test.cpp)
+set_source_files_properties(${QUIMO_EMBEDDED_TESTS} PROPERTIES
+  COMPILE_DEFINITIONS "QUIMO_RAIZ=\"${PROJECT_SOURCE_DIR}\"")
+
+# The test program of the folder, unless the folder's own list makes it.
+function(quimo_embedded_tests)
+  if(NOT TARGET test_foundation)
+    quimo_test(foundation SOURCES ${QUIMO_EMBEDDED_TESTS} DEPENDS quimo_tsql)
+  endif()
+endfunction()
+cmake_language(DEFER CALL quimo_embedded_tests)
