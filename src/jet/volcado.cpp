@@ -128,18 +128,20 @@ void AgregarHexadecimal(std::string& salida, const Binario& bytes) {
 bool AgregarFecha(std::string& salida, Fecha fecha) {
     const auto civil = fecha.ACivil();
     if (!civil) return false;
-    AgregarDosCifras(salida, civil->ano / 100);
-    AgregarDosCifras(salida, civil->ano % 100);
-    salida.push_back('-');
-    AgregarDosCifras(salida, civil->mes);
-    salida.push_back('-');
-    AgregarDosCifras(salida, civil->dia);
-    salida.push_back('T');
-    AgregarDosCifras(salida, civil->hora);
-    salida.push_back(':');
-    AgregarDosCifras(salida, civil->minuto);
-    salida.push_back(':');
-    AgregarDosCifras(salida, civil->segundo);
+    std::array<char, 19> texto = {'0', '0', '0', '0', '-', '0', '0', '-', '0', '0',
+                                  'T', '0', '0', ':', '0', '0', ':', '0', '0'};
+    const auto poner = [&texto](std::size_t i, int n) {
+        texto.at(i) = static_cast<char>('0' + n / 10);
+        texto.at(i + 1) = static_cast<char>('0' + n % 10);
+    };
+    poner(0, civil->ano / 100);
+    poner(2, civil->ano % 100);
+    poner(5, civil->mes);
+    poner(8, civil->dia);
+    poner(11, civil->hora);
+    poner(14, civil->minuto);
+    poner(17, civil->segundo);
+    salida.append(texto.data(), texto.size());
     return true;
 }
 
@@ -207,7 +209,9 @@ bool AgregarCsv(std::string& salida, const Valor& valor) {
     if (texto == nullptr) return std::visit(Sencillo{salida}, valor);
     // An empty text in quotes is told from NULL.
     const bool comillas =
-        texto->empty() || texto->find_first_of(u",\"\r\n") != std::u16string::npos;
+        texto->empty() || std::any_of(texto->begin(), texto->end(), [](char16_t c) {
+            return c == u',' || c == u'"' || c == u'\r' || c == u'\n';
+        });
     if (comillas) salida.push_back('"');
     for (std::size_t i = 0; i < texto->size();) {
         AgregarTramo(salida, *texto, i, [](char16_t c) { return c < 0x80 && c != u'"'; });
