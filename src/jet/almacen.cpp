@@ -18,7 +18,7 @@ namespace quimo::jet {
 
 namespace {
 
-constexpr std::size_t kLimpiasMax = 8192;  // 32 MB of pages kept although the file has them
+constexpr std::size_t kLimpiasMax = 2048;  // 8 MB of pages kept although the file has them
 constexpr std::size_t kSobrantesMax = 64;
 
 Error ErrorDeSistema(int numero, const std::string& que, const std::string& ruta) {

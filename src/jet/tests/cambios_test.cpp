@@ -108,7 +108,7 @@ struct CasoOrden {
 
 /// Long keys make trees of several levels out of few rows.
 TEST(Arboles, CrecenYMenguanEnCualquierOrden) {
-    constexpr std::int32_t kFilas = 1500;
+    constexpr std::int32_t kFilas = 1000;
     const CasoOrden casos[] = {
         {"ascendente", [](std::int32_t i) { return i; }},
         {"descendente", [](std::int32_t i) { return kFilas - i; }},
@@ -136,7 +136,7 @@ TEST(Arboles, CrecenYMenguanEnCualquierOrden) {
         ASSERT_EQ(Hallazgos(base), "") << caso.nombre;
         for (std::size_t i = 0; i < filas.size(); ++i) {
             if (i % 7 != 0) Exigir(tabla.Borrar(filas[i]));
-            if (i % 500 == 499) {
+            if (i % 400 == 399) {
                 ASSERT_EQ(Hallazgos(base), "") << caso.nombre << i;
             }
         }
