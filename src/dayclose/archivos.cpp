@@ -130,10 +130,12 @@ FalloArchivo FalloAlCrear(int error, const QString& destino) {
 
 }  // namespace
 
-ResultadoArchivo<Copiado> CopiarEntero(const QString& origen, const QString& destino) {
+ResultadoArchivo<Copiado> CopiarEntero(const QString& origen, const QString& destino,
+                                       Candados candados) {
     const Descriptor entrada(origen, O_RDONLY);
     if (entrada.Fd() < 0) return FalloDeErrno(entrada.Error(), origen);
-    if (HayCandado(entrada.Fd(), F_RDLCK) || !TomarCompartido(entrada.Fd())) {
+    if (candados == Candados::Respetar &&
+        (HayCandado(entrada.Fd(), F_RDLCK) || !TomarCompartido(entrada.Fd()))) {
         return FalloDeNumero(FalloArchivo::kPermisoDenegado, origen);
     }
     struct stat antes {};

@@ -12,11 +12,16 @@ struct Copiado {
     QString sha256;  ///< 64 lower-case hexadecimal digits
 };
 
+/// Whether a source that somebody holds locked is read all the same. The program's own files are;
+/// a terminal's is not.
+enum class Candados { Ignorar, Respetar };
+
 /// Copies a whole file and puts it in the destination's place at once: it is written beside it,
 /// made durable and renamed. On any failure the destination is as it was and nothing is left beside
-/// it. A source that somebody holds locked, or that changes while it is read: 70. The
+/// it. A source that changes while it is read, or that is locked where locks are respected: 70. The
 /// destination's folder must exist (76).
-ResultadoArchivo<Copiado> CopiarEntero(const QString& origen, const QString& destino);
+ResultadoArchivo<Copiado> CopiarEntero(const QString& origen, const QString& destino,
+                                       Candados candados = Candados::Ignorar);
 
 /// Writes a small file whole, in the same way.
 ResultadoArchivo<void> EscribirEntero(const QString& destino, const QByteArray& contenido);

@@ -64,7 +64,7 @@ ResultadoArchivo<Copiado> CarpetaShare::Traer(const QString& remoto, const QStri
     QUIMO_TRY(const Lugar lugar, Ubicar(remoto));
     if (!lugar.carpeta_existe) return FalloDeNumero(FalloArchivo::kRutaNoEncontrada, remoto);
     if (EnUso(lugar.archivo)) return FalloDeNumero(FalloArchivo::kPermisoDenegado, remoto);
-    return CopiarEntero(lugar.archivo, local);
+    return CopiarEntero(lugar.archivo, local, Candados::Respetar);
 }
 
 ResultadoArchivo<void> CarpetaShare::Llevar(const QString& local, const QString& remoto) {

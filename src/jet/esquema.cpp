@@ -35,7 +35,7 @@ public:
     }
     std::string TomarNombre() {
         const std::size_t bytes = U16(Tomar(2));
-        if (bytes > datos_.size() - pos_ || bytes % 2 != 0) {
+        if (bytes > datos_.size() - pos_ || bytes % 2 != 0 || bytes > 2 * kNombreMax) {
             agotado_ = true;
             return {};
         }
