@@ -9,6 +9,7 @@ namespace quimo::base {
 
 /// Wide enough for every exact numeric of the database (38 digits).
 __extension__ using Int128 = __int128;
+__extension__ using UInt128 = unsigned __int128;
 
 /// An exact decimal number, digits x 10^-escala, as the database's NUMERIC(p,s) keeps it.
 struct Decimal {

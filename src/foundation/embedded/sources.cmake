@@ -1,3 +1,8 @@
 # The embedded engine's files, relative to src/foundation.
-set(QUIMO_EMBEDDED_SOURCES embedded/conexion_embebida.cpp)
+set(QUIMO_EMBEDDED_SOURCES
+  embedded/base_sqlite.cpp embedded/funciones_sqlite.cpp embedded/vistas_sistema.cpp
+  embedded/catalogo_embebido.cpp embedded/sesion.cpp embedded/valores_qt.cpp
+  embedded/errores_restriccion.cpp embedded/definiciones.cpp embedded/definiciones_motor.cpp
+  embedded/definiciones_cambio.cpp embedded/interprete.cpp embedded/interprete_planes.cpp
+  embedded/interprete_rutinas.cpp embedded/conexion_embebida.cpp)
 set(QUIMO_EMBEDDED_TESTS)

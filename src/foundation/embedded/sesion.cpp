@@ -1,0 +1,230 @@
+#include "foundation/embedded/sesion.h"
+
+#include <random>
+
+#include <QFileInfo>
+
+#include "tsql/fechas.h"
+#include "tsql/texto.h"
+
+namespace quimo::foundation::embebido {
+
+namespace {
+
+constexpr std::size_t kLotesRecordados = 512;
+
+ErrorSql SinTransaccion() {
+    ErrorSql error = tsql::CrearError(3903);
+    error.nativo = 628;
+    error.mensaje = "Cannot issue SAVE TRANSACTION when there is no active transaction.";
+    return error;
+}
+
+bool MismoValor(const Valor& a, const Valor& b) {
+    return a.forma == b.forma && a.exacto == b.exacto && a.texto == b.texto &&
+           !(a.real < b.real) && !(b.real < a.real);
+}
+
+}  // namespace
+
+std::int64_t AMilisegundos(const QDateTime& fecha) {
+    const QDateTime origen(QDate(1900, 1, 1), QTime(0, 0), Qt::UTC);
+    return origen.msecsTo(QDateTime(fecha.date(), fecha.time(), Qt::UTC));
+}
+
+QDateTime AFecha(std::int64_t milisegundos) {
+    return QDateTime(QDate(1900, 1, 1), QTime(0, 0), Qt::UTC).addMSecs(milisegundos);
+}
+
+Sesion::Sesion(const Reloj& reloj) : reloj_(reloj), catalogo_(base_) {}
+
+Hecho Sesion::Abrir(const std::string& archivo, bool crear) {
+    nombre_base_ = QFileInfo(QString::fromStdString(archivo)).completeBaseName().toStdString();
+    QUIMO_TRY_VOID(base_.Abrir(archivo, crear));
+    auto hecho = RegistrarFunciones(base_, contexto_);
+    if (hecho) hecho = catalogo_.Abrir();
+    if (!hecho) {
+        const ErrorSql causa = hecho.error();
+        Cerrar();
+        if (causa.nativo == 1222) return causa;
+        ErrorSql error = tsql::CrearError(4060, archivo);
+        error.mensaje += " " + causa.mensaje;
+        return error;
+    }
+    return {};
+}
+
+void Sesion::Cerrar() {
+    por_forma_.clear();
+    recordados_.clear();
+    modulos_.clear();
+    base_.Cerrar();
+}
+
+Hecho Sesion::Iniciar(const std::string& nombre) {
+    if (estado_.transacciones == 0) {
+        // At once for writing: a transaction that has read and then waits for another writer could
+        // never go on.
+        QUIMO_TRY_VOID(base_.Correr("BEGIN IMMEDIATE"));
+        foto_ = catalogo_.Retratar();
+        nombre_externo_ = nombre;
+        puntos_.clear();
+    }
+    ++estado_.transacciones;
+    return {};
+}
+
+Hecho Sesion::Confirmar() {
+    if (estado_.transacciones == 0) return tsql::CrearError(3902);
+    if (estado_.transacciones == 1) {
+        QUIMO_TRY_VOID(base_.Correr("COMMIT"));
+        puntos_.clear();
+    }
+    --estado_.transacciones;
+    return {};
+}
+
+Hecho Sesion::Revertir(const std::string& nombre) {
+    if (estado_.transacciones == 0) return tsql::CrearError(3903);
+    if (nombre.empty() || tsql::MismoNombre(nombre, nombre_externo_)) {
+        estado_.transacciones = 0;
+        puntos_.clear();
+        catalogo_.Restaurar(std::move(foto_));
+        if (!base_.EnTransaccion()) return {};
+        return base_.Correr("ROLLBACK");
+    }
+    for (std::size_t i = puntos_.size(); i > 0; --i) {
+        if (!tsql::MismoNombre(puntos_[i - 1].nombre, nombre)) continue;
+        puntos_.resize(i);
+        catalogo_.Restaurar(puntos_.back().foto);
+        return base_.Correr("ROLLBACK TO " + puntos_.back().interno);
+    }
+    return tsql::CrearError(6401, nombre);
+}
+
+Hecho Sesion::Guardar(const std::string& nombre) {
+    if (estado_.transacciones == 0) return SinTransaccion();
+    const std::string interno = "q_guardado_" + std::to_string(puntos_.size());
+    QUIMO_TRY_VOID(base_.Correr("SAVEPOINT " + interno));
+    puntos_.push_back({nombre, interno, catalogo_.Retratar()});
+    return {};
+}
+
+bool Sesion::Sirve(const LoteListo& listo, const std::vector<tsql::Literal>& literales) const {
+    if (listo.en_uso || listo.lote.literales.size() != literales.size()) return false;
+    for (std::size_t i = 0; i < literales.size(); ++i) {
+        if (listo.lote.fijos[i] && !MismoValor(listo.lote.literales[i].valor, literales[i].valor)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+void Sesion::Recordar(const std::string& clave, const std::shared_ptr<LoteListo>& lote) {
+    recordados_.push_front({clave, lote});
+    por_forma_.emplace(clave, recordados_.begin());
+    while (recordados_.size() > kLotesRecordados) {
+        const auto ultimo = std::prev(recordados_.end());
+        const auto [desde, hasta] = por_forma_.equal_range(ultimo->clave);
+        for (auto i = desde; i != hasta; ++i) {
+            if (i->second == ultimo) {
+                por_forma_.erase(i);
+                break;
+            }
+        }
+        recordados_.erase(ultimo);
+    }
+}
+
+Resultado<std::shared_ptr<LoteListo>> Sesion::Leer(const std::string& texto,
+                                                   const std::vector<tsql::Tipo>& tipos) {
+    QUIMO_TRY(tsql::Lexico lexico, tsql::Analizar(texto));
+    std::string clave = lexico.forma;
+    for (const tsql::Tipo& tipo : tipos) clave += '\2' + std::to_string(tsql::Empaquetar(tipo));
+    const auto [desde, hasta] = por_forma_.equal_range(clave);
+    for (auto i = desde; i != hasta; ++i) {
+        const auto recordado = i->second;
+        if (!Sirve(*recordado->lote, lexico.literales)) continue;
+        recordados_.splice(recordados_.begin(), recordados_, recordado);
+        recordado->lote->lote.literales = std::move(lexico.literales);
+        recordado->lote->en_uso = true;
+        return recordado->lote;
+    }
+    auto listo = std::make_shared<LoteListo>();
+    QUIMO_TRY(listo->lote,
+              tsql::LeerLote(texto, std::move(lexico), tsql::Constantes::PorPosicion));
+    listo->tipos_parametros = tipos;
+    listo->en_uso = true;
+    Recordar(clave, listo);
+    return listo;
+}
+
+std::shared_ptr<LoteListo> Sesion::LoteDe(const tsql::ModuloPtr& modulo) {
+    auto& listo = modulos_[modulo.get()];
+    if (!listo) {
+        listo = std::make_shared<LoteListo>();
+        listo->modulo = modulo;
+    }
+    if (!listo->en_uso) {
+        listo->en_uso = true;
+        return listo;
+    }
+    // A procedure inside itself gets plans of its own.
+    auto otro = std::make_shared<LoteListo>();
+    otro->modulo = modulo;
+    otro->en_uso = true;
+    return otro;
+}
+
+std::int64_t Sesion::Ahora() const {
+    return tsql::RedondearFecha(AMilisegundos(reloj_.Ahora()));
+}
+
+Valor Sesion::Global(const std::string& nombre) const {
+    if (nombre == "@@ROWCOUNT" || nombre == "ROWCOUNT_BIG") return Valor::De(estado_.filas);
+    if (nombre == "@@ERROR") return Valor::De(estado_.error);
+    if (nombre == "@@TRANCOUNT") return Valor::De(estado_.transacciones);
+    if (nombre == "@@NESTLEVEL") return Valor::De(estado_.nivel);
+    if (nombre == "@@SPID") return Valor::De(1);
+    if (nombre == "@@PROCID") return Valor::De(0);
+    if (nombre == "@@IDENTITY" || nombre == "SCOPE_IDENTITY") {
+        return estado_.identidad ? Valor::De(*estado_.identidad) : Valor{};
+    }
+    if (nombre == "GETDATE" || nombre == "SYSDATETIME") return Valor::De(hora_);
+    if (nombre == "RAND") {
+        std::random_device azar;
+        return Valor::DeReal(static_cast<double>(azar()) / 4294967296.0);
+    }
+    if (nombre == "DB_NAME") return Valor::DeTexto(nombre_base_);
+    if (nombre == "@@LANGUAGE") return Valor::DeTexto("us_english");
+    if (nombre == "@@SERVERNAME" || nombre == "HOST_NAME") return Valor::DeTexto("embebido");
+    if (nombre == "USER_NAME" || nombre == "SUSER_SNAME") return Valor::DeTexto("dbo");
+    return Valor::DeTexto("QUIMO");
+}
+
+Resultado<PuntoDeSentencia> PuntoDeSentencia::Abrir(Sesion& sesion) {
+    const bool propia = !sesion.Base().EnTransaccion();
+    QUIMO_TRY_VOID(sesion.Base().Correr(propia ? "BEGIN IMMEDIATE" : "SAVEPOINT q_sentencia"));
+    return PuntoDeSentencia(sesion, propia, sesion.Catalogo().Retratar());
+}
+
+PuntoDeSentencia::PuntoDeSentencia(PuntoDeSentencia&& otro) noexcept
+    : sesion_(std::exchange(otro.sesion_, nullptr)),
+      propia_(otro.propia_),
+      foto_(std::move(otro.foto_)) {}
+
+Hecho PuntoDeSentencia::Confirmar() {
+    QUIMO_TRY_VOID(sesion_->Base().Correr(propia_ ? "COMMIT" : "RELEASE q_sentencia"));
+    sesion_ = nullptr;
+    return {};
+}
+
+PuntoDeSentencia::~PuntoDeSentencia() {
+    if (sesion_ == nullptr) return;
+    sesion_->Catalogo().Restaurar(std::move(foto_));
+    if (!sesion_->Base().EnTransaccion()) return;
+    const char* deshacer = propia_ ? "ROLLBACK" : "ROLLBACK TO q_sentencia;RELEASE q_sentencia";
+    QUIMO_CHECK(sesion_->Base().Correr(deshacer).has_value() || !sesion_->Base().EnTransaccion());
+}
+
+}  // namespace quimo::foundation::embebido
