@@ -163,7 +163,7 @@ Fila FilaDeProducto(const ProductoDemo& producto, const CategoriaDemo& categoria
             nombre,
             Texto(producto.boton),
             nombre,
-            ClaveONulo(categoria.existencia),
+            categoria.existencia,
             producto.del_dia ? 1 : 0,
             producto.del_dia ? 1 : 0,
             ClaveONulo(categoria.grupo_impresoras),
