@@ -10,11 +10,3 @@ set(QUIMO_EMBEDDED_TESTS
   embedded/tests/guiones_test.cpp)
 set_source_files_properties(${QUIMO_EMBEDDED_TESTS} PROPERTIES
   COMPILE_DEFINITIONS "QUIMO_RAIZ=\"${PROJECT_SOURCE_DIR}\"")
-
-# The test program of the folder, unless the folder's own list makes it.
-function(quimo_embedded_tests)
-  if(NOT TARGET test_foundation)
-    quimo_test(foundation SOURCES ${QUIMO_EMBEDDED_TESTS} DEPENDS quimo_tsql)
-  endif()
-endfunction()
-cmake_language(DEFER CALL quimo_embedded_tests)
