@@ -245,6 +245,17 @@ tsql::ModuloPtr CatalogoEmbebido::BuscarModulo(const tsql::NombreObjeto& nombre)
     return hallado == foto_.modulos.end() ? nullptr : hallado->second;
 }
 
+const tsql::Tabla* CatalogoEmbebido::Referente(const Tabla& tabla) const {
+    for (const auto& [nombre, otra] : foto_.tablas) {
+        for (const tsql::Foranea& foranea : otra->foraneas) {
+            if (otra->id != tabla.id && tsql::MismoNombre(foranea.tabla, tabla.nombre)) {
+                return otra.get();
+            }
+        }
+    }
+    return nullptr;
+}
+
 std::int64_t CatalogoEmbebido::NuevoId() { return ++ultimo_id_; }
 
 std::int64_t CatalogoEmbebido::IdModulo(const std::string& nombre) const {

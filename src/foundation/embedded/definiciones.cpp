@@ -274,19 +274,10 @@ Hecho Definiciones::Crear(const tsql::CrearModulo& crear) {
     return punto.Confirmar();
 }
 
-const Tabla* Definiciones::Referente(const Tabla& tabla) const {
-    for (const auto& [nombre, otra] : sesion_.Catalogo().Tablas()) {
-        for (const tsql::Foranea& foranea : otra->foraneas) {
-            if (otra->id != tabla.id && MismoNombre(foranea.tabla, tabla.nombre)) return otra.get();
-        }
-    }
-    return nullptr;
-}
-
 Hecho Definiciones::Truncar(const tsql::NombreObjeto& nombre) {
     const auto tabla = sesion_.Catalogo().BuscarTabla(nombre);
     if (!tabla || tabla->del_sistema) return CrearError(4701, nombre.objeto);
-    if (Referente(*tabla) != nullptr) return CrearError(4712, nombre.objeto);
+    if (sesion_.Catalogo().Referente(*tabla) != nullptr) return CrearError(4712, nombre.objeto);
     QUIMO_TRY(PuntoDeSentencia punto, PuntoDeSentencia::Abrir(sesion_));
     QUIMO_TRY_VOID(sesion_.Base().Correr("DELETE FROM " + tabla->sql));
     if (const auto* identidad = tabla->Identidad()) {
@@ -315,7 +306,7 @@ Hecho Definiciones::QuitarTabla(const tsql::NombreObjeto& nombre, bool si_existe
         if (si_existe) return {};
         return CrearError(3701, "table", nombre.Completo());
     }
-    if (Referente(*tabla) != nullptr) return CrearError(3726, nombre.Completo());
+    if (sesion_.Catalogo().Referente(*tabla) != nullptr) return CrearError(3726, nombre.Completo());
     if (MismoNombre(sesion_.Estado().identity_insert, tabla->nombre)) {
         sesion_.Estado().identity_insert.clear();
     }

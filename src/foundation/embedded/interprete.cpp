@@ -186,13 +186,13 @@ Resultado<Flujo> Interprete::Hacer(const tsql::Sentencia& s, Marco& marco) {
                       return TraducirActualizar(*actualizar, e);
                   }));
         QUIMO_TRY_VOID(Ligar(*plan, marco));
-        hecho = Escribir(*plan, "UPDATE");
+        hecho = Escribir(*plan, "UPDATE", marco);
     } else if (const auto* borrar = std::get_if<tsql::Borrar>(&s.que)) {
         QUIMO_TRY(PlanListo* const plan, Preparar(&s, marco, [&](const tsql::Entorno& e) {
                       return TraducirBorrar(*borrar, e);
                   }));
         QUIMO_TRY_VOID(Ligar(*plan, marco));
-        hecho = Escribir(*plan, "DELETE");
+        hecho = Escribir(*plan, "DELETE", marco);
     } else if (const auto* truncar = std::get_if<tsql::Truncar>(&s.que)) {
         hecho = HacerTruncar(*truncar);
     } else if (const auto* declarar = std::get_if<tsql::Declarar>(&s.que)) {

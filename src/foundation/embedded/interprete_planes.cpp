@@ -205,7 +205,8 @@ Hecho Interprete::LeerVariables(PlanListo& listo, Marco& marco) {
     return {};
 }
 
-Hecho Interprete::PasoDeEscritura(PlanListo& listo, const std::string& verbo) {
+Hecho Interprete::PasoDeEscritura(PlanListo& listo, const std::string& verbo,
+                                    const Marco& marco) {
     int codigo = SQLITE_DONE;
     {
         const Uso uso(listo);
@@ -214,6 +215,16 @@ Hecho Interprete::PasoDeEscritura(PlanListo& listo, const std::string& verbo) {
     }
     codigo = sesion_.Base().CodigoExtendido();
     if (sesion_.Contexto().error || (codigo & 0xFF) != SQLITE_CONSTRAINT) return FalloDe(codigo);
+    const bool repetida = codigo != SQLITE_CONSTRAINT_NOTNULL && codigo != SQLITE_CONSTRAINT_CHECK &&
+                          codigo != SQLITE_CONSTRAINT_FOREIGNKEY;
+    if (repetida && !listo.plan.sql_filas.empty()) {
+        QUIMO_TRY(const bool escrita, EscribirPorPartes(listo, marco));
+        if (escrita) return {};
+        // Once more, for the text of what is repeated.
+        const Uso uso(listo);
+        codigo = listo.sentencia.Paso();
+        codigo = sesion_.Base().CodigoExtendido();
+    }
     ErrorDeRestriccion error(sesion_, listo.plan.tabla, verbo);
     return error.Explicar(codigo, [&] {
         const Uso uso(listo);
@@ -221,24 +232,25 @@ Hecho Interprete::PasoDeEscritura(PlanListo& listo, const std::string& verbo) {
     });
 }
 
-Hecho Interprete::Escribir(PlanListo& listo, const std::string& verbo) {
+Hecho Interprete::Escribir(PlanListo& listo, const std::string& verbo, const Marco& marco) {
     if (listo.plan.identidad_automatica || listo.plan.identidad_explicita) {
-        return Numerar(listo, verbo);
+        return Numerar(listo, verbo, marco);
     }
-    QUIMO_TRY_VOID(PasoDeEscritura(listo, verbo));
-    Contar(sesion_.Base().Cambios());
+    filas_por_partes_ = -1;
+    QUIMO_TRY_VOID(PasoDeEscritura(listo, verbo, marco));
+    Contar(filas_por_partes_ >= 0 ? filas_por_partes_ : sesion_.Base().Cambios());
     return {};
 }
 
 /// A write into a table with an identity column: the last number is read before and kept after.
-Hecho Interprete::Numerar(PlanListo& listo, const std::string& verbo) {
+Hecho Interprete::Numerar(PlanListo& listo, const std::string& verbo, const Marco& marco) {
     QUIMO_TRY(PuntoDeSentencia punto, PuntoDeSentencia::Abrir(sesion_));
     const tsql::TablaPtr tabla = listo.plan.tabla;
     ContextoFunciones& contexto = sesion_.Contexto();
     QUIMO_TRY(contexto.ultimo_numero, sesion_.Catalogo().UltimoNumero(*tabla));
     contexto.incremento = tabla->Identidad()->incremento;
     contexto.numero_usado = false;
-    QUIMO_TRY_VOID(PasoDeEscritura(listo, verbo));
+    QUIMO_TRY_VOID(PasoDeEscritura(listo, verbo, marco));
     const std::int64_t cambios = sesion_.Base().Cambios();
     if (contexto.numero_usado) {
         const Valor ultimo = Valor::De(contexto.ultimo_numero);
@@ -269,7 +281,7 @@ Hecho Interprete::HacerInsert(const tsql::Insertar& insertar, Marco& marco) {
                   return TraducirInsertar(insertar, e);
               }));
     QUIMO_TRY_VOID(Ligar(*listo, marco));
-    return Escribir(*listo, "INSERT");
+    return Escribir(*listo, "INSERT", marco);
 }
 
 }  // namespace quimo::foundation::embebido

@@ -114,7 +114,7 @@ Hecho Interprete::HacerSelectInto(const tsql::Seleccionar& seleccionar, Marco& m
     QUIMO_TRY(listo.plan, TraducirInsertar(insertar, EntornoDe(marco)));
     QUIMO_TRY(listo.sentencia, sesion_.Base().Preparar(listo.plan.sql));
     QUIMO_TRY_VOID(Ligar(listo, marco));
-    QUIMO_TRY_VOID(PasoDeEscritura(listo, "INSERT"));
+    QUIMO_TRY_VOID(PasoDeEscritura(listo, "INSERT", marco));
     const std::int64_t cambios = sesion_.Base().Cambios();
     QUIMO_TRY_VOID(punto.Confirmar());
     if (nombre.EsTemporal() && marco.es_rutina) marco.temporales.push_back(nombre.objeto);
@@ -276,7 +276,7 @@ Hecho Interprete::HacerInsertExec(const tsql::Insertar& insertar, Marco& marco) 
             QUIMO_TRY_VOID(Ligar(listo, propio));
             std::vector<ConjuntoInterno> nada;
             captura_ = &nada;
-            const auto escrita = Escribir(listo, "INSERT");
+            const auto escrita = Escribir(listo, "INSERT", propio);
             captura_ = nullptr;
             if (!escrita) return escrita.error();
             ++filas;
