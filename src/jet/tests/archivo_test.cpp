@@ -1,10 +1,13 @@
 // What happens to files: refusals, saving, damage.
 
+#include <algorithm>
 #include <csignal>
 #include <fstream>
 
+#include <fcntl.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
+#include <unistd.h>
 
 #include "apoyo.h"
 
@@ -73,6 +76,30 @@ TEST(Escribir, RehusaTablasConRelacionesYArchivosDeLectura) {
     ASSERT_FALSE(error.has_value());
     EXPECT_EQ(error.error().codigo, Error::Codigo::NoSoportado);
     EXPECT_NE(error.error().mensaje.find("relaciones"), std::string::npos);
+}
+
+/// Texts in another sort order are read; keys made of them are not written.
+TEST(Escribir, RehusaClavesEnOtroOrden) {
+    std::vector<std::uint8_t> bytes = LeerBytes(Datos(kTerminal));
+    const std::vector<std::uint8_t> texto = {0x0A, 0x59, 0x06, 0x00, 0x00};
+    for (auto p = bytes.begin();; ++p) {
+        p = std::search(p, bytes.end(), texto.begin(), texto.end());
+        if (p == bytes.end()) break;
+        p[11] = 0x0A;
+        p[12] = 0x0C;
+    }
+    BaseDatos base = Exigir(BaseDatos::AbrirImagen(bytes, Modo::Escritura));
+    EXPECT_TRUE(Volcar(base) == LeerTexto(Datos("terminals/BARRA/contents.json")));
+    EXPECT_EQ(Hallazgos(base), "");
+    Tabla con_clave_de_texto = Exigir(base.AbrirTabla("Comanda"));
+    const auto rehusada = con_clave_de_texto.Vaciar();
+    ASSERT_FALSE(rehusada.has_value());
+    EXPECT_EQ(rehusada.error().codigo, Error::Codigo::NoSoportado);
+    EXPECT_NE(rehusada.error().mensaje.find("Fecha_Trabajo"), std::string::npos);
+    EXPECT_GT(Exigir(Exigir(base.AbrirTabla("Comanda")).Buscar("Fecha_Trabajo", {})).size(), 0U);
+    Exigir(Exigir(base.AbrirTabla("Cortesia")).Vaciar());
+    EXPECT_FALSE(
+        base.CrearTabla({.nombre = "N", .columnas = {{.nombre = "A"}}, .indices = {}}).has_value());
 }
 
 TEST(Guardar, SustituyeElArchivoDeUnaVez) {
@@ -169,6 +196,14 @@ TEST(Ldb, SeVe) {
     EXPECT_EQ(MirarLdb(carpeta / "t.mdb"), EstadoLdb::NoHay);
     std::ofstream(carpeta / "t.ldb") << "x";
     EXPECT_EQ(MirarLdb(carpeta / "t.mdb"), EstadoLdb::SinUso);
+    // A lock of the open file, not of the process, which does not see its own.
+    const int fd = ::open((carpeta / "t.ldb").c_str(), O_RDWR | O_CLOEXEC);
+    struct flock candado {};
+    candado.l_type = F_WRLCK;
+    candado.l_len = 1;
+    ASSERT_EQ(::fcntl(fd, F_OFD_SETLK, &candado), 0);
+    EXPECT_EQ(MirarLdb(carpeta / "t.mdb"), EstadoLdb::EnUso);
+    ::close(fd);
 }
 
 /// Everything that reads, and a change; what comes out does not matter, only that it ends.
