@@ -31,8 +31,6 @@ using foundation::Transaccion;
 
 namespace {
 
-constexpr int kDiasDeHistoria = 30;
-
 // Also what tells a demonstration from a real restaurant's folder.
 constexpr char kLeeme[] =
     "Restaurante de demostración de QUIMO\n"
@@ -105,12 +103,13 @@ Result<std::vector<Puesto>> LeerPuestos(Central& central, const Lugares& lugares
 }
 
 // The days before the working date, straight into the central tables.
-Result<CifrasVentas> VenderHistoria(Central& central, const Lugares& lugares, const QDate& hoy) {
+Result<CifrasVentas> VenderHistoria(Central& central, const Lugares& lugares, const QDate& hoy,
+                                    int dias) {
     QUIMO_TRY(std::vector<Puesto> puestos, LeerPuestos(central, lugares));
     QUIMO_TRY(Folios folios, central.LeerFolios());
     QUIMO_TRY(auto transaccion, Traducido(Transaccion::Iniciar(central.Conexion())));
     CifrasVentas cifras;
-    for (QDate dia = hoy.addDays(-kDiasDeHistoria); dia < hoy; dia = dia.addDays(1)) {
+    for (QDate dia = hoy.addDays(-dias); dia < hoy; dia = dia.addDays(1)) {
         std::vector<VentasDia> ventas;
         for (Puesto& puesto : puestos) {
             ventas.push_back(SimularJornada(puesto.catalogo, {dia.toString(u"ddMMyyyy"_s), dia},
@@ -191,9 +190,9 @@ Result<void> CrearCentral(Central& central, const QDate& hoy) {
 }
 
 Result<ResumenDemo> Montar(const Lugares& lugares, foundation::Dialogos& dialogos,
-                           const foundation::Reloj& reloj) {
+                           const foundation::Reloj& reloj, int dias) {
     const QDate hoy = reloj.Ahora().date();
-    ResumenDemo resumen{.nueva = true, .dias_de_historia = kDiasDeHistoria};
+    ResumenDemo resumen{.nueva = true, .dias_de_historia = dias};
     QUIMO_TRY_VOID(Traducido(dayclose::CrearCarpeta(lugares.Programa())));
     QUIMO_TRY_VOID(dayclose::EscribirPlantilla(lugares.Plantilla().toStdU16String()));
     QUIMO_TRY(const auto central,
@@ -202,8 +201,8 @@ Result<ResumenDemo> Montar(const Lugares& lugares, foundation::Dialogos& dialogo
     dialogos.Progreso(u"Creando el restaurante de demostración"_s);
     QUIMO_TRY_VOID(CrearCentral(*central, hoy));
     QUIMO_TRY_VOID(Repartir(*central, lugares));
-    dialogos.Progreso(u"Vendiendo un mes de historia"_s);
-    QUIMO_TRY(resumen.historia, VenderHistoria(*central, lugares, hoy));
+    dialogos.Progreso(u"Vendiendo la historia"_s);
+    QUIMO_TRY(resumen.historia, VenderHistoria(*central, lugares, hoy, dias));
     dialogos.Progreso(u"Vendiendo el día en las terminales"_s);
     QUIMO_TRY_VOID(Repartir(*central, lugares));
     QUIMO_TRY_VOID(VenderHoy(*central, lugares, resumen));
@@ -229,11 +228,11 @@ bool Mudar(const QString& origen, const QString& destino) {
 
 // Sets it up in a folder of its own inside, and puts it in its place when it is complete.
 Result<ResumenDemo> Estrenar(const Lugares& lugares, foundation::Dialogos& dialogos,
-                             const foundation::Reloj& reloj) {
+                             const foundation::Reloj& reloj, int dias) {
     if (!QDir().mkpath(lugares.raiz)) return NoSePuedeEscribir(lugares.raiz);
     const QTemporaryDir taller(lugares.raiz + u"/.quimo-demo-XXXXXX"_s);
     if (!taller.isValid()) return NoSePuedeEscribir(lugares.raiz);
-    QUIMO_TRY(ResumenDemo resumen, Montar({taller.path()}, dialogos, reloj));
+    QUIMO_TRY(ResumenDemo resumen, Montar({taller.path()}, dialogos, reloj, dias));
     if (!Mudar(taller.path(), lugares.raiz)) return NoSePuedeEscribir(lugares.raiz);
     return resumen;
 }
@@ -268,7 +267,7 @@ QString Linea(const VentasDeTerminal& terminal) {
 }  // namespace
 
 Result<ResumenDemo> PrepararDemo(const QString& carpeta, foundation::Dialogos& dialogos,
-                                 const foundation::Reloj& reloj) {
+                                 const foundation::Reloj& reloj, int dias_de_historia) {
     const Lugares lugares{QFileInfo(carpeta).absoluteFilePath()};
     const QFileInfo destino(lugares.raiz);
     const bool es_demo = QFileInfo(lugares.Central()).isFile() &&
@@ -284,7 +283,7 @@ Result<ResumenDemo> PrepararDemo(const QString& carpeta, foundation::Dialogos& d
                 .toStdString()};
     }
     const bool ya_existia = destino.exists();
-    auto resumen = Estrenar(lugares, dialogos, reloj);
+    auto resumen = Estrenar(lugares, dialogos, reloj, dias_de_historia);
     if (!resumen && !ya_existia) QDir().rmdir(lugares.raiz);
     return resumen;
 }

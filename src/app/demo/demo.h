@@ -31,14 +31,18 @@ struct ResumenDemo {
     QVector<VentasDeTerminal> terminales = {};
 };
 
-/// Sets up the demonstration restaurant in `carpeta`: central.db (embedded engine) with a month of
-/// sales before today, quimo/ as the program's folder with the template, red/NAME/quimo/ as the
-/// terminals' shares, each with today's sales. A folder that already holds it is kept, and every
-/// terminal without sales sells the current working date, so that another close can follow. A new
-/// restaurant comes into being whole or not at all; a folder with other contents is refused
-/// (Restriccion).
+/// How much past a new restaurant gets.
+inline constexpr int kDiasDeHistoria = 30;
+
+/// Sets up the demonstration restaurant in `carpeta`: central.db (embedded engine) with
+/// `dias_de_historia` days of sales before today, quimo/ as the program's folder with the template,
+/// red/NAME/quimo/ as the terminals' shares, each with today's sales. A folder that already holds
+/// it is kept, and every terminal without sales sells the current working date, so that another
+/// close can follow. A new restaurant comes into being whole or not at all; a folder with other
+/// contents is refused (Restriccion).
 base::Result<ResumenDemo> PrepararDemo(const QString& carpeta, foundation::Dialogos& dialogos,
-                                       const foundation::Reloj& reloj);
+                                       const foundation::Reloj& reloj,
+                                       int dias_de_historia = kDiasDeHistoria);
 
 /// The summary for people, line by line.
 QStringList Lineas(const ResumenDemo& resumen);
