@@ -270,6 +270,11 @@ TEST(FinDeDia, LaEntradaMalaTerminaConMensajeYSinNadaAMedias) {
     };
     const CasoMalo casos[] = {
         {"cortado", en_caja2([](QByteArray& b) { b.truncate(300000); }), u"CAJA2"_s},
+        {"bytes cambiados en medio", en_caja2([](QByteArray& b) {
+             for (int i = 0; i < 3000; ++i)
+                 b[200000 + i] = static_cast<char>(i * 37);
+         }),
+         u"CAJA2"_s},
         {"vacío", en_caja2([](QByteArray& b) { b.clear(); }), u"CAJA2"_s},
         {"otra cosa", en_caja2([](QByteArray& b) { b.fill('x'); }), u"CAJA2"_s},
         {"cifrado", en_caja2([](QByteArray& b) { b[0x3E] = static_cast<char>(b[0x3E] ^ 0x5A); }),
