@@ -54,7 +54,7 @@ INSERT INTO T (ID,A) VALUES (4,7)
 
 ALTER TABLE T ADD CONSTRAINT CK_A CHECK (A > 5)
 INSERT INTO T (ID,A) VALUES (4,1)
-! 547 The INSERT statement conflicted with the CHECK constraint "CK_A".
+! 547 INSERT statement conflicted with TABLE CHECK constraint 'CK_A'.
 
 ALTER TABLE T DROP CONSTRAINT CK_A INSERT INTO T (ID,A) VALUES (4,1)
 # 1
@@ -79,7 +79,7 @@ ALTER TABLE Hija ADD CONSTRAINT FK_Hija FOREIGN KEY (ID_T) REFERENCES T(ID)
 
 DELETE FROM Hija WHERE ID = 2 ALTER TABLE Hija ADD CONSTRAINT FK_Hija FOREIGN KEY (ID_T) REFERENCES T(ID) DELETE FROM T WHERE ID = 2
 # 1
-! 547 table "dbo.Hija", column 'ID_T'
+! 547 table 'Hija', column 'ID_T'
 
 DROP TABLE T
 ! 3726 Could not drop object 'T' because it is referenced by a FOREIGN KEY constraint.

@@ -53,19 +53,19 @@ SELECT ID, ID_Grupo, Clave+'|', Precio, Cuota, Alta, Doble FROM Miembro
 > 1 | 1 | a  | | 10.1235 | 1.01 | 2026-11-14T21:36:08.000 | 2.02
 
 INSERT INTO Miembro (ID_Grupo,Clave) VALUES (9,'b')
-! 547 The INSERT statement conflicted with the FOREIGN KEY constraint "FK_Miembro_Grupo". The conflict occurred in database "central", table "dbo.Grupo", column 'ID'.
+! 547 INSERT statement conflicted with COLUMN FOREIGN KEY constraint 'FK_Miembro_Grupo'. The conflict occurred in database 'central', table 'Grupo', column 'ID'.
 
 UPDATE Miembro SET ID_Grupo = 9
-! 547 The UPDATE statement conflicted with the FOREIGN KEY constraint "FK_Miembro_Grupo". The conflict occurred in database "central", table "dbo.Grupo", column 'ID'.
+! 547 UPDATE statement conflicted with COLUMN FOREIGN KEY constraint 'FK_Miembro_Grupo'. The conflict occurred in database 'central', table 'Grupo', column 'ID'.
 
 DELETE FROM Grupo WHERE ID = 1
-! 547 The DELETE statement conflicted with the REFERENCE constraint "FK_Miembro_Grupo". The conflict occurred in database "central", table "dbo.Miembro", column 'ID_Grupo'.
+! 547 DELETE statement conflicted with COLUMN REFERENCE constraint 'FK_Miembro_Grupo'. The conflict occurred in database 'central', table 'Miembro', column 'ID_Grupo'.
 
 UPDATE Grupo SET ID = 7 WHERE ID = 1
-! 547 The UPDATE statement conflicted with the REFERENCE constraint "FK_Miembro_Grupo".
+! 547 UPDATE statement conflicted with COLUMN REFERENCE constraint 'FK_Miembro_Grupo'.
 
 INSERT INTO Miembro (ID_Grupo,Precio) VALUES (1,-1)
-! 547 The INSERT statement conflicted with the CHECK constraint "CK_Precio". The conflict occurred in database "central", table "dbo.Miembro".
+! 547 INSERT statement conflicted with TABLE CHECK constraint 'CK_Precio'. The conflict occurred in database 'central', table 'Miembro'.
 
 INSERT INTO Miembro (ID_Grupo,Clave) VALUES (1,'A')
 ! 2601 Cannot insert duplicate key row in object 'dbo.Miembro' with unique index 'UX_Miembro'.

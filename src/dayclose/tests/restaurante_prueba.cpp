@@ -62,6 +62,24 @@ QJsonValue AJson(const QVariant& valor) {
     }
 }
 
+/// The central database before the close, made once.
+QString CentralDeAntes() {
+    static const QTemporaryDir kCarpeta;
+    static const QString kArchivo = [] {
+        const QString archivo = kCarpeta.filePath(u"antes.db"_s);
+        const quimo::pruebas::RelojFijo reloj;
+        QFile datos(kDatos + u"/day-golden/central-before.sql"_s);
+        EXPECT_TRUE(datos.open(QIODevice::ReadOnly));
+        auto conexion = foundation::CrearConector(
+            reloj, foundation::SiFalta::Crear)({u"embebido"_s, archivo, {}, {}});
+        EXPECT_TRUE(conexion);
+        const auto creada = foundation::CrearBase(**conexion, QString::fromUtf8(datos.readAll()));
+        EXPECT_TRUE(creada) << creada.error().Descripcion().toStdString();
+        return archivo;
+    }();
+    return kArchivo;
+}
+
 QString Renglon(const QJsonObject& fila) {
     QStringList partes;
     for (auto it = fila.begin(); it != fila.end(); ++it) {
@@ -113,14 +131,7 @@ Restaurante::Restaurante() : share(carpeta_.filePath(u"red"_s)) {
             QFile::copy(kDatos + u"/terminals/"_s + nombre + u"/Quimo_Terminal.mdb"_s, destino));
         QFile(destino).setPermissions(QFile::ReadOwner | QFile::WriteOwner);
     }
-    QFile datos(kDatos + u"/day-golden/central-before.sql"_s);
-    EXPECT_TRUE(datos.open(QIODevice::ReadOnly));
-    auto conexion = foundation::CrearConector(
-        reloj, foundation::SiFalta::Crear)({u"embebido"_s, ArchivoCentral(), {}, {}});
-    EXPECT_TRUE(conexion);
-    const auto creada = foundation::CrearBase(**conexion, QString::fromUtf8(datos.readAll()));
-    EXPECT_TRUE(creada) << creada.error().Descripcion().toStdString();
-    conexion->reset();
+    EXPECT_TRUE(QFile::copy(CentralDeAntes(), ArchivoCentral()));
     Reconectar();
 }
 

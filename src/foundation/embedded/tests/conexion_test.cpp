@@ -142,7 +142,7 @@ TEST_F(ConexionEmbebidaTest, LaTablaQueRefiereSeLeeTrasLaPrimeraComa) {
                  "Producto (ID_Producto,Nombre_Completo,ID_Categoria) VALUES (5,'x',1) INSERT INTO PreciosXMenu "
                  "VALUES (1,5,10)"));
     const QString texto = base_->Ejecutar(U("DELETE FROM Producto WHERE ID_Producto=5")).fallo->Descripcion();
-    EXPECT_EQ(texto.section(QLatin1Char(','), 1).mid(7).section(QLatin1Char(','), 0, 0), U("\"dbo.PreciosXMenu\""));
+    EXPECT_EQ(texto.section(QLatin1Char(','), 1).mid(7).section(QLatin1Char(','), 0, 0), U("'PreciosXMenu'"));
 }
 
 struct Archivo {
