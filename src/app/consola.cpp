@@ -121,13 +121,15 @@ std::unique_ptr<Sesion> AbrirSesion(const Argumentos& argumentos, const Entorno&
     opciones.PMsgBox = false;
     sesion->bitacora =
         std::make_unique<foundation::ClsBitacora>(opciones, *sesion->dialogos, entorno.reloj);
-    // The embedded engine says more about a file that does not open than the server's fixed texts.
     auto motivo = std::make_shared<QString>();
     const foundation::Conector conector = foundation::CrearConector(entorno.reloj, si_falta);
     sesion->ado = std::make_unique<foundation::ClsAdo>(
         [conector, motivo](const foundation::DatosConexion& datos) {
             auto abierta = conector(datos);
-            if (!abierta) *motivo = TextoDeFallo(abierta.error());
+            // Of a missing server only a fixed text is shown: the reason is added.
+            const bool con_texto_fijo =
+                !abierta && (abierta.error().Nativo() == 6 || abierta.error().Nativo() == 0);
+            *motivo = con_texto_fijo ? abierta.error().Descripcion() : QString();
             return abierta;
         },
         *sesion->dialogos, *sesion->bitacora);
@@ -137,7 +139,7 @@ std::unique_ptr<Sesion> AbrirSesion(const Argumentos& argumentos, const Entorno&
     QString usuario = qEnvironmentVariable("QUIMO_BD_USUARIO");
     QString clave = qEnvironmentVariable("QUIMO_BD_CLAVE");
     if (sesion->ado->Conectar(servidor, base, usuario, clave)) return sesion;
-    EscribirError(u"No se pudo abrir la base de datos "_s + base + u": "_s + *motivo);
+    if (!motivo->isEmpty()) EscribirError(*motivo);
     return nullptr;
 }
 

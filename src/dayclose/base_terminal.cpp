@@ -5,6 +5,7 @@
 #include <QDateTime>
 
 #include "foundation/valores.h"
+#include "jet/verificador.h"
 
 using namespace Qt::StringLiterals;
 
@@ -91,6 +92,18 @@ ResultadoCierre<std::size_t> BaseTerminal::Columna(const jet::Tabla& tabla,
     Interrupcion fallo = DeFallo(columna.error(), Sobre());
     fallo.numero = kColumnaAusente;
     return fallo;
+}
+
+ResultadoCierre<void> BaseTerminal::Verificar() const {
+    const auto hallazgos = jet::Verificador::Verificar(base_);
+    if (!hallazgos) return DeFallo(hallazgos.error(), Sobre());
+    for (const jet::Hallazgo& hallazgo : *hallazgos) {
+        if (hallazgo.gravedad != jet::Hallazgo::Gravedad::Falla) continue;
+        return Interrupcion{
+            Interrupcion::Motivo::Error, kBaseDanada,
+            Sobre() + u": el archivo está dañado. "_s + QString::fromStdString(hallazgo.mensaje)};
+    }
+    return {};
 }
 
 ResultadoCierre<ValoresCifras> BaseTerminal::Contar() const {

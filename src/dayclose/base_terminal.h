@@ -17,6 +17,10 @@ public:
     /// the terminal's name and the reason.
     static ResultadoCierre<BaseTerminal> Abrir(const QString& archivo, const QString& terminal);
 
+    /// Checks pages, rows and indexes against each other. Damage that a scan would not notice is
+    /// refused here with what was found first.
+    ResultadoCierre<void> Verificar() const;
+
     /// The eight figures over the whole file; NULL counts as 0 in sums.
     ResultadoCierre<ValoresCifras> Contar() const;
 

@@ -182,6 +182,7 @@ ResultadoCierre<void> ReunirTerminales(ContextoCierre& contexto, CierrePendiente
         }
         QUIMO_TRY(const BaseTerminal base,
                   BaseTerminal::Abrir(contexto.CopiaLocal(terminal.nombre), terminal.nombre));
+        QUIMO_TRY_VOID(base.Verificar());
         QUIMO_TRY(const ValoresCifras cifras, base.Contar());
         QUIMO_TRY_VOID(InsertarConciliacion(ado, terminal, cifras));
         contexto.resumen.contadas.append({terminal, cifras});

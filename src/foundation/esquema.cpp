@@ -3,6 +3,7 @@
 #include <QFile>
 
 #include "foundation/transaccion.h"
+#include "tsql/lotes.h"
 
 using namespace Qt::StringLiterals;
 
@@ -53,23 +54,9 @@ base::Result<void, FalloSql> EjecutarPorLineas(SqlConnection& conexion, const QS
 
 QStringList PartirLotes(const QString& texto) {
     QStringList lotes;
-    QString lote;
-    bool con_texto = false;
-    const auto cerrar = [&] {
-        if (con_texto) lotes << lote;
-        lote.clear();
-        con_texto = false;
-    };
-    for (const QString& linea : texto.split(u'\n')) {
-        const QString limpia = linea.trimmed();
-        if (limpia.compare(u"GO"_s, Qt::CaseInsensitive) == 0) {
-            cerrar();
-            continue;
-        }
-        con_texto = con_texto || (!limpia.isEmpty() && !limpia.startsWith(u"--"_s));
-        lote += linea + u'\n';
+    for (const std::string& lote : tsql::PartirLotes(texto.toStdString())) {
+        lotes << QString::fromStdString(lote);
     }
-    cerrar();
     return lotes;
 }
 

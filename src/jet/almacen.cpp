@@ -18,7 +18,7 @@ namespace quimo::jet {
 
 namespace {
 
-constexpr std::size_t kLimpiasMax = 8192;  // 32 MB of pages kept although the file has them
+constexpr std::size_t kLimpiasMax = 2048;  // 8 MB of pages kept although the file has them
 constexpr std::size_t kSobrantesMax = 64;
 
 Error ErrorDeSistema(int numero, const std::string& que, const std::string& ruta) {
@@ -58,7 +58,8 @@ Result<std::unique_ptr<Almacen>> Almacen::DeArchivo(const std::string& ruta, Acc
     almacen->ruta_ = std::filesystem::canonical(ruta, fallo).string();
     if (fallo) return ErrorDeSistema(fallo.value(), "No se encuentra el archivo", ruta);
     const int banderas = acceso == Acceso::Escritura ? O_RDWR : O_RDONLY;
-    almacen->archivo_ = Descriptor(::open(almacen->ruta_.c_str(), banderas | O_CLOEXEC));
+    almacen->archivo_ =
+        Descriptor(::open(almacen->ruta_.c_str(), banderas | O_CLOEXEC | O_NONBLOCK));
     const int fd = almacen->archivo_.Fd();
     struct stat datos {};
     if (fd < 0 || ::fstat(fd, &datos) != 0) {

@@ -67,7 +67,7 @@ public:
     const std::string& Ruta() const { return ruta_; }
 
     Result<void> GuardarEn(const std::string& ruta);
-    Result<std::vector<std::uint8_t>> Imagen();
+    Result<std::vector<std::uint8_t>> Imagen() const;
 
     /// Pages freed since the file was opened, to be used again before the file grows. The global
     /// map decides; this list only says which ones are safe to try.
@@ -99,7 +99,8 @@ private:
     void Empezar();
     void Terminar();
     void Deshacer();
-    Result<void> Copiar(int fd);
+    Result<void> Extraer(std::uint32_t numero, std::uint8_t* destino) const;
+    Result<void> Copiar(int fd) const;
     Result<void> ComprobarDestino(const std::string& ruta) const;
     Result<void> Sustituir(const std::string& temporal, const std::string& ruta);
 

@@ -106,7 +106,7 @@ Pagina CabeceraNueva() {
     };
     poner(0, kInicioBloque);
     for (std::uint32_t i = 0; i < 4; ++i) {
-        PonerU32(bloque.data() + kEnPaginas + 4 * i, kPaginaCatalogo + i);
+        PonerU32(bloque.data() + kEnPaginas + std::size_t{4} * i, kPaginaCatalogo + i);
     }
     PonerU16(bloque.data() + kEnPaginaDeCodigos, 1252);
     for (std::size_t i = 0; i < kLargoContrasena; i += kSinContrasena.size()) {

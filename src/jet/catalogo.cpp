@@ -44,6 +44,7 @@ Result<std::vector<ObjetoCatalogo>> LeerCatalogo(Almacen& almacen) {
     LectorDeColumnas lector(*recorrido);
     std::vector<ObjetoCatalogo> objetos;
     std::set<std::uint32_t> definiciones;
+    std::set<std::string> nombres;
     while (true) {
         QUIMO_TRY(const bool hay, recorrido->Avanzar());
         if (!hay) return objetos;
@@ -57,8 +58,10 @@ Result<std::vector<ObjetoCatalogo>> LeerCatalogo(Almacen& almacen) {
         QUIMO_TRY(objeto.dueno, lector.Leer(*vista, "Owner"));
         QUIMO_TRY(const Valor nombre, lector.Leer(*vista, "Name"));
         if (const auto* texto = std::get_if<std::u16string>(&nombre)) objeto.nombre = AUtf8(*texto);
-        if (objeto.EsTabla() && !definiciones.insert(objeto.Pagina()).second) {
-            return almacen.Danado("la tabla " + objeto.nombre + " comparte la definición de otra");
+        if (objeto.EsTabla() && (!definiciones.insert(objeto.Pagina()).second ||
+                                 !nombres.insert(Plegado(objeto.nombre)).second)) {
+            return almacen.Danado("la tabla " + objeto.nombre +
+                                  " tiene el nombre o la definición de otra");
         }
         objetos.push_back(std::move(objeto));
     }

@@ -32,7 +32,7 @@ struct ObjetoCatalogo {
     std::uint32_t Pagina() const { return static_cast<std::uint32_t>(id) & 0x00FFFFFFU; }
 };
 
-/// All objects. Formato when two tables have one definition.
+/// All objects. Formato when two tables have one name or one definition.
 Result<std::vector<ObjetoCatalogo>> LeerCatalogo(Almacen& almacen);
 /// The definition of a local table, by its name without case.
 Result<std::shared_ptr<const Esquema>> BuscarEsquema(Almacen& almacen, std::string_view nombre);

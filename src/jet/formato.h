@@ -91,7 +91,7 @@ struct Puntero {
     std::string ATexto() const {
         return "página " + std::to_string(pagina) + ", fila " + std::to_string(fila);
     }
-    auto operator<=>(const Puntero&) const = default;
+    auto operator<=>(const Puntero&) const = default;  // NOLINT(modernize-use-nullptr)
 };
 
 }  // namespace quimo::jet

@@ -19,7 +19,7 @@ namespace quimo::jet {
 
 namespace {
 
-constexpr std::size_t kPaginasPorEscritura = 64;
+constexpr std::size_t kBloque = 64 * kTamPagina;  // written at once
 constexpr int kNombresTemporalesMax = 1000;
 
 Error ErrorAlGuardar(int numero, const std::string& ruta) {
@@ -83,19 +83,22 @@ Result<void> SincronizarCarpeta(const std::string& ruta) {
 
 }  // namespace
 
-Result<void> Almacen::Copiar(int fd) {
-    std::vector<std::uint8_t> bloque(kPaginasPorEscritura * kTamPagina);
-    for (std::uint32_t n = 0; n < Paginas();) {
-        std::size_t k = 0;
-        for (; k < kPaginasPorEscritura && n < Paginas(); ++k, ++n) {
-            std::uint8_t* destino = bloque.data() + k * kTamPagina;
-            if (entradas_[n].pagina != nullptr) {
-                std::memcpy(destino, entradas_[n].pagina->data(), kTamPagina);
-            } else {
-                QUIMO_TRY_VOID(LeerDeArchivo(n, destino));
-            }
-        }
-        QUIMO_TRY_VOID(EscribirTodo(fd, bloque.data(), k * kTamPagina, ruta_));
+/// The page as it is now, without keeping it in memory.
+Result<void> Almacen::Extraer(std::uint32_t numero, std::uint8_t* destino) const {
+    const Entrada& entrada = entradas_[numero];
+    if (entrada.pagina == nullptr) return LeerDeArchivo(numero, destino);
+    std::memcpy(destino, entrada.pagina->data(), kTamPagina);
+    return {};
+}
+
+Result<void> Almacen::Copiar(int fd) const {
+    std::vector<std::uint8_t> bloque;
+    for (std::uint32_t n = 0; n < Paginas(); ++n) {
+        bloque.resize(bloque.size() + kTamPagina);
+        QUIMO_TRY_VOID(Extraer(n, bloque.data() + bloque.size() - kTamPagina));
+        if (bloque.size() < kBloque && n + 1 < Paginas()) continue;
+        QUIMO_TRY_VOID(EscribirTodo(fd, bloque.data(), bloque.size(), ruta_));
+        bloque.clear();
     }
     return {};
 }
@@ -170,15 +173,10 @@ Result<void> Almacen::GuardarEn(const std::string& ruta_pedida) {
     return SincronizarCarpeta(ruta_);
 }
 
-Result<std::vector<std::uint8_t>> Almacen::Imagen() {
+Result<std::vector<std::uint8_t>> Almacen::Imagen() const {
     std::vector<std::uint8_t> imagen(static_cast<std::size_t>(Paginas()) * kTamPagina);
     for (std::uint32_t n = 0; n < Paginas(); ++n) {
-        std::uint8_t* destino = imagen.data() + static_cast<std::size_t>(n) * kTamPagina;
-        if (entradas_[n].pagina != nullptr) {
-            std::memcpy(destino, entradas_[n].pagina->data(), kTamPagina);
-        } else {
-            QUIMO_TRY_VOID(LeerDeArchivo(n, destino));
-        }
+        QUIMO_TRY_VOID(Extraer(n, imagen.data() + static_cast<std::size_t>(n) * kTamPagina));
     }
     return imagen;
 }

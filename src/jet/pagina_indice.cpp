@@ -49,25 +49,42 @@ Result<void> PaginaIndice::Leer(Almacen& almacen, std::uint32_t numero,
     for (std::size_t octeto = 0; octeto < kBytesMascara; ++octeto) {
         for (unsigned resto = p[kPosMascara + octeto]; resto != 0; resto &= resto - 1) {
             const auto hasta = octeto * 8 + static_cast<std::size_t>(std::countr_zero(resto));
-            const bool primera = fines_.empty();
-            const std::size_t largo = hasta - desde;
-            if (hasta > kLugar || largo < final_minimo + (primera ? 1 : 0) ||
-                (primera && largo < final_minimo + prefijo)) {
+            // The first entry is whole: it has the prefix, and a key.
+            const std::size_t minimo =
+                final_minimo + (fines_.empty() ? std::max<std::size_t>(prefijo, 1) : 0);
+            if (hasta > kLugar || hasta - desde < minimo)
                 return danado("tiene entradas imposibles");
-            }
-            if (!primera && prefijo > 0) {
-                bytes_.resize(bytes_.size() + prefijo);
-                std::memcpy(bytes_.data() + bytes_.size() - prefijo, bytes_.data(), prefijo);
-            }
-            const std::uint8_t* entrada = p + kPosEntradas + desde;
-            const std::size_t propios = largo - (hoja ? 0 : kLargoHijoEnIndice);
-            bytes_.insert(bytes_.end(), entrada, entrada + propios);
-            fines_.push_back(static_cast<std::uint32_t>(bytes_.size()));
-            if (!hoja) hijos_.push_back(U32Be(entrada + propios));
+            fines_.push_back(static_cast<std::uint32_t>(hasta));
             desde = hasta;
         }
     }
+    Completar(p + kPosEntradas, prefijo);
     return {};
+}
+
+/// Takes the entries from the page, whose ends there are in fines_: puts the prefix back and the
+/// child pages apart.
+void PaginaIndice::Completar(const std::uint8_t* entradas, std::size_t prefijo) {
+    if (hoja && prefijo == 0) {
+        bytes_.assign(entradas, entradas + (fines_.empty() ? 0 : fines_.back()));
+        return;
+    }
+    bytes_.resize((fines_.empty() ? 0 : fines_.back()) + prefijo * fines_.size());
+    std::uint8_t* destino = bytes_.data();
+    std::size_t desde = 0;
+    for (std::uint32_t& fin : fines_) {
+        const std::size_t propios = fin - desde - (hoja ? 0 : kLargoHijoEnIndice);
+        if (desde > 0) {
+            std::memcpy(destino, bytes_.data(), prefijo);
+            destino += prefijo;
+        }
+        std::memcpy(destino, entradas + desde, propios);
+        destino += propios;
+        desde = fin;
+        if (!hoja) hijos_.push_back(U32Be(entradas + desde - kLargoHijoEnIndice));
+        fin = static_cast<std::uint32_t>(destino - bytes_.data());
+    }
+    bytes_.resize(static_cast<std::size_t>(destino - bytes_.data()));
 }
 
 std::size_t PaginaIndice::PrefijoComun() const {

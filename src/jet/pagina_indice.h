@@ -57,6 +57,7 @@ public:
     void Limpiar();
 
 private:
+    void Completar(const std::uint8_t* entradas, std::size_t prefijo);
     int PrefijoNecesario() const;
     std::size_t PrefijoComun() const;
 

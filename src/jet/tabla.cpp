@@ -147,8 +147,7 @@ Result<std::vector<IdFila>> Tabla::Buscar(std::string_view indice,
 }
 
 Result<std::optional<IdFila>> Tabla::BuscarClave(std::span<const Valor> clave) const {
-    for (std::size_t i = 0; i < esquema_->tabla.indices.size(); ++i) {
-        const DefIndice& indice = esquema_->tabla.indices[i];
+    for (const DefIndice& indice : esquema_->tabla.indices) {
         if (!indice.primaria) continue;
         if (clave.size() != indice.columnas.size()) {
             return Error{Error::Codigo::Datos, "La clave de la tabla " + Nombre() + " tiene " +

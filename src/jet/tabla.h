@@ -29,7 +29,7 @@ class RecorridoPaginas;
 struct IdFila {
     std::uint32_t pagina = 0;
     std::uint8_t fila = 0;
-    auto operator<=>(const IdFila&) const = default;
+    auto operator<=>(const IdFila&) const = default;  // NOLINT(modernize-use-nullptr)
 };
 
 /// The values of a row, one per column in the order of DefTabla::columnas.

@@ -1,5 +1,6 @@
 #include "jet/volcado.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -15,6 +16,7 @@ namespace quimo::jet {
 namespace {
 
 constexpr std::size_t kBufer = 1 << 16;
+constexpr char32_t kReemplazo = 0xFFFD;
 constexpr std::string_view kHexadecimal = "0123456789abcdef";
 
 void AgregarDosCifras(std::string& salida, int n) {
@@ -46,21 +48,47 @@ void AgregarEscape(std::string& salida, char16_t c) {
     }
 }
 
+constexpr bool SinEscapeEnJson(char16_t c) {
+    return c >= 0x20 && c < 0x7F && c != u'"' && c != u'\\';
+}
+
+/// Appends the ASCII characters from i on that `simple` admits, and moves i past them.
+template <typename Simple>
+void AgregarTramo(std::string& salida, std::u16string_view texto, std::size_t& i, Simple simple) {
+    std::size_t fin = i;
+    while (fin < texto.size() && simple(texto[fin]))
+        ++fin;
+    const std::size_t antes = salida.size();
+    salida.resize(antes + fin - i);
+    for (std::size_t k = antes; i < fin; ++i, ++k)
+        salida[k] = static_cast<char>(texto[i]);
+}
+
+/// Appends the character at i, which is not ASCII, and moves i past it. Returns false for a
+/// surrogate without its other half, and appends nothing.
+bool AgregarAmplio(std::string& salida, std::u16string_view texto, std::size_t& i) {
+    const char16_t c = texto[i++];
+    if (EsSustitutaAlta(c) && i < texto.size() && EsSustitutaBaja(texto[i])) {
+        AgregarUtf8(salida, UnirSustitutas(c, texto[i++]));
+        return true;
+    }
+    if (EsSustitutaAlta(c) || EsSustitutaBaja(c)) return false;
+    AgregarUtf8(salida, c);
+    return true;
+}
+
 /// A text in quotes; a surrogate without its other half is kept as an escape.
 void AgregarTextoJson(std::string& salida, std::u16string_view texto) {
     salida.push_back('"');
-    for (std::size_t i = 0; i < texto.size(); ++i) {
+    for (std::size_t i = 0; i < texto.size();) {
+        AgregarTramo(salida, texto, i, SinEscapeEnJson);
+        if (i == texto.size()) break;
         const char16_t c = texto[i];
-        if (c >= 0x20 && c < 0x7F && c != u'"' && c != u'\\') {
-            salida.push_back(static_cast<char>(c));
-        } else if (c < 0x80) {
+        if (c < 0x80) {
             AgregarEscape(salida, c);
-        } else if (EsSustitutaAlta(c) && i + 1 < texto.size() && EsSustitutaBaja(texto[i + 1])) {
-            AgregarUtf8(salida, UnirSustitutas(c, texto[++i]));
-        } else if (EsSustitutaAlta(c) || EsSustitutaBaja(c)) {
+            ++i;
+        } else if (!AgregarAmplio(salida, texto, i)) {
             AgregarEscape(salida, c);
-        } else {
-            AgregarUtf8(salida, c);
         }
     }
     salida.push_back('"');
@@ -100,18 +128,20 @@ void AgregarHexadecimal(std::string& salida, const Binario& bytes) {
 bool AgregarFecha(std::string& salida, Fecha fecha) {
     const auto civil = fecha.ACivil();
     if (!civil) return false;
-    AgregarDosCifras(salida, civil->ano / 100);
-    AgregarDosCifras(salida, civil->ano % 100);
-    salida.push_back('-');
-    AgregarDosCifras(salida, civil->mes);
-    salida.push_back('-');
-    AgregarDosCifras(salida, civil->dia);
-    salida.push_back('T');
-    AgregarDosCifras(salida, civil->hora);
-    salida.push_back(':');
-    AgregarDosCifras(salida, civil->minuto);
-    salida.push_back(':');
-    AgregarDosCifras(salida, civil->segundo);
+    std::array<char, 19> texto = {'0', '0', '0', '0', '-', '0', '0', '-', '0', '0',
+                                  'T', '0', '0', ':', '0', '0', ':', '0', '0'};
+    const auto poner = [&texto](std::size_t i, int n) {
+        texto.at(i) = static_cast<char>('0' + n / 10);
+        texto.at(i + 1) = static_cast<char>('0' + n % 10);
+    };
+    poner(0, civil->ano / 100);
+    poner(2, civil->ano % 100);
+    poner(5, civil->mes);
+    poner(8, civil->dia);
+    poner(11, civil->hora);
+    poner(14, civil->minuto);
+    poner(17, civil->segundo);
+    salida.append(texto.data(), texto.size());
     return true;
 }
 
@@ -177,18 +207,23 @@ bool AgregarJson(std::string& salida, const Valor& valor) {
 bool AgregarCsv(std::string& salida, const Valor& valor) {
     const auto* texto = std::get_if<std::u16string>(&valor);
     if (texto == nullptr) return std::visit(Sencillo{salida}, valor);
-    const std::string utf8 = AUtf8(*texto);
     // An empty text in quotes is told from NULL.
-    if (!utf8.empty() && utf8.find_first_of(",\"\r\n") == std::string::npos) {
-        salida += utf8;
-        return true;
+    const bool comillas =
+        texto->empty() || std::any_of(texto->begin(), texto->end(), [](char16_t c) {
+            return c == u',' || c == u'"' || c == u'\r' || c == u'\n';
+        });
+    if (comillas) salida.push_back('"');
+    for (std::size_t i = 0; i < texto->size();) {
+        AgregarTramo(salida, *texto, i, [](char16_t c) { return c < 0x80 && c != u'"'; });
+        if (i == texto->size()) break;
+        if ((*texto)[i] == u'"') {
+            salida += "\"\"";
+            ++i;
+        } else if (!AgregarAmplio(salida, *texto, i)) {
+            AgregarUtf8(salida, kReemplazo);
+        }
     }
-    salida.push_back('"');
-    for (const char c : utf8) {
-        if (c == '"') salida.push_back('"');
-        salida.push_back(c);
-    }
-    salida.push_back('"');
+    if (comillas) salida.push_back('"');
     return true;
 }
 

@@ -7,7 +7,8 @@
 namespace quimo::tsql {
 
 bool Parser::EmpiezaConsulta(std::size_t adelante) const {
-    while (EsSigno("(", adelante)) ++adelante;
+    const std::size_t limite = adelante + kNivelesMaximos;
+    while (adelante < limite && EsSigno("(", adelante)) ++adelante;
     return EsPalabra("SELECT", adelante);
 }
 

@@ -64,6 +64,8 @@ Resultado<ExprPtr> Parser::Condicion() {
     QUIMO_TRY(ExprPtr expr, Binaria(0));
     if (!expr->EsCondicion()) {
         if (i_ == antes) return Sintaxis();
+        const Token& token = Actual();
+        if (token.clase == Token::Clase::Signo && token.texto.size() == 2) return Sintaxis();
         const Token& cerca = Fin() && i_ > 0 ? tokens_[i_ - 1] : Actual();
         return CrearError(4145, std::string(cerca.texto));
     }

@@ -14,7 +14,7 @@ struct Peso {
 };
 
 constexpr std::u32string_view kBases1 =  // U+00E0 to U+00FF
-    U"aaaaaa\u00E6ceeeeiiii\u00F0\u00F1ooooo\u00F7ouuuuy\u00FEy";
+    U"aaaaaa\u00E6ceeeeiiii\u00F0nooooo\u00F7ouuuuy\u00FEy";
 constexpr std::u32string_view kBases2 =  // U+0100 to U+017F
     U"aaaaaaccccccccddddeeeeeeeeeegggggggghhhhiiiiiiiiii\u0133\u0133jjkk\u0138llllll"
     U"\u0140\u0140llnnnnnn\u0149\u014B\u014Boooooo\u0153\u0153rrrrrrssssssssttttttuuuuuuuuuuuu"
@@ -37,7 +37,6 @@ Peso PesoDe(char32_t c) {
 std::uint32_t Orden(char32_t base) {
     constexpr std::uint32_t kCifras = 0x200000;
     constexpr std::uint32_t kLetras = 0x400000;
-    if (base == U'\u00F1') return kLetras + ('n' << 8) + 1;
     if (base >= U'0' && base <= U'9') return kCifras + base;
     if (base >= U'a' && base <= U'z') return kLetras + (base << 8);
     if (base >= 0xC0) return kLetras + (base << 8);

@@ -26,7 +26,7 @@ std::string AMinusculas(std::string_view texto);
 std::string AMayusculas(std::string_view texto);
 
 /// The order of texts: without case, with accents, blanks at the end left out. Letters are ordered
-/// by their base letter first (n, ñ, o), accents break ties. Negative, 0 or positive.
+/// by their base letter first, accents break ties. Negative, 0 or positive.
 int Comparar(std::string_view a, std::string_view b);
 /// Names are told apart without case.
 bool MismoNombre(std::string_view a, std::string_view b);

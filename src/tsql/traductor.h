@@ -39,6 +39,10 @@ struct Plan {
     std::vector<ColumnaSalida> columnas;  ///< of a query
     std::vector<std::string> variables;   ///< SELECT @x = ...: which variable each column goes to
     TablaPtr tabla;                       ///< that is written to
+    /// Of an UPDATE: its rows' numbers and new values, to write them one after the other when keys
+    /// pass through values that others still hold.
+    std::string sql_filas = {};
+    std::vector<int> columnas_escritas = {};
     bool identidad_automatica = false;    ///< the engine numbers the rows
     bool identidad_explicita = false;     ///< the statement gives the numbers
     std::vector<TablaPtr> usadas;         ///< tables that the plan stands on

@@ -164,10 +164,9 @@ Resultado<Plan> Traductor::InsertarFila(const Insertar& insertar, const std::vec
     return InsertarEn(fila);
 }
 
-Resultado<std::string> Traductor::Asignaciones(const Actualizar& actualizar, const Tabla& tabla,
-                                               Ambito& ambito, std::vector<std::string>* valores) {
-    std::string sql;
-    std::vector<int> escritas;
+Resultado<Traductor::Escritas> Traductor::Asignaciones(const Actualizar& actualizar,
+                                                       const Tabla& tabla, Ambito& ambito) {
+    Escritas escritas;
     ambito.clausula = Clausula::Asignacion;
     for (const Asignacion& asignacion : actualizar.asignaciones) {
         const int cual = tabla.Columna(asignacion.columna);
@@ -175,10 +174,10 @@ Resultado<std::string> Traductor::Asignaciones(const Actualizar& actualizar, con
         const ColumnaTabla& columna = tabla.columnas[static_cast<std::size_t>(cual)];
         if (!columna.calculada.empty()) return CrearError(271, columna.nombre);
         if (columna.identidad) return CrearError(8102, columna.nombre);
-        if (std::find(escritas.begin(), escritas.end(), cual) != escritas.end()) {
+        if (std::find(escritas.columnas.begin(), escritas.columnas.end(), cual) !=
+            escritas.columnas.end()) {
             return CrearError(264, columna.nombre);
         }
-        escritas.push_back(cual);
         Termino termino;
         if (asignacion.expr) {
             QUIMO_TRY(termino, Valor(asignacion.expr, ambito));
@@ -186,17 +185,37 @@ Resultado<std::string> Traductor::Asignaciones(const Actualizar& actualizar, con
         } else {
             QUIMO_TRY(termino, Defecto(columna, tabla));
         }
-        sql += (sql.empty() ? "" : ",") + EntreComillas(columna.nombre) + "=";
-        if (valores == nullptr) {
-            sql += termino.sql;
-        } else {
-            valores->push_back(termino.sql);
-            sql += "\"s\".\"v" + std::to_string(valores->size()) + "\"";
-        }
+        escritas.columnas.push_back(cual);
+        escritas.valores.push_back(termino.sql);
     }
     ambito.clausula = Clausula::Donde;
+    return escritas;
+}
+
+namespace {
+
+/// "col"=value, ... with each value by its place in the list of rows when there is one.
+std::string ListaDeSet(const Tabla& tabla, const std::vector<int>& columnas,
+                       const std::vector<std::string>& valores) {
+    std::string sql;
+    for (std::size_t i = 0; i < columnas.size(); ++i) {
+        const std::string& nombre = tabla.columnas[static_cast<std::size_t>(columnas[i])].nombre;
+        sql += (i > 0 ? "," : "") + EntreComillas(nombre) + "=" +
+               (valores.empty() ? "\"s\".\"v" + std::to_string(i + 1) + "\"" : valores[i]);
+    }
     return sql;
 }
+
+/// The numbers of the rows and their new values.
+std::string ListaDeFilas(const std::string& alias, const std::vector<std::string>& valores) {
+    std::string sql = "SELECT " + alias + ".rowid AS \"fila\"";
+    for (std::size_t i = 0; i < valores.size(); ++i) {
+        sql += "," + valores[i] + " AS \"v" + std::to_string(i + 1) + "\"";
+    }
+    return sql;
+}
+
+}  // namespace
 
 Resultado<Plan> Traductor::ActualizarEn(const Actualizar& actualizar) {
     Plan plan;
@@ -205,20 +224,23 @@ Resultado<Plan> Traductor::ActualizarEn(const Actualizar& actualizar) {
     Ambito ambito;
     ambito.tablas.push_back(AmbitoDe(plan.tabla, actualizar.tabla.objeto));
     const std::string alias = ambito.tablas[0].alias_sql;
-    QUIMO_TRY(const std::string asignaciones,
-              Asignaciones(actualizar, *plan.tabla, ambito, nullptr));
+    QUIMO_TRY(Escritas escritas, Asignaciones(actualizar, *plan.tabla, ambito));
     std::string donde;
     if (actualizar.donde) {
         QUIMO_TRY(const Termino termino, Valor(actualizar.donde, ambito));
         donde = " WHERE " + termino.sql;
     }
+    const std::string blanco = plan.tabla->sql + " AS " + alias;
     if (actualizar.tope) {
         Ambito vacio;
         QUIMO_TRY(const Termino tope, Valor(actualizar.tope, vacio));
-        donde = " WHERE " + alias + ".rowid IN (SELECT rowid FROM " + plan.tabla->sql + " AS " + alias +
-                donde + " LIMIT " + tope.sql + ")";
+        donde = " WHERE " + alias + ".rowid IN (SELECT rowid FROM " + blanco + donde + " LIMIT " +
+                tope.sql + ")";
     }
-    plan.sql = "UPDATE " + plan.tabla->sql + " AS " + alias + " SET " + asignaciones + donde;
+    plan.sql = "UPDATE " + blanco + " SET " +
+               ListaDeSet(*plan.tabla, escritas.columnas, escritas.valores) + donde;
+    plan.sql_filas = ListaDeFilas(alias, escritas.valores) + " FROM " + blanco + donde;
+    plan.columnas_escritas = std::move(escritas.columnas);
     plan.ranuras = std::move(ranuras_);
     plan.usadas = std::move(usadas_);
     return plan;
@@ -236,42 +258,48 @@ Resultado<std::size_t> Traductor::Blanco(const NombreObjeto& nombre, const Ambit
     return hallada;
 }
 
+/// Reads FROM and finds the table that is written to; one that FROM does not name is joined to it
+/// by WHERE alone.
+Resultado<std::size_t> Traductor::Escenario(const NombreObjeto& nombre,
+                                            const std::vector<FuentePtr>& fuentes, Ambito& ambito,
+                                            std::string& sql) {
+    QUIMO_TRY(sql, Desde(fuentes, ambito));
+    std::size_t cual = ambito.tablas.size();
+    if (const auto blanco = Blanco(nombre, ambito)) {
+        cual = *blanco;
+    } else {
+        QUIMO_TRY(const TablaPtr tabla, TablaEscrita(nombre));
+        TablaAmbito nueva = AmbitoDe(tabla, nombre.objeto);
+        sql += "," + tabla->sql + " AS " + nueva.alias_sql;
+        QUIMO_TRY_VOID(Exponer(std::move(nueva), ambito));
+    }
+    const TablaPtr& tabla = ambito.tablas[cual].tabla;
+    if (!tabla || tabla->del_sistema) return CrearError(4406, nombre.objeto);
+    return cual;
+}
+
 Resultado<Plan> Traductor::ActualizarDesde(const Actualizar& actualizar, Plan plan) {
     Ambito ambito;
-    QUIMO_TRY(const std::string fuentes, Desde(actualizar.fuentes, ambito));
-    auto blanco = Blanco(actualizar.tabla, ambito);
-    std::string extra;
-    std::size_t cual = 0;
-    if (blanco) {
-        cual = *blanco;
-    } else {  // a table that FROM does not name is joined to it by WHERE alone
-        QUIMO_TRY(const TablaPtr tabla, TablaEscrita(actualizar.tabla));
-        TablaAmbito nueva = AmbitoDe(tabla, actualizar.tabla.objeto);
-        extra = "," + tabla->sql + " AS " + nueva.alias_sql;
-        QUIMO_TRY_VOID(Exponer(std::move(nueva), ambito));
-        cual = ambito.tablas.size() - 1;
-    }
+    std::string fuentes;
+    QUIMO_TRY(const std::size_t cual,
+              Escenario(actualizar.tabla, actualizar.fuentes, ambito, fuentes));
     plan.tabla = ambito.tablas[cual].tabla;
-    if (!plan.tabla || plan.tabla->del_sistema) return CrearError(4406, actualizar.tabla.objeto);
-    std::vector<std::string> valores;
-    QUIMO_TRY(const std::string asignaciones,
-              Asignaciones(actualizar, *plan.tabla, ambito, &valores));
-    std::string consulta = "SELECT " + ambito.tablas[cual].alias_sql + ".rowid AS \"fila\"";
-    for (std::size_t i = 0; i < valores.size(); ++i) {
-        consulta += "," + valores[i] + " AS \"v" + std::to_string(i + 1) + "\"";
-    }
-    consulta += " FROM " + fuentes + extra;
+    QUIMO_TRY(Escritas escritas, Asignaciones(actualizar, *plan.tabla, ambito));
+    plan.sql_filas =
+        ListaDeFilas(ambito.tablas[cual].alias_sql, escritas.valores) + " FROM " + fuentes;
     if (actualizar.donde) {
         QUIMO_TRY(const Termino termino, Valor(actualizar.donde, ambito));
-        consulta += " WHERE " + termino.sql;
+        plan.sql_filas += " WHERE " + termino.sql;
     }
     if (actualizar.tope) {
         Ambito vacio;
         QUIMO_TRY(const Termino tope, Valor(actualizar.tope, vacio));
-        consulta += " LIMIT " + tope.sql;
+        plan.sql_filas += " LIMIT " + tope.sql;
     }
-    plan.sql = "UPDATE " + plan.tabla->sql + " AS \"d\" SET " + asignaciones + " FROM (" + consulta +
+    plan.sql = "UPDATE " + plan.tabla->sql + " AS \"d\" SET " +
+               ListaDeSet(*plan.tabla, escritas.columnas, {}) + " FROM (" + plan.sql_filas +
                ") AS \"s\" WHERE \"d\".rowid=\"s\".\"fila\"";
+    plan.columnas_escritas = std::move(escritas.columnas);
     plan.ranuras = std::move(ranuras_);
     plan.usadas = std::move(usadas_);
     return plan;
@@ -283,14 +311,12 @@ Resultado<Plan> Traductor::BorrarDe(const Borrar& borrar) {
     std::string fuentes;
     std::size_t cual = 0;
     if (borrar.fuentes.empty()) {
-        QUIMO_TRY(plan.tabla, TablaEscrita(borrar.tabla));
-        ambito.tablas.push_back(AmbitoDe(plan.tabla, borrar.tabla.objeto));
+        QUIMO_TRY(const TablaPtr tabla, TablaEscrita(borrar.tabla));
+        ambito.tablas.push_back(AmbitoDe(tabla, borrar.tabla.objeto));
     } else {
-        QUIMO_TRY(fuentes, Desde(borrar.fuentes, ambito));
-        QUIMO_TRY(cual, Blanco(borrar.tabla, ambito));
-        plan.tabla = ambito.tablas[cual].tabla;
-        if (!plan.tabla || plan.tabla->del_sistema) return CrearError(4406, borrar.tabla.objeto);
+        QUIMO_TRY(cual, Escenario(borrar.tabla, borrar.fuentes, ambito, fuentes));
     }
+    plan.tabla = ambito.tablas[cual].tabla;
     const std::string alias = ambito.tablas[cual].alias_sql;
     std::string donde;
     if (borrar.donde) {

@@ -399,7 +399,9 @@ Resultado<Termino> Traductor::ConversionExplicita(const Expr& expr, Ambito& ambi
         QUIMO_TRY(const bool permitida, PermiteImplicita(valor.tipo, expr.tipo));
         QUIMO_CHECK(permitida);
     }
-    return Convertir(std::move(valor), expr.tipo, estilo);
+    QUIMO_TRY(valor, Convertir(std::move(valor), expr.tipo, estilo));
+    valor.nulo = false;  // a NULL of a type of its own
+    return valor;
 }
 
 Resultado<Termino> Traductor::Subconsulta(const Expr& expr, Ambito& ambito) {

@@ -170,8 +170,14 @@ private:
     Resultado<std::string> FilaDeValores(const Insertar& insertar, const std::vector<ExprPtr>& fila,
                                          const Destinos& destinos, const Tabla& tabla);
     Resultado<Termino> Defecto(const ColumnaTabla& columna, const Tabla& tabla);
-    Resultado<std::string> Asignaciones(const Actualizar& actualizar, const Tabla& tabla,
-                                        Ambito& ambito, std::vector<std::string>* valores);
+    /// SET columns and their values, each in its own list.
+    struct Escritas {
+        std::vector<int> columnas;
+        std::vector<std::string> valores;
+    };
+    Resultado<Escritas> Asignaciones(const Actualizar& actualizar, const Tabla& tabla, Ambito& ambito);
+    Resultado<std::size_t> Escenario(const NombreObjeto& nombre, const std::vector<FuentePtr>& fuentes,
+                                     Ambito& ambito, std::string& sql);
     Resultado<Plan> ActualizarDesde(const Actualizar& actualizar, Plan plan);
     TablaAmbito AmbitoDe(const TablaPtr& tabla, const std::string& expuesto);
     Resultado<std::size_t> Blanco(const NombreObjeto& nombre, const Ambito& ambito) const;

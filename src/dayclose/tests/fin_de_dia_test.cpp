@@ -1,9 +1,9 @@
 #include "dayclose/fin_de_dia.h"
 
+#include <gtest/gtest.h>
+
 #include <QDir>
 #include <QFile>
-
-#include <gtest/gtest.h>
 
 #include "restaurante_prueba.h"
 
@@ -31,8 +31,9 @@ void EsperarDiaCerrado(Restaurante& restaurante) {
     }
     EXPECT_EQ(Fecha(restaurante), u"15112026"_s);
     const auto folio = [&](const QString& clave) {
-        return restaurante.Valor(u"SELECT Valor_Num FROM Parametros WHERE ID_Parametro='"_s +
-                                 clave + u'\'').toDouble();
+        return restaurante
+            .Valor(u"SELECT Valor_Num FROM Parametros WHERE ID_Parametro='"_s + clave + u'\'')
+            .toDouble();
     };
     EXPECT_EQ(folio(u"FOLIOPAGO"_s), 94591);
     EXPECT_EQ(folio(u"FOLIOCOMANDA"_s), 51171);
@@ -82,17 +83,18 @@ TEST(FinDeDia, LaOrdenAbiertaSeActualizaConCierreAMedianoche) {
     const QString caja = restaurante.Terminal(u"CAJA1"_s);
     const QByteArray vendido = Bytes(caja);
     ASSERT_EQ(restaurante.Cerrar(), Desenlace::Terminado);
-    EXPECT_EQ(restaurante.Valor(u"SELECT Fecha_Cierre FROM Comanda WHERE ID_Comanda=50904"_s),
-              u"14/11/2026 09:18:55"_s);
+    EXPECT_EQ(restaurante.Valor(u"SELECT Fecha_Cierre FROM Comanda WHERE ID_Comanda=50937"_s),
+              u"14/11/2026 11:34:15"_s);
     QFile archivo(caja);
     ASSERT_TRUE(archivo.open(QIODevice::WriteOnly));
     ASSERT_EQ(archivo.write(vendido), vendido.size());
     archivo.close();
     restaurante.Mandar(
         u"UPDATE Parametros SET Valor_Cad='14112026' WHERE ID_Parametro='FECHA_TRABAJO'"_s);
-    restaurante.Mandar(u"UPDATE ProductosXCuenta SET ID_Paquete=7 WHERE ID_ProductosXCuenta=10001"_s);
+    restaurante.Mandar(
+        u"UPDATE ProductosXCuenta SET ID_Paquete=7 WHERE ID_ProductosXCuenta=10001"_s);
     ASSERT_EQ(restaurante.Cerrar(), Desenlace::Terminado);
-    EXPECT_EQ(restaurante.Valor(u"SELECT Fecha_Cierre FROM Comanda WHERE ID_Comanda=50904"_s),
+    EXPECT_EQ(restaurante.Valor(u"SELECT Fecha_Cierre FROM Comanda WHERE ID_Comanda=50937"_s),
               u"14/11/2026"_s);
     EXPECT_EQ(restaurante.Valor(
                   u"SELECT ID_Paquete FROM ProductosXCuenta WHERE ID_ProductosXCuenta=10001"_s),
@@ -119,7 +121,7 @@ struct CasoFalla {
 
 TEST(FinDeDia, UnaTerminalInalcanzableSePregunta) {
     const CasoFalla casos[] = {
-        {"anular", Respuesta::Abortar, Desenlace::Abortado, {}, {u"[i] |Abortado"_s}},
+        {"anular", Respuesta::Abortar, Desenlace::Abortado, {u"CAJA1"_s}, {u"[i] |Abortado"_s}},
         {"omitir",
          Respuesta::Ignorar,
          Desenlace::Terminado,
@@ -128,7 +130,10 @@ TEST(FinDeDia, UnaTerminalInalcanzableSePregunta) {
           u"archivo incorrecto: \\\\CAJA2\\quimo\\Quimo_Terminal.mdb"_s,
           kTerminado}},
         // The share is back for the retry, but the terminal stays marked as skipped.
-        {"reintentar", Respuesta::Reintentar, Desenlace::Terminado, {u"CAJA1"_s, u"BARRA"_s},
+        {"reintentar",
+         Respuesta::Reintentar,
+         Desenlace::Terminado,
+         {u"CAJA1"_s, u"BARRA"_s},
          {kTerminado}},
     };
     for (const CasoFalla& caso : casos) {
@@ -174,7 +179,7 @@ TEST(FinDeDia, ElArchivoAbiertoSeReintentaHastaElLimite) {
     int veces = 0;
     restaurante.share.Poner([&](Operacion operacion, const QString& remoto) {
         return operacion == Operacion::Traer && remoto.contains(u"CAJA1"_s) && ++veces <= 1500 ? 70
-                                                                                              : 0;
+                                                                                               : 0;
     });
     ASSERT_EQ(restaurante.Cerrar(), Desenlace::Terminado);
     EsperarDiaCerrado(restaurante);
@@ -265,19 +270,24 @@ TEST(FinDeDia, LaEntradaMalaTerminaConMensajeYSinNadaAMedias) {
     };
     const CasoMalo casos[] = {
         {"cortado", en_caja2([](QByteArray& b) { b.truncate(300000); }), u"CAJA2"_s},
+        {"bytes cambiados en medio", en_caja2([](QByteArray& b) {
+             for (int i = 0; i < 3000; ++i)
+                 b[200000 + i] = static_cast<char>(i * 37);
+         }),
+         u"CAJA2"_s},
         {"vacío", en_caja2([](QByteArray& b) { b.clear(); }), u"CAJA2"_s},
         {"otra cosa", en_caja2([](QByteArray& b) { b.fill('x'); }), u"CAJA2"_s},
         {"cifrado", en_caja2([](QByteArray& b) { b[0x3E] = static_cast<char>(b[0x3E] ^ 0x5A); }),
          u"CAJA2"_s},
         {"Jet 3", en_caja2([](QByteArray& b) { b[0x14] = 0; }), u"CAJA2"_s},
         {"posterior", en_caja2([](QByteArray& b) { b[0x14] = 2; }), u"CAJA2"_s},
-        {"sin plantilla",
-         [](Restaurante& r) { QFile::remove(r.Programa() + u"/Plantilla.mdb"_s); },
+        {"sin plantilla", [](Restaurante& r) { QFile::remove(r.Programa() + u"/Plantilla.mdb"_s); },
          u"No se encontró el archivo"_s},
         {"fecha mala",
          [](Restaurante& r) {
-             r.Mandar(u"UPDATE Parametros SET Valor_Cad='14/11/26' WHERE "
-                      u"ID_Parametro='FECHA_TRABAJO'"_s);
+             r.Mandar(
+                 u"UPDATE Parametros SET Valor_Cad='14/11/26' WHERE "
+                 u"ID_Parametro='FECHA_TRABAJO'"_s);
          },
          u"FECHA_TRABAJO"_s},
         {"sin directorio",

@@ -1,12 +1,11 @@
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <sys/file.h>
 #include <unistd.h>
 
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
-
-#include <gtest/gtest.h>
 
 #include "dayclose/archivo_ventas.h"
 #include "dayclose/base_terminal.h"
@@ -88,9 +87,9 @@ TEST_F(CarpetaShareTest, LoQueOtroTieneAbiertoEs70YQuedaComoEstaba) {
             Escribir(u"red/CAJA1/quimo/Quimo_Terminal.mdb"_s, "datos");
             Escribir(u"red/CAJA1/quimo/Quimo_Terminal.ldb"_s, "usuario");
             Escribir(u"nuevo"_s, "nueva");
-            const QString bloqueado = carpeta_.filePath(
-                en_ldb ? u"red/CAJA1/quimo/Quimo_Terminal.ldb"_s
-                       : u"red/CAJA1/quimo/Quimo_Terminal.mdb"_s);
+            const QString bloqueado =
+                carpeta_.filePath(en_ldb ? u"red/CAJA1/quimo/Quimo_Terminal.ldb"_s
+                                         : u"red/CAJA1/quimo/Quimo_Terminal.mdb"_s);
             const int fd = ::open(QFile::encodeName(bloqueado).constData(), O_RDWR | O_CLOEXEC);
             ASSERT_GE(fd, 0);
             struct flock candado {};

@@ -2,12 +2,12 @@
 
 #include <algorithm>
 
+#include <gtest/gtest.h>
+
 #include <QDir>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
-
-#include <gtest/gtest.h>
 
 #include "foundation/conector.h"
 #include "foundation/esquema.h"
@@ -40,7 +40,8 @@ QString Normal(const QJsonValue& valor) {
     QString texto = valor.toString();
     const auto numero = base::Decimal::DeTexto(texto.toStdString());
     if (!numero || !texto.contains(u'.')) return texto;
-    while (texto.endsWith(u'0')) texto.chop(1);
+    while (texto.endsWith(u'0'))
+        texto.chop(1);
     if (texto.endsWith(u'.')) texto.chop(1);
     return texto;
 }
@@ -71,7 +72,8 @@ QString Renglon(const QJsonObject& fila) {
 
 QStringList Renglones(const QJsonArray& filas) {
     QStringList textos;
-    for (const QJsonValue& fila : filas) textos << Renglon(fila.toObject());
+    for (const QJsonValue& fila : filas)
+        textos << Renglon(fila.toObject());
     std::sort(textos.begin(), textos.end());
     return textos;
 }
@@ -102,19 +104,19 @@ ResultadoArchivo<void> ShareConFallas::Llevar(const QString& local, const QStrin
 
 Restaurante::Restaurante() : share(carpeta_.filePath(u"red"_s)) {
     EXPECT_TRUE(QDir().mkpath(Programa()));
-    EXPECT_TRUE(QFile::copy(kDatos + u"/terminals/Plantilla.mdb"_s,
-                            Programa() + u"/Plantilla.mdb"_s));
+    EXPECT_TRUE(
+        QFile::copy(kDatos + u"/terminals/Plantilla.mdb"_s, Programa() + u"/Plantilla.mdb"_s));
     for (const QString& nombre : {u"CAJA1"_s, u"CAJA2"_s, u"BARRA"_s}) {
         const QString destino = Terminal(nombre);
         EXPECT_TRUE(QDir().mkpath(QFileInfo(destino).path()));
-        EXPECT_TRUE(QFile::copy(kDatos + u"/terminals/"_s + nombre + u"/Quimo_Terminal.mdb"_s,
-                                destino));
+        EXPECT_TRUE(
+            QFile::copy(kDatos + u"/terminals/"_s + nombre + u"/Quimo_Terminal.mdb"_s, destino));
         QFile(destino).setPermissions(QFile::ReadOwner | QFile::WriteOwner);
     }
     QFile datos(kDatos + u"/day-golden/central-before.sql"_s);
     EXPECT_TRUE(datos.open(QIODevice::ReadOnly));
-    auto conexion = foundation::CrearConector(reloj, foundation::SiFalta::Crear)(
-        {u"embebido"_s, ArchivoCentral(), {}, {}});
+    auto conexion = foundation::CrearConector(
+        reloj, foundation::SiFalta::Crear)({u"embebido"_s, ArchivoCentral(), {}, {}});
     EXPECT_TRUE(conexion);
     const auto creada = foundation::CrearBase(**conexion, QString::fromUtf8(datos.readAll()));
     EXPECT_TRUE(creada) << creada.error().Descripcion().toStdString();
@@ -231,7 +233,8 @@ QStringList Ventas(Restaurante& restaurante) {
         for (const foundation::Fila& fila :
              restaurante.Filas(u"SELECT * FROM "_s + tabla + u" ORDER BY "_s + llave)) {
             QStringList celdas = {tabla};
-            for (const QVariant& valor : fila) celdas << foundation::LiteralSql(valor);
+            for (const QVariant& valor : fila)
+                celdas << foundation::LiteralSql(valor);
             textos << celdas.join(u'|');
         }
     }

@@ -41,6 +41,8 @@ private:
 /// The restaurant of the recorded day in a temporary folder: central database, program folder and
 /// the three terminals' shares.
 class Restaurante {
+    QTemporaryDir carpeta_;  // before the ports, which live in it
+
 public:
     Restaurante();
 
@@ -63,7 +65,6 @@ public:
     ShareConFallas share;
 
 private:
-    QTemporaryDir carpeta_;
     std::unique_ptr<foundation::ClsBitacora> bitacora_;
     std::unique_ptr<foundation::ClsAdo> ado_;
     ResumenCierre resumen_;

@@ -27,7 +27,8 @@ CREATE TABLE IF NOT EXISTS _quimo_restricciones(tabla INTEGER NOT NULL, orden IN
   nombre TEXT NOT NULL, clase TEXT NOT NULL, columnas TEXT NOT NULL, referida TEXT NOT NULL,
   columnas_referidas TEXT NOT NULL, al_borrar TEXT NOT NULL, al_cambiar TEXT NOT NULL,
   texto TEXT NOT NULL, PRIMARY KEY(tabla, orden)) WITHOUT ROWID;
-CREATE TABLE IF NOT EXISTS _quimo_modulos(nombre TEXT PRIMARY KEY, texto TEXT NOT NULL);
+CREATE TABLE IF NOT EXISTS _quimo_modulos(clave TEXT PRIMARY KEY, nombre TEXT NOT NULL,
+  texto TEXT NOT NULL);
 CREATE TABLE IF NOT EXISTS _quimo_identidad(tabla INTEGER PRIMARY KEY, ultimo INTEGER NOT NULL);
 )";
 
@@ -116,7 +117,8 @@ void AgregarRestriccion(Tabla& tabla, const Preparada& fila) {
 }  // namespace
 
 Hecho CatalogoEmbebido::Abrir() {
-    QUIMO_TRY(Preparada hay, base_.Preparar("SELECT count(*) FROM sqlite_schema WHERE name='_quimo_version'"));
+    QUIMO_TRY(Preparada hay,
+              base_.Preparar("SELECT count(*) FROM sqlite_schema WHERE name='_quimo_version'"));
     if (const int codigo = hay.Paso(); codigo != SQLITE_ROW) return base_.Fallo(codigo);
     if (hay.Entero(0) == 0) {
         QUIMO_TRY(Preparada otras, base_.Preparar("SELECT count(*) FROM sqlite_schema"));
@@ -206,16 +208,18 @@ Hecho CatalogoEmbebido::CargarRestricciones(std::map<std::int64_t, Tabla>& tabla
               base_.Preparar("SELECT tabla,nombre,clase,columnas,referida,columnas_referidas,"
                              "al_borrar,al_cambiar,texto FROM _quimo_restricciones ORDER BY "
                              "tabla,orden"));
-    while (filas.Paso() == SQLITE_ROW) AgregarRestriccion(tablas[filas.Entero(0)], filas);
+    while (filas.Paso() == SQLITE_ROW)
+        AgregarRestriccion(tablas[filas.Entero(0)], filas);
     return {};
 }
 
 Hecho CatalogoEmbebido::CargarModulos() {
     foto_.modulos.clear();
     ++version_modulos_;
-    QUIMO_TRY(Preparada filas, base_.Preparar("SELECT nombre,texto FROM _quimo_modulos"));
+    QUIMO_TRY(Preparada filas, base_.Preparar("SELECT clave,texto FROM _quimo_modulos"));
     while (filas.Paso() == SQLITE_ROW) {
-        QUIMO_TRY(const tsql::Lote lote, tsql::LeerLote(filas.Texto(1), tsql::Constantes::EnElArbol));
+        QUIMO_TRY(const tsql::Lote lote,
+                  tsql::LeerLote(filas.Texto(1), tsql::Constantes::EnElArbol));
         const auto* modulo = std::get_if<tsql::CrearModulo>(&lote.sentencias.at(0)->que);
         QUIMO_CHECK(modulo != nullptr);
         foto_.modulos[filas.Texto(0)] = std::make_shared<const tsql::CrearModulo>(*modulo);
@@ -239,6 +243,17 @@ tsql::ModuloPtr CatalogoEmbebido::BuscarModulo(const tsql::NombreObjeto& nombre)
     if (!nombre.esquema.empty() && !tsql::MismoNombre(nombre.esquema, "dbo")) return nullptr;
     const auto hallado = foto_.modulos.find(AMinusculas(nombre.objeto));
     return hallado == foto_.modulos.end() ? nullptr : hallado->second;
+}
+
+const tsql::Tabla* CatalogoEmbebido::Referente(const Tabla& tabla) const {
+    for (const auto& [nombre, otra] : foto_.tablas) {
+        for (const tsql::Foranea& foranea : otra->foraneas) {
+            if (otra->id != tabla.id && tsql::MismoNombre(foranea.tabla, tabla.nombre)) {
+                return otra.get();
+            }
+        }
+    }
+    return nullptr;
 }
 
 std::int64_t CatalogoEmbebido::NuevoId() { return ++ultimo_id_; }
@@ -298,9 +313,9 @@ Hecho CatalogoEmbebido::Guardar(const Tabla& tabla) {
         filas.Ligar(1, tabla.id);
         filas.Ligar(2, orden++);
         int lugar = 3;
-        for (const std::string* texto : {&fila.nombre, &fila.clase, &fila.columnas, &fila.referida,
-                                         &fila.columnas_referidas, &fila.al_borrar,
-                                         &fila.al_cambiar, &fila.texto}) {
+        for (const std::string* texto :
+             {&fila.nombre, &fila.clase, &fila.columnas, &fila.referida, &fila.columnas_referidas,
+              &fila.al_borrar, &fila.al_cambiar, &fila.texto}) {
             filas.Ligar(lugar++, *texto);
         }
         if (const int codigo = filas.Paso(); codigo != SQLITE_DONE) return base_.Fallo(codigo);
@@ -329,9 +344,10 @@ Hecho CatalogoEmbebido::Borrar(const Tabla& tabla) {
 
 Hecho CatalogoEmbebido::GuardarModulo(const tsql::CrearModulo& modulo) {
     const std::string clave = AMinusculas(modulo.nombre.objeto);
-    QUIMO_TRY(Preparada filas, base_.Preparar("REPLACE INTO _quimo_modulos VALUES(?1,?2)"));
+    QUIMO_TRY(Preparada filas, base_.Preparar("REPLACE INTO _quimo_modulos VALUES(?1,?2,?3)"));
     filas.Ligar(1, clave);
-    filas.Ligar(2, modulo.texto);
+    filas.Ligar(2, modulo.nombre.objeto);
+    filas.Ligar(3, modulo.texto);
     if (const int codigo = filas.Paso(); codigo != SQLITE_DONE) return base_.Fallo(codigo);
     ++version_modulos_;
     // Read again: what is kept has its constants in the tree.
@@ -344,7 +360,7 @@ Hecho CatalogoEmbebido::GuardarModulo(const tsql::CrearModulo& modulo) {
 
 Hecho CatalogoEmbebido::BorrarModulo(const std::string& nombre) {
     const std::string clave = AMinusculas(nombre);
-    QUIMO_TRY(Preparada filas, base_.Preparar("DELETE FROM _quimo_modulos WHERE nombre=?1"));
+    QUIMO_TRY(Preparada filas, base_.Preparar("DELETE FROM _quimo_modulos WHERE clave=?1"));
     filas.Ligar(1, clave);
     if (const int codigo = filas.Paso(); codigo != SQLITE_DONE) return base_.Fallo(codigo);
     ++version_modulos_;

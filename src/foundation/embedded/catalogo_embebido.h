@@ -49,6 +49,9 @@ public:
     /// Number that OBJECT_ID gives a module: those of tables are kept in the file.
     std::int64_t IdModulo(const std::string& nombre) const;
 
+    /// Whether another table refers to this one.
+    const tsql::Tabla* Referente(const tsql::Tabla& tabla) const;
+
     /// Last number given in an identity column; the one before the seed when there is none.
     Resultado<std::int64_t> UltimoNumero(const tsql::Tabla& tabla);
     Hecho GuardarNumero(const tsql::Tabla& tabla, std::int64_t numero);

@@ -1,5 +1,7 @@
 #include "foundation/embedded/conexion_embebida.h"
 
+#include <QFileInfo>
+
 #include "foundation/embedded/interprete.h"
 #include "tsql/texto.h"
 
@@ -47,7 +49,8 @@ public:
         for (const QVariant& parametro : parametros) {
             auto valor = embebido::DeVariante(parametro);
             if (!valor) {
-                respuesta.fallo = AFallo(tsql::CrearError(257, parametro.typeName(), "sql_variant"));
+                respuesta.fallo =
+                    AFallo(tsql::CrearError(257, parametro.typeName(), "sql_variant"));
                 return respuesta;
             }
             tipos.push_back(valor->tipo);
@@ -89,7 +92,8 @@ public:
             if (columna.identidad) definicion.identidad = QString::fromStdString(columna.nombre);
         }
         if (const tsql::Indice* primaria = tabla->Primaria()) {
-            for (const int cual : primaria->columnas) definicion.clave.append(definicion.columnas[cual].nombre);
+            for (const int cual : primaria->columnas)
+                definicion.clave.append(definicion.columnas[cual].nombre);
         }
         return definicion;
     }
@@ -163,6 +167,23 @@ private:
     mutable Sesion sesion_;
 };
 
+/// There is no server whose wording would be expected here: the user is told about the file.
+QString PorQueNoAbre(const QString& archivo) {
+    const QFileInfo info(archivo);
+    if (!info.exists()) {
+        return QFileInfo(info.path()).isDir()
+                   ? QStringLiteral("No existe la base de datos %1.").arg(archivo)
+                   : QStringLiteral("No existe la carpeta de la base de datos %1.").arg(archivo);
+    }
+    if (!info.isFile() || !info.isReadable() || !info.isWritable()) {
+        return QStringLiteral("No se puede leer y escribir la base de datos %1.").arg(archivo);
+    }
+    return QStringLiteral(
+               "El archivo %1 no es una base de datos de QUIMO, está dañado o lo tiene ocupado "
+               "otro programa.")
+        .arg(archivo);
+}
+
 }  // namespace
 
 base::Result<std::unique_ptr<SqlConnection>, FalloSql> AbrirEmbebida(const QString& archivo,
@@ -170,7 +191,11 @@ base::Result<std::unique_ptr<SqlConnection>, FalloSql> AbrirEmbebida(const QStri
                                                                      bool crear) {
     auto conexion = std::make_unique<ConexionEmbebida>(reloj);
     const auto hecho = conexion->Abrir(archivo, crear);
-    if (!hecho) return AFallo(hecho.error());
+    if (!hecho) {
+        FalloSql fallo = AFallo(hecho.error());
+        if (!fallo.errores.isEmpty()) fallo.errores.first().descripcion = PorQueNoAbre(archivo);
+        return fallo;
+    }
     return std::unique_ptr<SqlConnection>(std::move(conexion));
 }
 

@@ -48,7 +48,6 @@ private:
     Hecho QuitarTabla(const tsql::NombreObjeto& nombre, bool si_existe);
     Hecho QuitarIndice(const tsql::NombreObjeto& nombre, bool si_existe);
     Hecho QuitarModulo(const tsql::NombreObjeto& nombre, const tsql::Quitar& quitar);
-    const tsql::Tabla* Referente(const tsql::Tabla& tabla) const;
 
     Sesion& sesion_;
 };

@@ -33,15 +33,20 @@ std::vector<std::string> Columnas(const std::string& lista) {
     return columnas;
 }
 
+/// Whether an index is over these columns. One that holds NULLs is told by those of its columns
+/// that hold none.
 bool EsDe(const Indice& indice, const Tabla& tabla, const std::vector<std::string>& columnas) {
-    if (indice.clase == Indice::Clase::Indice || indice.columnas.size() != columnas.size()) {
-        return false;
+    if (indice.clase == Indice::Clase::Indice) return false;
+    std::size_t halladas = 0;
+    for (const int c : indice.columnas) {
+        const auto& columna = tabla.columnas[static_cast<std::size_t>(c)];
+        const bool nombrada = std::any_of(
+            columnas.begin(), columnas.end(),
+            [&](const std::string& nombre) { return tsql::MismoNombre(columna.nombre, nombre); });
+        if (nombrada) ++halladas;
+        if (!nombrada && !columna.admite_nulos) return false;
     }
-    for (std::size_t i = 0; i < columnas.size(); ++i) {
-        const auto cual = static_cast<std::size_t>(indice.columnas[i]);
-        if (!tsql::MismoNombre(tabla.columnas[cual].nombre, columnas[i])) return false;
-    }
-    return true;
+    return halladas == columnas.size();
 }
 
 }  // namespace
@@ -65,20 +70,22 @@ ErrorSql ErrorDeRestriccion::Repetida(const std::string& mensaje) const {
     const std::string lista = Tras(mensaje, "failed: ");
     const std::string interno = Tras(lista, "index '");
     const auto columnas = Columnas(lista);
+    const Indice* cual = nullptr;
     for (const Indice& indice : tabla_->indices) {
         const std::string prefijo = tabla_->nombre + "$" + indice.nombre;
         const bool suyo = interno.empty() ? EsDe(indice, *tabla_, columnas)
                                           : interno.starts_with(prefijo + "$") ||
                                                 interno.starts_with(prefijo + "'");
-        if (!suyo) continue;
-        const std::string objeto = "dbo." + tabla_->nombre;
-        if (indice.clase == Indice::Clase::IndiceUnico) {
-            return tsql::CrearError(2601, objeto, indice.nombre);
-        }
-        const bool primaria = indice.clase == Indice::Clase::Primaria;
-        return tsql::CrearError(2627, primaria ? "PRIMARY KEY" : "UNIQUE KEY", indice.nombre, objeto);
+        if (suyo && (cual == nullptr || indice.columnas.size() < cual->columnas.size()))
+            cual = &indice;
     }
-    return tsql::CrearError(2627, "UNIQUE KEY", lista, "dbo." + tabla_->nombre);
+    const std::string objeto = "dbo." + tabla_->nombre;
+    if (cual == nullptr) return tsql::CrearError(2627, "UNIQUE KEY", lista, objeto);
+    if (cual->clase == Indice::Clase::IndiceUnico) {
+        return tsql::CrearError(2601, objeto, cual->nombre);
+    }
+    const bool primaria = cual->clase == Indice::Clase::Primaria;
+    return tsql::CrearError(2627, primaria ? "PRIMARY KEY" : "UNIQUE KEY", cual->nombre, objeto);
 }
 
 ErrorSql ErrorDeRestriccion::Texto547(const std::string& clase, const std::string& nombre,
@@ -87,12 +94,12 @@ ErrorSql ErrorDeRestriccion::Texto547(const std::string& clase, const std::strin
     ErrorSql error;
     error.nativo = 547;
     error.sqlstate = "23000";
-    error.mensaje = "The " + verbo_ + " statement conflicted with the " + clase + " constraint \"" +
-                    nombre + "\". The conflict occurred in database \"" + sesion_.NombreBase() +
-                    "\", table \"dbo." + tabla + "\"";
-    if (columnas.size() == 1 && !columnas[0].empty()) {
-        error.mensaje += ", column '" + columnas[0] + "'";
-    }
+    // The wording with single quotes: the table's name is shown to the user as it stands here.
+    const bool de_columna = columnas.size() == 1 && !columnas[0].empty();
+    error.mensaje = verbo_ + " statement conflicted with " + (de_columna ? "COLUMN " : "TABLE ") +
+                    clase + " constraint '" + nombre + "'. The conflict occurred in database '" +
+                    sesion_.NombreBase() + "', table '" + tabla + "'";
+    if (de_columna) error.mensaje += ", column '" + columnas[0] + "'";
     error.mensaje += ".";
     return error;
 }
@@ -113,7 +120,8 @@ bool ErrorDeRestriccion::Viola(const Tabla& hija, const Foranea& foranea, const 
     std::string completas;
     for (std::size_t i = 0; i < foranea.columnas.size(); ++i) {
         const std::string columna = "h." + EntreComillas(foranea.columnas[i]);
-        sql += (i > 0 ? " AND m." : "m.") + EntreComillas(foranea.columnas_referidas[i]) + "=" + columna;
+        sql += (i > 0 ? " AND m." : "m.") + EntreComillas(foranea.columnas_referidas[i]) + "=" +
+               columna;
         completas += " AND " + columna + " IS NOT NULL";
     }
     auto consulta = sesion_.Base().Preparar(sql + ")" + completas + " LIMIT 1");
@@ -138,8 +146,9 @@ ErrorSql ErrorDeRestriccion::Referencia(const std::function<int()>& repetir) {
             encontrada = true;
             hallado = Texto547("FOREIGN KEY", foranea.nombre, madre->second->nombre,
                                foranea.columnas_referidas);
-            if (madre->second == tabla_) hallado = Texto547("FOREIGN KEY SAME TABLE", foranea.nombre,
-                                                            tabla_->nombre, foranea.columnas_referidas);
+            if (madre->second == tabla_)
+                hallado = Texto547("FOREIGN KEY SAME TABLE", foranea.nombre, tabla_->nombre,
+                                   foranea.columnas_referidas);
         }
         for (const auto& [nombre, hija] : tablas) {
             for (const Foranea& foranea : hija->foraneas) {
@@ -151,9 +160,10 @@ ErrorSql ErrorDeRestriccion::Referencia(const std::function<int()>& repetir) {
             }
         }
     }
-    const bool deshecho =
-        base.Correr(propia ? "ROLLBACK" : "ROLLBACK TO q_examen;RELEASE q_examen;"
-                                          "PRAGMA defer_foreign_keys=OFF").has_value();
+    const bool deshecho = base.Correr(propia ? "ROLLBACK"
+                                             : "ROLLBACK TO q_examen;RELEASE q_examen;"
+                                               "PRAGMA defer_foreign_keys=OFF")
+                              .has_value();
     QUIMO_CHECK(deshecho);
     return hallado;
 }

@@ -84,9 +84,10 @@ private:
     Resultado<bool> Cumple(const tsql::Expr& condicion, Marco& marco);
     Hecho Leer(PlanListo& listo, Marco& marco);
     Hecho LeerVariables(PlanListo& listo, Marco& marco);
-    Hecho Escribir(PlanListo& listo, const std::string& verbo);
-    Hecho Numerar(PlanListo& listo, const std::string& verbo);
-    Hecho PasoDeEscritura(PlanListo& listo, const std::string& verbo);
+    Hecho Escribir(PlanListo& listo, const std::string& verbo, const Marco& marco);
+    Hecho Numerar(PlanListo& listo, const std::string& verbo, const Marco& marco);
+    Hecho PasoDeEscritura(PlanListo& listo, const std::string& verbo, const Marco& marco);
+    Resultado<bool> EscribirPorPartes(const PlanListo& listo, const Marco& marco);
     ErrorSql FalloDe(int codigo);
     void Contar(std::int64_t filas);
     Hecho Comprobar(const std::vector<tsql::SentenciaPtr>& sentencias, Marco& marco);
@@ -95,6 +96,7 @@ private:
     Sesion& sesion_;
     RespuestaSql& respuesta_;
     std::vector<ConjuntoInterno>* captura_ = nullptr;
+    std::int64_t filas_por_partes_ = -1;  ///< rows of the last write that was done row by row
 };
 
 }  // namespace quimo::foundation::embebido

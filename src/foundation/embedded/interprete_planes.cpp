@@ -72,7 +72,7 @@ Resultado<PlanListo*> Interprete::Preparar(const void* clave, Marco& marco,
         if (antes != sesion_.Catalogo().Version()) plan = traducir(EntornoDe(marco));
     }
     if (!plan) return plan.error();
-    listo.plan = *std::move(plan);
+    listo.plan = std::move(plan).value();
     QUIMO_TRY(listo.sentencia, sesion_.Base().Preparar(listo.plan.sql, true));
     listo.version = sesion_.Catalogo().Version();
     listo.version_modulos = sesion_.Catalogo().VersionModulos();
@@ -146,7 +146,8 @@ Hecho Interprete::Leer(PlanListo& listo, Marco& marco) {
     const auto& columnas = listo.plan.columnas;
     ConjuntoInterno interno;
     Conjunto conjunto;
-    for (const tsql::ColumnaSalida& columna : columnas) conjunto.columnas.append(AColumna(columna));
+    for (const tsql::ColumnaSalida& columna : columnas)
+        conjunto.columnas.append(AColumna(columna));
     int codigo = SQLITE_ROW;
     std::int64_t filas = 0;
     for (codigo = listo.sentencia.Paso(); codigo == SQLITE_ROW; codigo = listo.sentencia.Paso()) {
@@ -190,7 +191,8 @@ Hecho Interprete::LeerVariables(PlanListo& listo, Marco& marco) {
         ++filas;
         for (std::size_t i = 0; i < listo.plan.variables.size(); ++i) {
             const auto variable = marco.variables.find(listo.plan.variables[i]);
-            if (variable == marco.variables.end()) return tsql::CrearError(137, listo.plan.variables[i]);
+            if (variable == marco.variables.end())
+                return tsql::CrearError(137, listo.plan.variables[i]);
             const tsql::Tipo& tipo = variable->second.tipo;
             QUIMO_TRY(const Valor valor,
                       tsql::Normalizar(listo.sentencia.Leer(static_cast<int>(i)), tipo));
@@ -203,7 +205,8 @@ Hecho Interprete::LeerVariables(PlanListo& listo, Marco& marco) {
     return {};
 }
 
-Hecho Interprete::PasoDeEscritura(PlanListo& listo, const std::string& verbo) {
+Hecho Interprete::PasoDeEscritura(PlanListo& listo, const std::string& verbo,
+                                    const Marco& marco) {
     int codigo = SQLITE_DONE;
     {
         const Uso uso(listo);
@@ -212,6 +215,16 @@ Hecho Interprete::PasoDeEscritura(PlanListo& listo, const std::string& verbo) {
     }
     codigo = sesion_.Base().CodigoExtendido();
     if (sesion_.Contexto().error || (codigo & 0xFF) != SQLITE_CONSTRAINT) return FalloDe(codigo);
+    const bool repetida = codigo != SQLITE_CONSTRAINT_NOTNULL && codigo != SQLITE_CONSTRAINT_CHECK &&
+                          codigo != SQLITE_CONSTRAINT_FOREIGNKEY;
+    if (repetida && !listo.plan.sql_filas.empty()) {
+        QUIMO_TRY(const bool escrita, EscribirPorPartes(listo, marco));
+        if (escrita) return {};
+        // Once more, for the text of what is repeated.
+        const Uso uso(listo);
+        codigo = listo.sentencia.Paso();
+        codigo = sesion_.Base().CodigoExtendido();
+    }
     ErrorDeRestriccion error(sesion_, listo.plan.tabla, verbo);
     return error.Explicar(codigo, [&] {
         const Uso uso(listo);
@@ -219,29 +232,31 @@ Hecho Interprete::PasoDeEscritura(PlanListo& listo, const std::string& verbo) {
     });
 }
 
-Hecho Interprete::Escribir(PlanListo& listo, const std::string& verbo) {
+Hecho Interprete::Escribir(PlanListo& listo, const std::string& verbo, const Marco& marco) {
     if (listo.plan.identidad_automatica || listo.plan.identidad_explicita) {
-        return Numerar(listo, verbo);
+        return Numerar(listo, verbo, marco);
     }
-    QUIMO_TRY_VOID(PasoDeEscritura(listo, verbo));
-    Contar(sesion_.Base().Cambios());
+    filas_por_partes_ = -1;
+    QUIMO_TRY_VOID(PasoDeEscritura(listo, verbo, marco));
+    Contar(filas_por_partes_ >= 0 ? filas_por_partes_ : sesion_.Base().Cambios());
     return {};
 }
 
 /// A write into a table with an identity column: the last number is read before and kept after.
-Hecho Interprete::Numerar(PlanListo& listo, const std::string& verbo) {
+Hecho Interprete::Numerar(PlanListo& listo, const std::string& verbo, const Marco& marco) {
     QUIMO_TRY(PuntoDeSentencia punto, PuntoDeSentencia::Abrir(sesion_));
     const tsql::TablaPtr tabla = listo.plan.tabla;
     ContextoFunciones& contexto = sesion_.Contexto();
     QUIMO_TRY(contexto.ultimo_numero, sesion_.Catalogo().UltimoNumero(*tabla));
     contexto.incremento = tabla->Identidad()->incremento;
     contexto.numero_usado = false;
-    QUIMO_TRY_VOID(PasoDeEscritura(listo, verbo));
+    QUIMO_TRY_VOID(PasoDeEscritura(listo, verbo, marco));
     const std::int64_t cambios = sesion_.Base().Cambios();
     if (contexto.numero_usado) {
         const Valor ultimo = Valor::De(contexto.ultimo_numero);
         const tsql::Tipo& tipo = tabla->Identidad()->tipo;
-        QUIMO_TRY(const Valor en_rango, Convertir(ultimo, tsql::TipoEntero(tsql::Clase::BigInt), tipo));
+        QUIMO_TRY(const Valor en_rango,
+                  Convertir(ultimo, tsql::TipoEntero(tsql::Clase::BigInt), tipo));
         QUIMO_TRY_VOID(sesion_.Catalogo().GuardarNumero(*tabla, contexto.ultimo_numero));
         sesion_.Estado().identidad = en_rango.Entero();
     }
@@ -250,7 +265,8 @@ Hecho Interprete::Numerar(PlanListo& listo, const std::string& verbo) {
     return {};
 }
 
-Hecho Interprete::HacerSelect(const tsql::Seleccionar& seleccionar, const void* clave, Marco& marco) {
+Hecho Interprete::HacerSelect(const tsql::Seleccionar& seleccionar, const void* clave,
+                              Marco& marco) {
     const auto& simple = seleccionar.consulta->simple;
     if (simple && simple->en) return HacerSelectInto(seleccionar, marco);
     QUIMO_TRY(PlanListo* const listo, Preparar(clave, marco, [&](const tsql::Entorno& e) {
@@ -265,7 +281,7 @@ Hecho Interprete::HacerInsert(const tsql::Insertar& insertar, Marco& marco) {
                   return TraducirInsertar(insertar, e);
               }));
     QUIMO_TRY_VOID(Ligar(*listo, marco));
-    return Escribir(*listo, "INSERT");
+    return Escribir(*listo, "INSERT", marco);
 }
 
 }  // namespace quimo::foundation::embebido

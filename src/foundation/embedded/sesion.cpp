@@ -21,8 +21,8 @@ ErrorSql SinTransaccion() {
 }
 
 bool MismoValor(const Valor& a, const Valor& b) {
-    return a.forma == b.forma && a.exacto == b.exacto && a.texto == b.texto &&
-           !(a.real < b.real) && !(b.real < a.real);
+    return a.forma == b.forma && a.exacto == b.exacto && a.texto == b.texto && !(a.real < b.real) &&
+           !(b.real < a.real);
 }
 
 }  // namespace
@@ -140,7 +140,8 @@ Resultado<std::shared_ptr<LoteListo>> Sesion::Leer(const std::string& texto,
                                                    const std::vector<tsql::Tipo>& tipos) {
     QUIMO_TRY(tsql::Lexico lexico, tsql::Analizar(texto));
     std::string clave = lexico.forma;
-    for (const tsql::Tipo& tipo : tipos) clave += '\2' + std::to_string(tsql::Empaquetar(tipo));
+    for (const tsql::Tipo& tipo : tipos)
+        clave += '\2' + std::to_string(tsql::Empaquetar(tipo));
     const auto [desde, hasta] = por_forma_.equal_range(clave);
     for (auto i = desde; i != hasta; ++i) {
         const auto recordado = i->second;
@@ -151,8 +152,7 @@ Resultado<std::shared_ptr<LoteListo>> Sesion::Leer(const std::string& texto,
         return recordado->lote;
     }
     auto listo = std::make_shared<LoteListo>();
-    QUIMO_TRY(listo->lote,
-              tsql::LeerLote(texto, std::move(lexico), tsql::Constantes::PorPosicion));
+    QUIMO_TRY(listo->lote, tsql::LeerLote(texto, std::move(lexico), tsql::Constantes::PorPosicion));
     listo->tipos_parametros = tipos;
     listo->en_uso = true;
     Recordar(clave, listo);
@@ -176,9 +176,7 @@ std::shared_ptr<LoteListo> Sesion::LoteDe(const tsql::ModuloPtr& modulo) {
     return otro;
 }
 
-std::int64_t Sesion::Ahora() const {
-    return tsql::RedondearFecha(AMilisegundos(reloj_.Ahora()));
-}
+std::int64_t Sesion::Ahora() const { return tsql::RedondearFecha(AMilisegundos(reloj_.Ahora())); }
 
 Valor Sesion::Global(const std::string& nombre) const {
     if (nombre == "@@ROWCOUNT" || nombre == "ROWCOUNT_BIG") return Valor::De(estado_.filas);
