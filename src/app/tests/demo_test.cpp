@@ -25,7 +25,7 @@ using namespace Qt::StringLiterals;
 using base::Dinero;
 
 // A short past, as long as the sequence of numbers is continued from it.
-constexpr int kDias = 3;
+constexpr int kDias = 2;
 
 /// The demonstration in a folder of its own, with what its user does to it.
 class DemoTest : public testing::Test {
