@@ -109,7 +109,8 @@ void AMotor(sqlite3_context* contexto, const Valor& valor) {
         sqlite3_result_int64(contexto, valor.Entero());
     } else {
         const std::string bytes = tsql::AnchoABytes(valor.exacto);
-        sqlite3_result_blob(contexto, bytes.data(), static_cast<int>(bytes.size()), SQLITE_TRANSIENT);
+        sqlite3_result_blob(contexto, bytes.data(), static_cast<int>(bytes.size()),
+                            SQLITE_TRANSIENT);
     }
 }
 
@@ -125,7 +126,8 @@ Hecho BaseSqlite::Abrir(const std::string& archivo, bool crear) {
     const int modo = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | (crear ? SQLITE_OPEN_CREATE : 0);
     const int codigo = sqlite3_open_v2(archivo.c_str(), &base_, modo, nullptr);
     if (codigo != SQLITE_OK) {
-        const std::string motivo = base_ != nullptr ? sqlite3_errmsg(base_) : sqlite3_errstr(codigo);
+        const std::string motivo =
+            base_ != nullptr ? sqlite3_errmsg(base_) : sqlite3_errstr(codigo);
         Cerrar();
         return NoAbre(archivo, motivo);
     }
@@ -147,8 +149,8 @@ Hecho BaseSqlite::Abrir(const std::string& archivo, bool crear) {
 Hecho BaseSqlite::Configurar() {
     // FULL: what COMMIT answered for is on the disk. The shared cache of pages is 64 MB.
     constexpr std::array kAjustes = {
-        "PRAGMA journal_mode=WAL",      "PRAGMA synchronous=FULL",   "PRAGMA foreign_keys=ON",
-        "PRAGMA temp_store=MEMORY",     "PRAGMA cache_size=-65536",  "PRAGMA mmap_size=1073741824",
+        "PRAGMA journal_mode=WAL",      "PRAGMA synchronous=FULL",  "PRAGMA foreign_keys=ON",
+        "PRAGMA temp_store=MEMORY",     "PRAGMA cache_size=-65536", "PRAGMA mmap_size=1073741824",
         "PRAGMA recursive_triggers=ON", "PRAGMA trusted_schema=ON",
     };
     for (const char* ajuste : kAjustes) {
@@ -159,9 +161,9 @@ Hecho BaseSqlite::Configurar() {
 
 Resultado<Preparada> BaseSqlite::Preparar(const std::string& sql, bool duradera) {
     sqlite3_stmt* sentencia = nullptr;
-    const int codigo = sqlite3_prepare_v3(base_, sql.c_str(), static_cast<int>(sql.size()) + 1,
-                                          duradera ? SQLITE_PREPARE_PERSISTENT : 0, &sentencia,
-                                          nullptr);
+    const int codigo =
+        sqlite3_prepare_v3(base_, sql.c_str(), static_cast<int>(sql.size()) + 1,
+                           duradera ? SQLITE_PREPARE_PERSISTENT : 0, &sentencia, nullptr);
     if (codigo != SQLITE_OK) return Fallo(codigo);
     return Preparada(sentencia);
 }
@@ -201,10 +203,10 @@ ErrorSql BaseSqlite::Fallo(int codigo) const {
         error.mensaje = "There is insufficient system memory to run this query.";
     } else if (primario == SQLITE_READONLY) {
         error.nativo = 3906;
-        error.mensaje = "Failed to update database \"" + archivo_ +
-                        "\" because the database is read-only.";
-    } else if (primario == SQLITE_CORRUPT || primario == SQLITE_NOTADB || primario == SQLITE_IOERR ||
-               primario == SQLITE_CANTOPEN) {
+        error.mensaje =
+            "Failed to update database \"" + archivo_ + "\" because the database is read-only.";
+    } else if (primario == SQLITE_CORRUPT || primario == SQLITE_NOTADB ||
+               primario == SQLITE_IOERR || primario == SQLITE_CANTOPEN) {
         error.nativo = 823;
         error.mensaje = "The operating system returned an error to the engine: " + mensaje + ".";
         error.severidad = 24;

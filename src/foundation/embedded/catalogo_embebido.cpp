@@ -117,7 +117,8 @@ void AgregarRestriccion(Tabla& tabla, const Preparada& fila) {
 }  // namespace
 
 Hecho CatalogoEmbebido::Abrir() {
-    QUIMO_TRY(Preparada hay, base_.Preparar("SELECT count(*) FROM sqlite_schema WHERE name='_quimo_version'"));
+    QUIMO_TRY(Preparada hay,
+              base_.Preparar("SELECT count(*) FROM sqlite_schema WHERE name='_quimo_version'"));
     if (const int codigo = hay.Paso(); codigo != SQLITE_ROW) return base_.Fallo(codigo);
     if (hay.Entero(0) == 0) {
         QUIMO_TRY(Preparada otras, base_.Preparar("SELECT count(*) FROM sqlite_schema"));
@@ -207,7 +208,8 @@ Hecho CatalogoEmbebido::CargarRestricciones(std::map<std::int64_t, Tabla>& tabla
               base_.Preparar("SELECT tabla,nombre,clase,columnas,referida,columnas_referidas,"
                              "al_borrar,al_cambiar,texto FROM _quimo_restricciones ORDER BY "
                              "tabla,orden"));
-    while (filas.Paso() == SQLITE_ROW) AgregarRestriccion(tablas[filas.Entero(0)], filas);
+    while (filas.Paso() == SQLITE_ROW)
+        AgregarRestriccion(tablas[filas.Entero(0)], filas);
     return {};
 }
 
@@ -216,7 +218,8 @@ Hecho CatalogoEmbebido::CargarModulos() {
     ++version_modulos_;
     QUIMO_TRY(Preparada filas, base_.Preparar("SELECT clave,texto FROM _quimo_modulos"));
     while (filas.Paso() == SQLITE_ROW) {
-        QUIMO_TRY(const tsql::Lote lote, tsql::LeerLote(filas.Texto(1), tsql::Constantes::EnElArbol));
+        QUIMO_TRY(const tsql::Lote lote,
+                  tsql::LeerLote(filas.Texto(1), tsql::Constantes::EnElArbol));
         const auto* modulo = std::get_if<tsql::CrearModulo>(&lote.sentencias.at(0)->que);
         QUIMO_CHECK(modulo != nullptr);
         foto_.modulos[filas.Texto(0)] = std::make_shared<const tsql::CrearModulo>(*modulo);
@@ -310,9 +313,9 @@ Hecho CatalogoEmbebido::Guardar(const Tabla& tabla) {
         filas.Ligar(1, tabla.id);
         filas.Ligar(2, orden++);
         int lugar = 3;
-        for (const std::string* texto : {&fila.nombre, &fila.clase, &fila.columnas, &fila.referida,
-                                         &fila.columnas_referidas, &fila.al_borrar,
-                                         &fila.al_cambiar, &fila.texto}) {
+        for (const std::string* texto :
+             {&fila.nombre, &fila.clase, &fila.columnas, &fila.referida, &fila.columnas_referidas,
+              &fila.al_borrar, &fila.al_cambiar, &fila.texto}) {
             filas.Ligar(lugar++, *texto);
         }
         if (const int codigo = filas.Paso(); codigo != SQLITE_DONE) return base_.Fallo(codigo);

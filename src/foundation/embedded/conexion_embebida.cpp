@@ -47,7 +47,8 @@ public:
         for (const QVariant& parametro : parametros) {
             auto valor = embebido::DeVariante(parametro);
             if (!valor) {
-                respuesta.fallo = AFallo(tsql::CrearError(257, parametro.typeName(), "sql_variant"));
+                respuesta.fallo =
+                    AFallo(tsql::CrearError(257, parametro.typeName(), "sql_variant"));
                 return respuesta;
             }
             tipos.push_back(valor->tipo);
@@ -89,7 +90,8 @@ public:
             if (columna.identidad) definicion.identidad = QString::fromStdString(columna.nombre);
         }
         if (const tsql::Indice* primaria = tabla->Primaria()) {
-            for (const int cual : primaria->columnas) definicion.clave.append(definicion.columnas[cual].nombre);
+            for (const int cual : primaria->columnas)
+                definicion.clave.append(definicion.columnas[cual].nombre);
         }
         return definicion;
     }

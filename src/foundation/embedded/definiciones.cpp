@@ -31,11 +31,13 @@ std::string Definiciones::NombreLibre(const Tabla& tabla, const std::string& pre
                            [&](const Indice& i) { return MismoNombre(i.nombre, nombre); }) ||
                std::any_of(tabla.foraneas.begin(), tabla.foraneas.end(),
                            [&](const tsql::Foranea& f) { return MismoNombre(f.nombre, nombre); }) ||
-               std::any_of(tabla.comprobaciones.begin(), tabla.comprobaciones.end(),
-                           [&](const tsql::Comprobacion& c) { return MismoNombre(c.nombre, nombre); });
+               std::any_of(
+                   tabla.comprobaciones.begin(), tabla.comprobaciones.end(),
+                   [&](const tsql::Comprobacion& c) { return MismoNombre(c.nombre, nombre); });
     };
     std::string nombre = prefijo;
-    for (int i = 2; usado(nombre); ++i) nombre = prefijo + "_" + std::to_string(i);
+    for (int i = 2; usado(nombre); ++i)
+        nombre = prefijo + "_" + std::to_string(i);
     return nombre;
 }
 
@@ -45,9 +47,10 @@ Hecho Definiciones::AgregarColumna(Tabla& tabla, const tsql::ColumnaDef& def) co
     if (def.identidad && (def.tipo.escala != 0 || !def.tipo.EsExacto() || def.tipo.EsMoneda())) {
         ErrorSql error = CrearError(2744, tabla.nombre);
         error.nativo = 2749;
-        error.mensaje = "Identity column '" + def.nombre +
-                        "' must be of data type int, bigint, smallint, tinyint, or decimal or numeric "
-                        "with a scale of 0, unencrypted, and constrained to be nonnullable.";
+        error.mensaje =
+            "Identity column '" + def.nombre +
+            "' must be of data type int, bigint, smallint, tinyint, or decimal or numeric "
+            "with a scale of 0, unencrypted, and constrained to be nonnullable.";
         return error;
     }
     tsql::ColumnaTabla columna;
@@ -70,7 +73,8 @@ Hecho Definiciones::Calcular(Tabla& tabla) const {
         QUIMO_TRY(const tsql::ExpresionDeTabla expr,
                   TraducirDeTabla(columna.calculada, tabla, Entorno()));
         columna.tipo = expr.tipo;
-        if (columna.tipo.clase == tsql::Clase::Nulo) columna.tipo = tsql::TipoEntero(tsql::Clase::Int);
+        if (columna.tipo.clase == tsql::Clase::Nulo)
+            columna.tipo = tsql::TipoEntero(tsql::Clase::Int);
         columna.admite_nulos = columna.admite_nulos && expr.admite_nulos;
     }
     return {};
@@ -115,7 +119,8 @@ Hecho Definiciones::AgregarClave(Tabla& tabla, const RestriccionDef& def) const 
     indice.clase = primaria ? Indice::Clase::Primaria : Indice::Clase::Unica;
     for (const std::string& nombre : def.columnas) {
         const int cual = tabla.Columna(nombre);
-        if (std::find(indice.columnas.begin(), indice.columnas.end(), cual) != indice.columnas.end()) {
+        if (std::find(indice.columnas.begin(), indice.columnas.end(), cual) !=
+            indice.columnas.end()) {
             return CrearError(2705, nombre, tabla.nombre);
         }
         indice.columnas.push_back(cual);
@@ -131,10 +136,12 @@ Hecho Definiciones::AgregarForanea(Tabla& tabla, const RestriccionDef& def) cons
     foranea.columnas = def.columnas;
     const bool misma = MismoNombre(def.referencia.tabla.objeto, tabla.nombre);
     const auto hallada = misma ? nullptr : sesion_.Catalogo().BuscarTabla(def.referencia.tabla);
-    foranea.nombre = def.nombre.empty()
-                         ? NombreLibre(tabla, "FK_" + tabla.nombre + "_" + def.referencia.tabla.objeto)
-                         : def.nombre;
-    if (!misma && !hallada) return CrearError(1767, foranea.nombre, def.referencia.tabla.Completo());
+    foranea.nombre =
+        def.nombre.empty()
+            ? NombreLibre(tabla, "FK_" + tabla.nombre + "_" + def.referencia.tabla.objeto)
+            : def.nombre;
+    if (!misma && !hallada)
+        return CrearError(1767, foranea.nombre, def.referencia.tabla.Completo());
     const Tabla& madre = misma ? tabla : *hallada;
     foranea.tabla = madre.nombre;
     foranea.al_borrar = def.referencia.al_borrar;
@@ -144,13 +151,16 @@ Hecho Definiciones::AgregarForanea(Tabla& tabla, const RestriccionDef& def) cons
         if (madre.Primaria() != nullptr) referidas = madre.Primaria()->columnas;
     }
     for (const std::string& nombre : def.referencia.columnas) {
-        if (madre.Columna(nombre) < 0) return CrearError(1770, foranea.nombre, nombre, madre.nombre);
+        if (madre.Columna(nombre) < 0)
+            return CrearError(1770, foranea.nombre, nombre, madre.nombre);
         referidas.push_back(madre.Columna(nombre));
     }
-    const bool hay_clave = std::any_of(madre.indices.begin(), madre.indices.end(), [&](const Indice& i) {
-        return i.clase != Indice::Clase::Indice && std::is_permutation(i.columnas.begin(), i.columnas.end(),
-                                                                      referidas.begin(), referidas.end());
-    });
+    const bool hay_clave =
+        std::any_of(madre.indices.begin(), madre.indices.end(), [&](const Indice& i) {
+            return i.clase != Indice::Clase::Indice &&
+                   std::is_permutation(i.columnas.begin(), i.columnas.end(), referidas.begin(),
+                                       referidas.end());
+        });
     if (!hay_clave || referidas.size() != foranea.columnas.size()) {
         return CrearError(1776, madre.nombre, foranea.nombre);
     }
@@ -188,7 +198,8 @@ Hecho Definiciones::Crear(const tsql::CrearTabla& crear, bool local) {
     tabla.nombre = crear.tabla.objeto;
     tabla.temporal = local || crear.tabla.EsTemporal();
     tabla.id = sesion_.Catalogo().NuevoId();
-    if (sesion_.Catalogo().BuscarTabla(crear.tabla) || sesion_.Catalogo().BuscarModulo(crear.tabla)) {
+    if (sesion_.Catalogo().BuscarTabla(crear.tabla) ||
+        sesion_.Catalogo().BuscarModulo(crear.tabla)) {
         return CrearError(2714, tabla.nombre);
     }
     const bool reservado = tsql::AMinusculas(tabla.nombre).starts_with("_quimo_") ||
@@ -252,7 +263,8 @@ Hecho Definiciones::Crear(const tsql::CrearModulo& crear) {
         tsql::Consulta prueba;
         prueba.simple.emplace();
         tsql::Expr todas{tsql::ClaseExpr::Asterisco};
-        prueba.simple->items.push_back({std::make_shared<const tsql::Expr>(std::move(todas)), {}, {}});
+        prueba.simple->items.push_back(
+            {std::make_shared<const tsql::Expr>(std::move(todas)), {}, {}});
         prueba.simple->fuentes.push_back(std::make_shared<const tsql::Fuente>(std::move(fuente)));
         QUIMO_TRY(const tsql::Plan plan, TraducirConsulta(prueba, Entorno()));
         QUIMO_TRY(const Preparada comprobada, sesion_.Base().Preparar(plan.sql));
@@ -269,7 +281,8 @@ Hecho Definiciones::Truncar(const tsql::NombreObjeto& nombre) {
     QUIMO_TRY(PuntoDeSentencia punto, PuntoDeSentencia::Abrir(sesion_));
     QUIMO_TRY_VOID(sesion_.Base().Correr("DELETE FROM " + tabla->sql));
     if (const auto* identidad = tabla->Identidad()) {
-        QUIMO_TRY_VOID(sesion_.Catalogo().GuardarNumero(*tabla, identidad->semilla - identidad->incremento));
+        QUIMO_TRY_VOID(
+            sesion_.Catalogo().GuardarNumero(*tabla, identidad->semilla - identidad->incremento));
     }
     return punto.Confirmar();
 }

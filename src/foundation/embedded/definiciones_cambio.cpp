@@ -113,14 +113,16 @@ Hecho Definiciones::AgregarColumnas(const Tabla& vieja, const CambiarTabla& camb
             const tsql::Entorno entorno = Entorno();
             QUIMO_TRY(const tsql::Plan plan, TraducirValor(*expr, entorno));
             QUIMO_TRY(Preparada valor,
-                      sesion_.Base().Preparar("SELECT quote(q_cv((" + plan.sql + ")," +
-                                              std::to_string(tsql::Empaquetar(plan.columnas[0].tipo)) +
-                                              "," + std::to_string(tsql::Empaquetar(columna.tipo)) + ",0))"));
+                      sesion_.Base().Preparar(
+                          "SELECT quote(q_cv((" + plan.sql + ")," +
+                          std::to_string(tsql::Empaquetar(plan.columnas[0].tipo)) + "," +
+                          std::to_string(tsql::Empaquetar(columna.tipo)) + ",0))"));
             int lugar = 0;
             for (const tsql::Ranura& ranura : plan.ranuras) {
                 valor.Ligar(++lugar, sesion_.Global(ranura.nombre));
             }
-            if (valor.Paso() != SQLITE_ROW) return sesion_.Base().Fallo(sesion_.Base().CodigoExtendido());
+            if (valor.Paso() != SQLITE_ROW)
+                return sesion_.Base().Fallo(sesion_.Base().CodigoExtendido());
             sql += " DEFAULT " + valor.Texto(0);
         }
         QUIMO_TRY_VOID(sesion_.Base().Correr("ALTER TABLE " + vieja.sql + " ADD COLUMN " + sql));
@@ -138,7 +140,8 @@ Hecho Definiciones::CambiarColumna(const Tabla& vieja, const CambiarTabla& cambi
     if (cual < 0) return CrearError(4924, "ALTER COLUMN", def.nombre, vieja.nombre);
     Tabla nueva = vieja;
     auto& columna = nueva.columnas[static_cast<std::size_t>(cual)];
-    if (!columna.calculada.empty()) return CrearError(4922, "ALTER TABLE ALTER COLUMN " + def.nombre);
+    if (!columna.calculada.empty())
+        return CrearError(4922, "ALTER TABLE ALTER COLUMN " + def.nombre);
     columna.tipo = def.tipo;
     columna.admite_nulos = def.admite_nulos.value_or(true);
     if (vieja.Primaria() != nullptr) {
@@ -180,12 +183,17 @@ Hecho Definiciones::QuitarRestricciones(const Tabla& vieja, const CambiarTabla& 
     bool solo_defectos = true;
     for (const std::string& nombre : cambiar.nombres) {
         const auto es = [&](const auto& cosa) { return MismoNombre(cosa.nombre, nombre); };
-        const auto quitadas = std::erase_if(nueva.indices, [&](const Indice& i) {
-            return es(i) && (i.clase == Indice::Clase::Primaria || i.clase == Indice::Clase::Unica);
-        }) + std::erase_if(nueva.foraneas, es) + std::erase_if(nueva.comprobaciones, es);
+        const auto quitadas =
+            std::erase_if(nueva.indices,
+                          [&](const Indice& i) {
+                              return es(i) && (i.clase == Indice::Clase::Primaria ||
+                                               i.clase == Indice::Clase::Unica);
+                          }) +
+            std::erase_if(nueva.foraneas, es) + std::erase_if(nueva.comprobaciones, es);
         bool defecto = false;
         for (tsql::ColumnaTabla& columna : nueva.columnas) {
-            if (columna.nombre_defecto.empty() || !MismoNombre(columna.nombre_defecto, nombre)) continue;
+            if (columna.nombre_defecto.empty() || !MismoNombre(columna.nombre_defecto, nombre))
+                continue;
             columna.defecto.clear();
             columna.nombre_defecto.clear();
             defecto = true;

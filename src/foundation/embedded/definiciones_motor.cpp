@@ -24,7 +24,8 @@ std::string Afinidad(const tsql::Tipo& tipo) {
 
 std::string Lista(const std::vector<std::string>& nombres) {
     std::string lista;
-    for (const std::string& nombre : nombres) lista += (lista.empty() ? "" : ",") + EntreComillas(nombre);
+    for (const std::string& nombre : nombres)
+        lista += (lista.empty() ? "" : ",") + EntreComillas(nombre);
     return lista;
 }
 
@@ -54,8 +55,9 @@ std::vector<std::string> SqlDeIndice(const Tabla& tabla, const Indice& indice) {
         columnas += (columnas.empty() ? "" : ",") + ColumnaDeIndice(tabla, c);
         if (tabla.columnas[static_cast<std::size_t>(c)].admite_nulos) nulas.push_back(c);
     }
-    std::vector<std::string> sentencias = {std::string("CREATE ") + (unico ? "UNIQUE " : "") + "INDEX " +
-                                           NombreInterno(tabla, indice, "") + sobre + columnas + ")"};
+    std::vector<std::string> sentencias = {std::string("CREATE ") + (unico ? "UNIQUE " : "") +
+                                           "INDEX " + NombreInterno(tabla, indice, "") + sobre +
+                                           columnas + ")"};
     if (EsFechaDeOcho(tabla, indice)) {
         const auto& c = tabla.columnas[static_cast<std::size_t>(indice.columnas[0])];
         sentencias.push_back("CREATE INDEX " + NombreInterno(tabla, indice, "$fecha") + sobre +
@@ -69,7 +71,8 @@ std::vector<std::string> SqlDeIndice(const Tabla& tabla, const Indice& indice) {
             const auto lugar = std::find(nulas.begin(), nulas.end(), c) - nulas.begin();
             const bool es_nula = lugar < static_cast<std::ptrdiff_t>(nulas.size()) &&
                                  (cuales >> static_cast<std::size_t>(lugar) & 1U) != 0;
-            const std::string nombre = EntreComillas(tabla.columnas[static_cast<std::size_t>(c)].nombre);
+            const std::string nombre =
+                EntreComillas(tabla.columnas[static_cast<std::size_t>(c)].nombre);
             if (es_nula) {
                 donde += (donde.empty() ? "" : " AND ") + nombre + " IS NULL";
             } else {
@@ -78,8 +81,8 @@ std::vector<std::string> SqlDeIndice(const Tabla& tabla, const Indice& indice) {
         }
         if (resto.empty()) resto = "(" + donde + ")";
         sentencias.push_back("CREATE UNIQUE INDEX " +
-                             NombreInterno(tabla, indice, "$nulos" + std::to_string(cuales)) + sobre +
-                             resto + ") WHERE " + donde);
+                             NombreInterno(tabla, indice, "$nulos" + std::to_string(cuales)) +
+                             sobre + resto + ") WHERE " + donde);
     }
     return sentencias;
 }
@@ -109,7 +112,8 @@ Resultado<std::string> Definiciones::SqlDe(const Tabla& tabla, const std::string
     }
     for (const tsql::Foranea& f : tabla.foraneas) {
         cuerpo += ",CONSTRAINT " + EntreComillas(f.nombre) + " FOREIGN KEY(" + Lista(f.columnas) +
-                  ") REFERENCES " + EntreComillas(f.tabla) + "(" + Lista(f.columnas_referidas) + ")";
+                  ") REFERENCES " + EntreComillas(f.tabla) + "(" + Lista(f.columnas_referidas) +
+                  ")";
         if (!f.al_borrar.empty()) cuerpo += " ON DELETE " + f.al_borrar;
         if (!f.al_cambiar.empty()) cuerpo += " ON UPDATE " + f.al_cambiar;
     }
@@ -160,14 +164,17 @@ Hecho Definiciones::AsegurarClaves(const Tabla& tabla) {
         nombre.objeto = f.tabla;
         const auto hallada = sesion_.Catalogo().BuscarTabla(nombre);
         const Tabla& madre = hallada ? *hallada : tabla;
-        const bool textos = std::any_of(
-            f.columnas_referidas.begin(), f.columnas_referidas.end(), [&](const std::string& columna) {
-                return madre.columnas[static_cast<std::size_t>(madre.Columna(columna))].tipo.EsTexto();
-            });
+        const bool textos =
+            std::any_of(f.columnas_referidas.begin(), f.columnas_referidas.end(),
+                        [&](const std::string& columna) {
+                            return madre.columnas[static_cast<std::size_t>(madre.Columna(columna))]
+                                .tipo.EsTexto();
+                        });
         if (!textos) continue;
-        const std::string interno = EntreComillas(madre.nombre + "$bytes$" + f.columnas_referidas[0]);
-        QUIMO_TRY_VOID(sesion_.Base().Correr("CREATE UNIQUE INDEX IF NOT EXISTS " + interno + " ON " +
-                                             EntreComillas(madre.nombre) + "(" +
+        const std::string interno =
+            EntreComillas(madre.nombre + "$bytes$" + f.columnas_referidas[0]);
+        QUIMO_TRY_VOID(sesion_.Base().Correr("CREATE UNIQUE INDEX IF NOT EXISTS " + interno +
+                                             " ON " + EntreComillas(madre.nombre) + "(" +
                                              Lista(f.columnas_referidas) + ")"));
     }
     return {};
@@ -201,7 +208,8 @@ Hecho Definiciones::Rehacer(const Tabla& vieja, const Tabla& nueva) {
             const int antes = vieja.Columna(columna.nombre);
             if (antes < 0 || !columna.calculada.empty()) continue;
             const tsql::Tipo& tipo = vieja.columnas[static_cast<std::size_t>(antes)].tipo;
-            std::string valor = EntreComillas(vieja.columnas[static_cast<std::size_t>(antes)].nombre);
+            std::string valor =
+                EntreComillas(vieja.columnas[static_cast<std::size_t>(antes)].nombre);
             if (!(tipo == columna.tipo)) {
                 constexpr int kAColumna = 1 << 16;
                 valor = "q_cv(" + valor + "," + std::to_string(tsql::Empaquetar(tipo)) + "," +
@@ -219,17 +227,21 @@ Hecho Definiciones::Rehacer(const Tabla& vieja, const Tabla& nueva) {
             sesion_.Contexto().error.reset();
             return error;
         }
-        QUIMO_TRY_VOID(sesion_.Base().Correr("DROP TABLE " + vieja.sql + ";ALTER TABLE " + interina +
-                                             " RENAME TO " + EntreComillas(nueva.nombre)));
+        QUIMO_TRY_VOID(sesion_.Base().Correr("DROP TABLE " + vieja.sql + ";ALTER TABLE " +
+                                             interina + " RENAME TO " +
+                                             EntreComillas(nueva.nombre)));
         QUIMO_TRY_VOID(CrearIndices(nueva));
         QUIMO_TRY_VOID(AsegurarClaves(nueva));
-        QUIMO_TRY(Preparada rotas, sesion_.Base().Preparar("PRAGMA foreign_key_check(" + nueva.sql + ")"));
+        QUIMO_TRY(Preparada rotas,
+                  sesion_.Base().Preparar("PRAGMA foreign_key_check(" + nueva.sql + ")"));
         if (rotas.Paso() == SQLITE_ROW) {
             ErrorSql error = tsql::CrearError(1750);
             error.nativo = 547;
             error.sqlstate = "23000";
-            error.mensaje = "The ALTER TABLE statement conflicted with the FOREIGN KEY constraint of "
-                            "table \"dbo." + nueva.nombre + "\".";
+            error.mensaje =
+                "The ALTER TABLE statement conflicted with the FOREIGN KEY constraint of "
+                "table \"dbo." +
+                nueva.nombre + "\".";
             return error;
         }
         rotas.Reiniciar();

@@ -76,7 +76,8 @@ ErrorSql ErrorDeRestriccion::Repetida(const std::string& mensaje) const {
         const bool suyo = interno.empty() ? EsDe(indice, *tabla_, columnas)
                                           : interno.starts_with(prefijo + "$") ||
                                                 interno.starts_with(prefijo + "'");
-        if (suyo && (cual == nullptr || indice.columnas.size() < cual->columnas.size())) cual = &indice;
+        if (suyo && (cual == nullptr || indice.columnas.size() < cual->columnas.size()))
+            cual = &indice;
     }
     const std::string objeto = "dbo." + tabla_->nombre;
     if (cual == nullptr) return tsql::CrearError(2627, "UNIQUE KEY", lista, objeto);
@@ -119,7 +120,8 @@ bool ErrorDeRestriccion::Viola(const Tabla& hija, const Foranea& foranea, const 
     std::string completas;
     for (std::size_t i = 0; i < foranea.columnas.size(); ++i) {
         const std::string columna = "h." + EntreComillas(foranea.columnas[i]);
-        sql += (i > 0 ? " AND m." : "m.") + EntreComillas(foranea.columnas_referidas[i]) + "=" + columna;
+        sql += (i > 0 ? " AND m." : "m.") + EntreComillas(foranea.columnas_referidas[i]) + "=" +
+               columna;
         completas += " AND " + columna + " IS NOT NULL";
     }
     auto consulta = sesion_.Base().Preparar(sql + ")" + completas + " LIMIT 1");
@@ -144,8 +146,9 @@ ErrorSql ErrorDeRestriccion::Referencia(const std::function<int()>& repetir) {
             encontrada = true;
             hallado = Texto547("FOREIGN KEY", foranea.nombre, madre->second->nombre,
                                foranea.columnas_referidas);
-            if (madre->second == tabla_) hallado = Texto547("FOREIGN KEY SAME TABLE", foranea.nombre,
-                                                            tabla_->nombre, foranea.columnas_referidas);
+            if (madre->second == tabla_)
+                hallado = Texto547("FOREIGN KEY SAME TABLE", foranea.nombre, tabla_->nombre,
+                                   foranea.columnas_referidas);
         }
         for (const auto& [nombre, hija] : tablas) {
             for (const Foranea& foranea : hija->foraneas) {
@@ -157,9 +160,10 @@ ErrorSql ErrorDeRestriccion::Referencia(const std::function<int()>& repetir) {
             }
         }
     }
-    const bool deshecho =
-        base.Correr(propia ? "ROLLBACK" : "ROLLBACK TO q_examen;RELEASE q_examen;"
-                                          "PRAGMA defer_foreign_keys=OFF").has_value();
+    const bool deshecho = base.Correr(propia ? "ROLLBACK"
+                                             : "ROLLBACK TO q_examen;RELEASE q_examen;"
+                                               "PRAGMA defer_foreign_keys=OFF")
+                              .has_value();
     QUIMO_CHECK(deshecho);
     return hallado;
 }

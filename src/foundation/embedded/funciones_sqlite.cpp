@@ -210,8 +210,8 @@ int CompararTextos(void* /*nada*/, int largo_a, const void* a, int largo_b, cons
 Hecho RegistrarEscalares(BaseSqlite& base, ContextoFunciones& contexto,
                          std::span<const FuncionEscalar> funciones) {
     for (const FuncionEscalar& funcion : funciones) {
-        const int marcas = SQLITE_UTF8 | SQLITE_INNOCUOUS |
-                           (funcion.determinista ? SQLITE_DETERMINISTIC : 0);
+        const int marcas =
+            SQLITE_UTF8 | SQLITE_INNOCUOUS | (funcion.determinista ? SQLITE_DETERMINISTIC : 0);
         const int codigo = sqlite3_create_function_v2(
             base.get(), std::string(funcion.nombre).c_str(), funcion.argumentos, marcas,
             new Registro{&funcion, &contexto}, LlamarEscalar, nullptr, nullptr,
@@ -253,9 +253,9 @@ Hecho RegistrarFunciones(BaseSqlite& base, ContextoFunciones& contexto) {
     QUIMO_TRY_VOID(RegistrarEscalares(base, contexto, tsql::FuncionesDeNumero()));
     QUIMO_TRY_VOID(RegistrarEscalares(base, contexto, tsql::FuncionesDeFecha()));
     for (const DeConexion& funcion : kDeConexion) {
-        const int codigo =
-            sqlite3_create_function_v2(base.get(), funcion.nombre, funcion.argumentos, SQLITE_UTF8,
-                                       &contexto, funcion.llamar, funcion.paso, funcion.fin, nullptr);
+        const int codigo = sqlite3_create_function_v2(
+            base.get(), funcion.nombre, funcion.argumentos, SQLITE_UTF8, &contexto, funcion.llamar,
+            funcion.paso, funcion.fin, nullptr);
         if (codigo != SQLITE_OK) return base.Fallo(codigo);
     }
     const int codigo = sqlite3_create_collation_v2(base.get(), "QUIMO", SQLITE_UTF8, nullptr,

@@ -12,12 +12,15 @@ namespace {
 /// Whether a text defines something that its later statements may stand on.
 bool Define(const std::vector<tsql::SentenciaPtr>& sentencias) {
     return std::any_of(sentencias.begin(), sentencias.end(), [](const tsql::SentenciaPtr& s) {
-        if (const auto* bloque = std::get_if<tsql::Bloque>(&s->que)) return Define(bloque->sentencias);
+        if (const auto* bloque = std::get_if<tsql::Bloque>(&s->que))
+            return Define(bloque->sentencias);
         if (const auto* si = std::get_if<tsql::Si>(&s->que)) {
             return Define({si->entonces}) || (si->sino && Define({si->sino}));
         }
-        if (const auto* mientras = std::get_if<tsql::Mientras>(&s->que)) return Define({mientras->cuerpo});
-        if (const auto* declarar = std::get_if<tsql::Declarar>(&s->que)) return declarar->tabla != nullptr;
+        if (const auto* mientras = std::get_if<tsql::Mientras>(&s->que))
+            return Define({mientras->cuerpo});
+        if (const auto* declarar = std::get_if<tsql::Declarar>(&s->que))
+            return declarar->tabla != nullptr;
         if (const auto* seleccionar = std::get_if<tsql::Seleccionar>(&s->que)) {
             return seleccionar->consulta->simple && seleccionar->consulta->simple->en.has_value();
         }
@@ -98,12 +101,15 @@ Hecho Interprete::ComprobarUna(const tsql::Sentencia& s, Marco& marco) {
         }
     };
     if (const auto* declarar = std::get_if<tsql::Declarar>(&s.que)) {
-        for (const tsql::Variable& v : declarar->variables) marco.variables[v.nombre].tipo = v.tipo;
+        for (const tsql::Variable& v : declarar->variables)
+            marco.variables[v.nombre].tipo = v.tipo;
     } else if (const auto* seleccionar = std::get_if<tsql::Seleccionar>(&s.que)) {
-        probar(&s, [&](const tsql::Entorno& e) { return TraducirConsulta(*seleccionar->consulta, e); });
+        probar(&s,
+               [&](const tsql::Entorno& e) { return TraducirConsulta(*seleccionar->consulta, e); });
     } else if (const auto* insertar = std::get_if<tsql::Insertar>(&s.que)) {
         if (!insertar->ejecutar) {
-            probar(insertar, [&](const tsql::Entorno& e) { return TraducirInsertar(*insertar, e); });
+            probar(insertar,
+                   [&](const tsql::Entorno& e) { return TraducirInsertar(*insertar, e); });
         }
     } else if (const auto* actualizar = std::get_if<tsql::Actualizar>(&s.que)) {
         probar(&s, [&](const tsql::Entorno& e) { return TraducirActualizar(*actualizar, e); });
@@ -156,13 +162,16 @@ Flujo Interprete::Una(const tsql::Sentencia& sentencia, Marco& marco) {
 }
 
 Resultado<Flujo> Interprete::Hacer(const tsql::Sentencia& s, Marco& marco) {
-    if (const auto* bloque = std::get_if<tsql::Bloque>(&s.que)) return Lista(bloque->sentencias, marco);
+    if (const auto* bloque = std::get_if<tsql::Bloque>(&s.que))
+        return Lista(bloque->sentencias, marco);
     if (const auto* si = std::get_if<tsql::Si>(&s.que)) return HacerSi(*si, marco);
-    if (const auto* mientras = std::get_if<tsql::Mientras>(&s.que)) return HacerMientras(*mientras, marco);
+    if (const auto* mientras = std::get_if<tsql::Mientras>(&s.que))
+        return HacerMientras(*mientras, marco);
     if (const auto* salto = std::get_if<tsql::Salto>(&s.que)) {
         return salto->continuar ? Flujo::Continua : Flujo::Rompe;
     }
-    if (const auto* regresar = std::get_if<tsql::Regresar>(&s.que)) return HacerRegresar(*regresar, marco);
+    if (const auto* regresar = std::get_if<tsql::Regresar>(&s.que))
+        return HacerRegresar(*regresar, marco);
     if (const auto* ejecutar = std::get_if<tsql::Ejecutar>(&s.que)) {
         return ejecutar->texto ? HacerTexto(*ejecutar, marco) : HacerExec(*ejecutar, marco);
     }
@@ -170,7 +179,8 @@ Resultado<Flujo> Interprete::Hacer(const tsql::Sentencia& s, Marco& marco) {
     if (const auto* seleccionar = std::get_if<tsql::Seleccionar>(&s.que)) {
         hecho = HacerSelect(*seleccionar, &s, marco);
     } else if (const auto* insertar = std::get_if<tsql::Insertar>(&s.que)) {
-        hecho = insertar->ejecutar ? HacerInsertExec(*insertar, marco) : HacerInsert(*insertar, marco);
+        hecho =
+            insertar->ejecutar ? HacerInsertExec(*insertar, marco) : HacerInsert(*insertar, marco);
     } else if (const auto* actualizar = std::get_if<tsql::Actualizar>(&s.que)) {
         QUIMO_TRY(PlanListo* const plan, Preparar(&s, marco, [&](const tsql::Entorno& e) {
                       return TraducirActualizar(*actualizar, e);
@@ -277,7 +287,8 @@ Hecho Interprete::HacerOpcion(const tsql::Opcion& opcion) {
         if (!tsql::MismoNombre(opcion.valor, sesion_.NombreBase())) {
             return tsql::CrearError(911, opcion.valor);
         }
-    } else if (!es("TRANSACTION") && !es("LOCK_TIMEOUT") && !es("ARITHABORT") && !es("ANSI_DEFAULTS")) {
+    } else if (!es("TRANSACTION") && !es("LOCK_TIMEOUT") && !es("ARITHABORT") &&
+               !es("ANSI_DEFAULTS")) {
         // What the engine always does; switching it off would change meanings.
         const bool conocida = es("ANSI_NULLS") || es("QUOTED_IDENTIFIER") || es("ANSI_WARNINGS") ||
                               es("ANSI_PADDING") || es("CONCAT_NULL_YIELDS_NULL") ||
@@ -292,8 +303,8 @@ Hecho Interprete::HacerOpcion(const tsql::Opcion& opcion) {
 
 Hecho Interprete::HacerImprimir(const tsql::Imprimir& imprimir, Marco& marco) {
     QUIMO_TRY(const ValorConTipo valor, Evaluar(*imprimir.expr, marco));
-    QUIMO_TRY(const Valor texto, Convertir(valor.valor, valor.tipo,
-                                           tsql::TipoTexto(tsql::Clase::NVarChar, -1)));
+    QUIMO_TRY(const Valor texto,
+              Convertir(valor.valor, valor.tipo, tsql::TipoTexto(tsql::Clase::NVarChar, -1)));
     ErrorSql mensaje;
     mensaje.severidad = 0;
     mensaje.sqlstate = "01000";
@@ -330,7 +341,8 @@ Hecho Interprete::HacerLanzar(const tsql::LanzarError& lanzar, Marco& marco) {
         if (marca && plantilla[i + 1] == '%') {
             error.mensaje.push_back('%');
             ++i;
-        } else if (marca && std::string_view("sdiuxXo").find(plantilla[i + 1]) != std::string_view::npos &&
+        } else if (marca &&
+                   std::string_view("sdiuxXo").find(plantilla[i + 1]) != std::string_view::npos &&
                    siguiente < argumentos.size()) {
             const ValorConTipo& valor = argumentos[siguiente++];
             QUIMO_TRY(const Valor texto, Convertir(valor.valor, valor.tipo,

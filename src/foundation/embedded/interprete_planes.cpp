@@ -146,7 +146,8 @@ Hecho Interprete::Leer(PlanListo& listo, Marco& marco) {
     const auto& columnas = listo.plan.columnas;
     ConjuntoInterno interno;
     Conjunto conjunto;
-    for (const tsql::ColumnaSalida& columna : columnas) conjunto.columnas.append(AColumna(columna));
+    for (const tsql::ColumnaSalida& columna : columnas)
+        conjunto.columnas.append(AColumna(columna));
     int codigo = SQLITE_ROW;
     std::int64_t filas = 0;
     for (codigo = listo.sentencia.Paso(); codigo == SQLITE_ROW; codigo = listo.sentencia.Paso()) {
@@ -190,7 +191,8 @@ Hecho Interprete::LeerVariables(PlanListo& listo, Marco& marco) {
         ++filas;
         for (std::size_t i = 0; i < listo.plan.variables.size(); ++i) {
             const auto variable = marco.variables.find(listo.plan.variables[i]);
-            if (variable == marco.variables.end()) return tsql::CrearError(137, listo.plan.variables[i]);
+            if (variable == marco.variables.end())
+                return tsql::CrearError(137, listo.plan.variables[i]);
             const tsql::Tipo& tipo = variable->second.tipo;
             QUIMO_TRY(const Valor valor,
                       tsql::Normalizar(listo.sentencia.Leer(static_cast<int>(i)), tipo));
@@ -203,8 +205,7 @@ Hecho Interprete::LeerVariables(PlanListo& listo, Marco& marco) {
     return {};
 }
 
-Hecho Interprete::PasoDeEscritura(PlanListo& listo, const std::string& verbo,
-                                    const Marco& marco) {
+Hecho Interprete::PasoDeEscritura(PlanListo& listo, const std::string& verbo, const Marco& marco) {
     int codigo = SQLITE_DONE;
     {
         const Uso uso(listo);
@@ -213,7 +214,8 @@ Hecho Interprete::PasoDeEscritura(PlanListo& listo, const std::string& verbo,
     }
     codigo = sesion_.Base().CodigoExtendido();
     if (sesion_.Contexto().error || (codigo & 0xFF) != SQLITE_CONSTRAINT) return FalloDe(codigo);
-    const bool repetida = codigo != SQLITE_CONSTRAINT_NOTNULL && codigo != SQLITE_CONSTRAINT_CHECK &&
+    const bool repetida = codigo != SQLITE_CONSTRAINT_NOTNULL &&
+                          codigo != SQLITE_CONSTRAINT_CHECK &&
                           codigo != SQLITE_CONSTRAINT_FOREIGNKEY;
     if (repetida && !listo.plan.sql_filas.empty()) {
         QUIMO_TRY(const bool escrita, EscribirPorPartes(listo, marco));
@@ -253,7 +255,8 @@ Hecho Interprete::Numerar(PlanListo& listo, const std::string& verbo, const Marc
     if (contexto.numero_usado) {
         const Valor ultimo = Valor::De(contexto.ultimo_numero);
         const tsql::Tipo& tipo = tabla->Identidad()->tipo;
-        QUIMO_TRY(const Valor en_rango, Convertir(ultimo, tsql::TipoEntero(tsql::Clase::BigInt), tipo));
+        QUIMO_TRY(const Valor en_rango,
+                  Convertir(ultimo, tsql::TipoEntero(tsql::Clase::BigInt), tipo));
         QUIMO_TRY_VOID(sesion_.Catalogo().GuardarNumero(*tabla, contexto.ultimo_numero));
         sesion_.Estado().identidad = en_rango.Entero();
     }
@@ -262,7 +265,8 @@ Hecho Interprete::Numerar(PlanListo& listo, const std::string& verbo, const Marc
     return {};
 }
 
-Hecho Interprete::HacerSelect(const tsql::Seleccionar& seleccionar, const void* clave, Marco& marco) {
+Hecho Interprete::HacerSelect(const tsql::Seleccionar& seleccionar, const void* clave,
+                              Marco& marco) {
     const auto& simple = seleccionar.consulta->simple;
     if (simple && simple->en) return HacerSelectInto(seleccionar, marco);
     QUIMO_TRY(PlanListo* const listo, Preparar(clave, marco, [&](const tsql::Entorno& e) {

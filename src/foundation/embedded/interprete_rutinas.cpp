@@ -130,14 +130,17 @@ Hecho Interprete::Argumentos(const tsql::Ejecutar& ejecutar, const tsql::CrearMo
         std::size_t cual = siguiente++;
         if (!argumento.nombre.empty()) {
             cual = 0;
-            while (cual < modulo.parametros.size() && modulo.parametros[cual].nombre != argumento.nombre) {
+            while (cual < modulo.parametros.size() &&
+                   modulo.parametros[cual].nombre != argumento.nombre) {
                 ++cual;
             }
-            if (cual == modulo.parametros.size()) return tsql::CrearError(8145, argumento.nombre, nombre);
+            if (cual == modulo.parametros.size())
+                return tsql::CrearError(8145, argumento.nombre, nombre);
         }
         if (cual >= modulo.parametros.size()) return tsql::CrearError(8144, nombre);
         const tsql::ParametroRutina& parametro = modulo.parametros[cual];
-        if (nuevo.variables.count(parametro.nombre) > 0) return tsql::CrearError(8143, parametro.nombre);
+        if (nuevo.variables.count(parametro.nombre) > 0)
+            return tsql::CrearError(8143, parametro.nombre);
         if (argumento.salida && !parametro.salida) return tsql::CrearError(8162, parametro.nombre);
         if (!argumento.valor) continue;
         QUIMO_TRY(const ValorConTipo valor, Evaluar(*argumento.valor, marco));
@@ -169,7 +172,8 @@ Hecho Interprete::Devolver(const tsql::Ejecutar& ejecutar, const tsql::CrearModu
     const auto poner = [&](const std::string& destino, const ValorConTipo& valor) -> Hecho {
         const auto variable = marco.variables.find(destino);
         if (variable == marco.variables.end()) return tsql::CrearError(137, destino);
-        QUIMO_TRY(variable->second.valor, Convertir(valor.valor, valor.tipo, variable->second.tipo));
+        QUIMO_TRY(variable->second.valor,
+                  Convertir(valor.valor, valor.tipo, variable->second.tipo));
         return {};
     };
     std::size_t siguiente = 0;
@@ -192,7 +196,8 @@ Resultado<Flujo> Interprete::HacerExec(const tsql::Ejecutar& ejecutar, Marco& ma
         return tsql::CrearError(2812, ejecutar.nombre.Completo());
     }
     EstadoSesion& estado = sesion_.Estado();
-    if (estado.nivel >= kNivelesMaximos) return tsql::CrearError(217, std::to_string(kNivelesMaximos));
+    if (estado.nivel >= kNivelesMaximos)
+        return tsql::CrearError(217, std::to_string(kNivelesMaximos));
     const Nivel nivel(estado.nivel);
     const auto lote = sesion_.LoteDe(modulo);
     const Suelta suelta(*lote);
@@ -217,7 +222,8 @@ Resultado<Flujo> Interprete::HacerTexto(const tsql::Ejecutar& ejecutar, Marco& m
     QUIMO_TRY(const ValorConTipo valor, Evaluar(*ejecutar.texto, marco));
     if (!valor.tipo.EsTexto()) return tsql::CrearError(102, "EXEC");
     EstadoSesion& estado = sesion_.Estado();
-    if (estado.nivel >= kNivelesMaximos) return tsql::CrearError(217, std::to_string(kNivelesMaximos));
+    if (estado.nivel >= kNivelesMaximos)
+        return tsql::CrearError(217, std::to_string(kNivelesMaximos));
     const Nivel nivel(estado.nivel);
     QUIMO_TRY(const std::shared_ptr<LoteListo> lote, sesion_.Leer(valor.valor.texto, {}));
     const Suelta suelta(*lote);
@@ -252,7 +258,8 @@ Hecho Interprete::HacerInsertExec(const tsql::Insertar& insertar, Marco& marco) 
     std::int64_t filas = 0;
     for (const ConjuntoInterno& conjunto : conjuntos) {
         std::vector<tsql::Tipo> tipos;
-        for (const auto& columna : conjunto.columnas) tipos.push_back(columna.tipo);
+        for (const auto& columna : conjunto.columnas)
+            tipos.push_back(columna.tipo);
         tsql::Entorno entorno = EntornoDe(marco);
         entorno.parametros = tipos;
         PlanListo listo;
@@ -263,7 +270,8 @@ Hecho Interprete::HacerInsertExec(const tsql::Insertar& insertar, Marco& marco) 
         for (const std::vector<Valor>& fila : conjunto.filas) {
             Marco propio(lote);
             std::vector<ValorConTipo> valores;
-            for (std::size_t i = 0; i < fila.size(); ++i) valores.push_back({tipos[i], fila[i]});
+            for (std::size_t i = 0; i < fila.size(); ++i)
+                valores.push_back({tipos[i], fila[i]});
             propio.parametros = &valores;
             QUIMO_TRY_VOID(Ligar(listo, propio));
             std::vector<ConjuntoInterno> nada;
@@ -286,7 +294,8 @@ Resultado<Valor> Interprete::LlamarFuncion(const std::string& nombre, tsql::Argu
     const tsql::ModuloPtr modulo = sesion_.Catalogo().BuscarModulo(objeto);
     if (!modulo) return tsql::CrearError(208, nombre);
     EstadoSesion& estado = sesion_.Estado();
-    if (estado.nivel >= kNivelesMaximos) return tsql::CrearError(217, std::to_string(kNivelesMaximos));
+    if (estado.nivel >= kNivelesMaximos)
+        return tsql::CrearError(217, std::to_string(kNivelesMaximos));
     const Nivel nivel(estado.nivel);
     const auto lote = sesion_.LoteDe(modulo);
     const Suelta suelta(*lote);

@@ -21,8 +21,8 @@ ErrorSql SinTransaccion() {
 }
 
 bool MismoValor(const Valor& a, const Valor& b) {
-    return a.forma == b.forma && a.exacto == b.exacto && a.texto == b.texto &&
-           !(a.real < b.real) && !(b.real < a.real);
+    return a.forma == b.forma && a.exacto == b.exacto && a.texto == b.texto && !(a.real < b.real) &&
+           !(b.real < a.real);
 }
 
 }  // namespace
@@ -113,9 +113,10 @@ Hecho Sesion::Guardar(const std::string& nombre) {
 bool Sesion::Sirve(const LoteListo& listo, const std::vector<tsql::Literal>& literales) const {
     if (listo.en_uso || listo.lote.literales.size() != literales.size()) return false;
     for (std::size_t i = 0; i < literales.size(); ++i) {
-        if (listo.lote.fijos[i] && !MismoValor(listo.lote.literales[i].valor, literales[i].valor)) {
-            return false;
-        }
+        const tsql::Literal& suya = listo.lote.literales[i];
+        const bool fija = listo.lote.fijos[i];
+        if (fija && !MismoValor(suya.valor, literales[i].valor)) return false;
+        if ((fija || listo.lote.tipos_fijos[i]) && !(suya.tipo == literales[i].tipo)) return false;
     }
     return true;
 }
@@ -140,7 +141,8 @@ Resultado<std::shared_ptr<LoteListo>> Sesion::Leer(const std::string& texto,
                                                    const std::vector<tsql::Tipo>& tipos) {
     QUIMO_TRY(tsql::Lexico lexico, tsql::Analizar(texto));
     std::string clave = lexico.forma;
-    for (const tsql::Tipo& tipo : tipos) clave += '\2' + std::to_string(tsql::Empaquetar(tipo));
+    for (const tsql::Tipo& tipo : tipos)
+        clave += '\2' + std::to_string(tsql::Empaquetar(tipo));
     const auto [desde, hasta] = por_forma_.equal_range(clave);
     for (auto i = desde; i != hasta; ++i) {
         const auto recordado = i->second;
@@ -151,8 +153,7 @@ Resultado<std::shared_ptr<LoteListo>> Sesion::Leer(const std::string& texto,
         return recordado->lote;
     }
     auto listo = std::make_shared<LoteListo>();
-    QUIMO_TRY(listo->lote,
-              tsql::LeerLote(texto, std::move(lexico), tsql::Constantes::PorPosicion));
+    QUIMO_TRY(listo->lote, tsql::LeerLote(texto, std::move(lexico), tsql::Constantes::PorPosicion));
     listo->tipos_parametros = tipos;
     listo->en_uso = true;
     Recordar(clave, listo);
@@ -176,9 +177,7 @@ std::shared_ptr<LoteListo> Sesion::LoteDe(const tsql::ModuloPtr& modulo) {
     return otro;
 }
 
-std::int64_t Sesion::Ahora() const {
-    return tsql::RedondearFecha(AMilisegundos(reloj_.Ahora()));
-}
+std::int64_t Sesion::Ahora() const { return tsql::RedondearFecha(AMilisegundos(reloj_.Ahora())); }
 
 Valor Sesion::Global(const std::string& nombre) const {
     if (nombre == "@@ROWCOUNT" || nombre == "ROWCOUNT_BIG") return Valor::De(estado_.filas);

@@ -23,11 +23,12 @@ static_assert(kPrefijo.size() == 47);
 constexpr QLatin1String kOrigen("QUIMO embebido");
 
 constexpr auto kTipos = std::to_array<TipoSql>({
-    TipoSql::Int,     TipoSql::Binary,   TipoSql::VarBinary,  TipoSql::Char,    TipoSql::VarChar,
-    TipoSql::NChar,   TipoSql::NVarChar, TipoSql::UniqueIdentifier, TipoSql::Image, TipoSql::Text,
-    TipoSql::NText,   TipoSql::Bit,      TipoSql::TinyInt,    TipoSql::SmallInt, TipoSql::Int,
-    TipoSql::BigInt,  TipoSql::SmallMoney, TipoSql::Money,    TipoSql::Numeric, TipoSql::Real,
-    TipoSql::Float,   TipoSql::SmallDateTime, TipoSql::DateTime,
+    TipoSql::Int,        TipoSql::Binary,        TipoSql::VarBinary, TipoSql::Char,
+    TipoSql::VarChar,    TipoSql::NChar,         TipoSql::NVarChar,  TipoSql::UniqueIdentifier,
+    TipoSql::Image,      TipoSql::Text,          TipoSql::NText,     TipoSql::Bit,
+    TipoSql::TinyInt,    TipoSql::SmallInt,      TipoSql::Int,       TipoSql::BigInt,
+    TipoSql::SmallMoney, TipoSql::Money,         TipoSql::Numeric,   TipoSql::Real,
+    TipoSql::Float,      TipoSql::SmallDateTime, TipoSql::DateTime,
 });
 
 QString AQString(const std::string& texto) { return QString::fromStdString(texto); }

@@ -18,9 +18,11 @@ struct Vista {
 
 // 'V' and 'P' of a module are told apart by the word behind CREATE in its text.
 constexpr std::string_view kObjetos =
-    "SELECT nombre AS name,id AS object_id,'U ' AS type,'USER_TABLE' AS type_desc FROM _quimo_tablas "
+    "SELECT nombre AS name,id AS object_id,'U ' AS type,'USER_TABLE' AS type_desc FROM "
+    "_quimo_tablas "
     "UNION ALL SELECT nombre,1000000000+row_number() OVER (ORDER BY clave)-1,"
-    "CASE upper(substr(ltrim(substr(texto,7)),1,1)) WHEN 'V' THEN 'V ' WHEN 'F' THEN 'FN' ELSE 'P ' "
+    "CASE upper(substr(ltrim(substr(texto,7)),1,1)) WHEN 'V' THEN 'V ' WHEN 'F' THEN 'FN' ELSE 'P "
+    "' "
     "END,CASE upper(substr(ltrim(substr(texto,7)),1,1)) WHEN 'V' THEN 'VIEW' WHEN 'F' THEN "
     "'SQL_SCALAR_FUNCTION' ELSE 'SQL_STORED_PROCEDURE' END FROM _quimo_modulos";
 
@@ -28,8 +30,10 @@ constexpr std::string_view kColumnas =
     "SELECT 'dbo' AS TABLE_SCHEMA,t.nombre AS TABLE_NAME,c.nombre AS COLUMN_NAME,c.orden+1 AS "
     "ORDINAL_POSITION,CASE c.nulos WHEN 1 THEN 'YES' ELSE 'NO' END AS IS_NULLABLE,"
     "CASE c.tipo&255 WHEN 1 THEN 'binary' WHEN 2 THEN 'varbinary' WHEN 3 THEN 'char' WHEN 4 THEN "
-    "'varchar' WHEN 5 THEN 'nchar' WHEN 6 THEN 'nvarchar' WHEN 7 THEN 'uniqueidentifier' WHEN 8 THEN "
-    "'image' WHEN 9 THEN 'text' WHEN 10 THEN 'ntext' WHEN 11 THEN 'bit' WHEN 12 THEN 'tinyint' WHEN "
+    "'varchar' WHEN 5 THEN 'nchar' WHEN 6 THEN 'nvarchar' WHEN 7 THEN 'uniqueidentifier' WHEN 8 "
+    "THEN "
+    "'image' WHEN 9 THEN 'text' WHEN 10 THEN 'ntext' WHEN 11 THEN 'bit' WHEN 12 THEN 'tinyint' "
+    "WHEN "
     "13 THEN 'smallint' WHEN 14 THEN 'int' WHEN 15 THEN 'bigint' WHEN 16 THEN 'smallmoney' WHEN 17 "
     "THEN 'money' WHEN 18 THEN 'numeric' WHEN 19 THEN 'real' WHEN 20 THEN 'float' WHEN 21 THEN "
     "'smalldatetime' ELSE 'datetime' END AS DATA_TYPE,CASE WHEN c.tipo&255 BETWEEN 1 AND 10 THEN "
@@ -57,7 +61,9 @@ std::vector<Vista> Definiciones() {
           {"NUMERIC_PRECISION", 'i'},
           {"NUMERIC_SCALE", 'i'},
           {"COLUMN_DEFAULT", 't'}}},
-        {"sys.objects", kObjetos, {{"name", 't'}, {"object_id", 'i'}, {"type", 't'}, {"type_desc", 't'}}},
+        {"sys.objects",
+         kObjetos,
+         {{"name", 't'}, {"object_id", 'i'}, {"type", 't'}, {"type_desc", 't'}}},
         {"sys.tables",
          "SELECT nombre AS name,id AS object_id FROM _quimo_tablas",
          {{"name", 't'}, {"object_id", 'i'}}},
@@ -84,8 +90,8 @@ std::vector<tsql::TablaPtr> VistasDelSistema() {
         for (const auto& [nombre, clase] : definicion.columnas) {
             tsql::ColumnaTabla columna;
             columna.nombre = nombre;
-            columna.tipo = clase == 'i' ? tsql::TipoEntero(Clase::Int)
-                                        : tsql::TipoTexto(Clase::NVarChar, 128);
+            columna.tipo =
+                clase == 'i' ? tsql::TipoEntero(Clase::Int) : tsql::TipoTexto(Clase::NVarChar, 128);
             vista.columnas.push_back(std::move(columna));
         }
         vistas.push_back(std::make_shared<const tsql::Tabla>(std::move(vista)));
