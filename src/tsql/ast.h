@@ -205,8 +205,13 @@ struct CrearTabla {
     std::vector<RestriccionDef> restricciones;
 };
 struct CambiarTabla {
-    enum class Clase { AgregarColumnas, AgregarRestricciones, QuitarColumna, QuitarRestriccion,
-                       CambiarColumna };
+    enum class Clase {
+        AgregarColumnas,
+        AgregarRestricciones,
+        QuitarColumna,
+        QuitarRestriccion,
+        CambiarColumna
+    };
     NombreObjeto tabla;
     Clase clase = Clase::AgregarColumnas;
     std::vector<ColumnaDef> columnas;
@@ -307,8 +312,8 @@ struct Transaccion {
 struct Sentencia {
     std::size_t posicion = 0;
     std::variant<Seleccionar, Insertar, Actualizar, Borrar, Truncar, CrearTabla, CambiarTabla,
-                 CrearIndice, CrearModulo, Quitar, Ejecutar, Declarar, Asignar, Opcion, Si, Mientras,
-                 Bloque, Salto, Regresar, Imprimir, LanzarError, Transaccion>
+                 CrearIndice, CrearModulo, Quitar, Ejecutar, Declarar, Asignar, Opcion, Si,
+                 Mientras, Bloque, Salto, Regresar, Imprimir, LanzarError, Transaccion>
         que;
 };
 

@@ -55,7 +55,8 @@ struct Tabla {
     std::vector<Indice> indices;
     std::vector<Foranea> foraneas;
     std::vector<Comprobacion> comprobaciones;
-    std::string sql;  ///< what stands for it in FROM: the quoted name, or the query of a system view
+    std::string
+        sql;  ///< what stands for it in FROM: the quoted name, or the query of a system view
 
     /// Position of a column by its name without case; -1 when there is none.
     int Columna(std::string_view nombre_columna) const;

@@ -55,13 +55,15 @@ Resultado<Valor> TextoAEntero(const Valor& valor, const Tipo& de, const Tipo& a)
     }
     const auto numero = texto.empty() ? base::Decimal{} : LeerDecimal(texto, false);
     if (!numero || texto.find('.') != std::string_view::npos) {
-        const bool cifras = texto.find_first_not_of("+-0123456789") == std::string_view::npos &&
-                            texto.size() > 38;
-        if (!cifras || a.clase == Clase::Bit) return CrearError(245, Nombre(de), valor.texto, Nombre(a));
+        const bool cifras =
+            texto.find_first_not_of("+-0123456789") == std::string_view::npos && texto.size() > 38;
+        if (!cifras || a.clase == Clase::Bit)
+            return CrearError(245, Nombre(de), valor.texto, Nombre(a));
         return CrearError(a.clase == Clase::BigInt ? 8115 : 248, Nombre(de), valor.texto);
     }
     const Rango rango = RangoDe(a.clase);
-    if (a.clase == Clase::Bit || (numero->digitos >= rango.minimo && numero->digitos <= rango.maximo)) {
+    if (a.clase == Clase::Bit ||
+        (numero->digitos >= rango.minimo && numero->digitos <= rango.maximo)) {
         return AEntero(numero->digitos, de, a);
     }
     if (a.clase == Clase::Int) return CrearError(248, Nombre(de), valor.texto);
@@ -85,7 +87,8 @@ Resultado<Valor> ConvertirAEntero(const Valor& valor, const Tipo& de, const Tipo
     }
     if (de.EsBinario()) {
         Int128 entero = 0;
-        for (const char c : valor.texto) entero = (entero << 8 | static_cast<unsigned char>(c)) & ((Int128{1} << 64) - 1);
+        for (const char c : valor.texto)
+            entero = (entero << 8 | static_cast<unsigned char>(c)) & ((Int128{1} << 64) - 1);
         if (a.clase == Clase::Int) entero = static_cast<std::int32_t>(entero);
         return AEntero(static_cast<std::int64_t>(entero), de, a);
     }
@@ -108,7 +111,8 @@ Resultado<base::Decimal> LeerExacto(const Valor& valor, const Tipo& de, const Ti
         return base::Decimal{*digitos, a.escala};
     }
     if (de.EsFecha()) {
-        const auto digitos = DeReal(static_cast<double>(valor.Entero()) / kMilisegundosDia, a.escala);
+        const auto digitos =
+            DeReal(static_cast<double>(valor.Entero()) / kMilisegundosDia, a.escala);
         return base::Decimal{*digitos, a.escala};
     }
     return base::Decimal{valor.exacto, de.escala};
@@ -135,7 +139,8 @@ Resultado<Valor> ConvertirAReal(const Valor& valor, const Tipo& de, const Tipo& 
         real = 0;
         const auto [fin, error] = std::from_chars(texto.data(), texto.data() + texto.size(), real);
         const bool letras = texto.find_first_of("nNiIxX") != std::string_view::npos;
-        if (!texto.empty() && (error != std::errc() || fin != texto.data() + texto.size() || letras)) {
+        if (!texto.empty() &&
+            (error != std::errc() || fin != texto.data() + texto.size() || letras)) {
             return CrearError(8114, Nombre(de), Nombre(a));
         }
     } else if (de.EsFecha()) {
@@ -195,8 +200,8 @@ bool EsUuid(std::string_view texto) {
     if (texto.size() != 36) return false;
     for (std::size_t i = 0; i < texto.size(); ++i) {
         const bool guion = i == 8 || i == 13 || i == 18 || i == 23;
-        const bool hex = std::string_view("0123456789abcdefABCDEF").find(texto[i]) !=
-                         std::string_view::npos;
+        const bool hex =
+            std::string_view("0123456789abcdefABCDEF").find(texto[i]) != std::string_view::npos;
         if (guion ? texto[i] != '-' : !hex) return false;
     }
     return true;
@@ -242,7 +247,8 @@ Resultado<Valor> ConvertirABinario(const Valor& valor, const Tipo& de, const Tip
         if (de.clase == Clase::TinyInt || de.clase == Clase::Bit) largo = 1;
         bytes.clear();
         for (int i = largo - 1; i >= 0; --i) {
-            bytes.push_back(static_cast<char>(static_cast<std::uint64_t>(valor.exacto) >> (8 * i) & 0xFF));
+            bytes.push_back(
+                static_cast<char>(static_cast<std::uint64_t>(valor.exacto) >> (8 * i) & 0xFF));
         }
         const int sobran = largo - a.longitud;
         if (a.longitud >= 0 && sobran > 0) bytes.erase(0, static_cast<std::size_t>(sobran));
@@ -254,7 +260,8 @@ Resultado<Valor> ConvertirABinario(const Valor& valor, const Tipo& de, const Tip
         if (destino == Destino::Columna) return CrearError(8152);
         bytes.resize(static_cast<std::size_t>(a.longitud));
     }
-    if (a.clase == Clase::Binary) bytes.resize(static_cast<std::size_t>(std::max(a.longitud, 0)), '\0');
+    if (a.clase == Clase::Binary)
+        bytes.resize(static_cast<std::size_t>(std::max(a.longitud, 0)), '\0');
     return Valor::DeBytes(std::move(bytes));
 }
 

@@ -54,13 +54,15 @@ std::optional<Int128> DividirLargo(Int128 numerador, int ceros, Int128 divisor) 
 std::optional<Int128> PotenciaDeDiez(int exponente) {
     if (exponente < 0 || exponente > kExponenteMaximo) return std::nullopt;
     Int128 potencia = 1;
-    for (int i = 0; i < exponente; ++i) potencia *= 10;
+    for (int i = 0; i < exponente; ++i)
+        potencia *= 10;
     return potencia;
 }
 
 int ContarCifras(Int128 valor) {
     int cifras = 0;
-    for (valor = Magnitud(valor); valor > 0; valor /= 10) ++cifras;
+    for (valor = Magnitud(valor); valor > 0; valor /= 10)
+        ++cifras;
     return cifras;
 }
 
@@ -113,9 +115,7 @@ std::optional<Int128> Dividir(Int128 a, int escala_a, Int128 b, int escala_b, in
     return a / b / *divisor;
 }
 
-std::string TextoDecimal(Int128 valor, int escala) {
-    return base::Decimal{valor, escala}.ATexto();
-}
+std::string TextoDecimal(Int128 valor, int escala) { return base::Decimal{valor, escala}.ATexto(); }
 
 std::optional<base::Decimal> LeerDecimal(std::string_view texto, bool moneda) {
     texto = Recortar(texto);

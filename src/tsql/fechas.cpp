@@ -11,28 +11,43 @@ namespace quimo::tsql {
 
 namespace {
 
-constexpr auto kMeses = std::to_array<std::string_view>(
-    {"January", "February", "March", "April", "May", "June", "July", "August", "September",
-     "October", "November", "December"});
+constexpr auto kMeses =
+    std::to_array<std::string_view>({"January", "February", "March", "April", "May", "June", "July",
+                                     "August", "September", "October", "November", "December"});
 constexpr auto kDias = std::to_array<std::string_view>(
     {"Sunday", "Monday", "Tuesday", "Wednesday", "Thursday", "Friday", "Saturday"});
 
 constexpr auto kPartes = std::to_array<std::pair<std::string_view, ParteFecha>>({
-    {"year", ParteFecha::Anio},           {"yy", ParteFecha::Anio},
-    {"yyyy", ParteFecha::Anio},           {"quarter", ParteFecha::Trimestre},
-    {"qq", ParteFecha::Trimestre},        {"q", ParteFecha::Trimestre},
-    {"month", ParteFecha::Mes},           {"mm", ParteFecha::Mes},
-    {"m", ParteFecha::Mes},               {"dayofyear", ParteFecha::DiaDelAnio},
-    {"dy", ParteFecha::DiaDelAnio},       {"y", ParteFecha::DiaDelAnio},
-    {"day", ParteFecha::Dia},             {"dd", ParteFecha::Dia},
-    {"d", ParteFecha::Dia},               {"week", ParteFecha::Semana},
-    {"wk", ParteFecha::Semana},           {"ww", ParteFecha::Semana},
-    {"weekday", ParteFecha::DiaSemana},   {"dw", ParteFecha::DiaSemana},
-    {"hour", ParteFecha::Hora},           {"hh", ParteFecha::Hora},
-    {"minute", ParteFecha::Minuto},       {"mi", ParteFecha::Minuto},
-    {"n", ParteFecha::Minuto},            {"second", ParteFecha::Segundo},
-    {"ss", ParteFecha::Segundo},          {"s", ParteFecha::Segundo},
-    {"millisecond", ParteFecha::Milisegundo}, {"ms", ParteFecha::Milisegundo},
+    {"year", ParteFecha::Anio},
+    {"yy", ParteFecha::Anio},
+    {"yyyy", ParteFecha::Anio},
+    {"quarter", ParteFecha::Trimestre},
+    {"qq", ParteFecha::Trimestre},
+    {"q", ParteFecha::Trimestre},
+    {"month", ParteFecha::Mes},
+    {"mm", ParteFecha::Mes},
+    {"m", ParteFecha::Mes},
+    {"dayofyear", ParteFecha::DiaDelAnio},
+    {"dy", ParteFecha::DiaDelAnio},
+    {"y", ParteFecha::DiaDelAnio},
+    {"day", ParteFecha::Dia},
+    {"dd", ParteFecha::Dia},
+    {"d", ParteFecha::Dia},
+    {"week", ParteFecha::Semana},
+    {"wk", ParteFecha::Semana},
+    {"ww", ParteFecha::Semana},
+    {"weekday", ParteFecha::DiaSemana},
+    {"dw", ParteFecha::DiaSemana},
+    {"hour", ParteFecha::Hora},
+    {"hh", ParteFecha::Hora},
+    {"minute", ParteFecha::Minuto},
+    {"mi", ParteFecha::Minuto},
+    {"n", ParteFecha::Minuto},
+    {"second", ParteFecha::Segundo},
+    {"ss", ParteFecha::Segundo},
+    {"s", ParteFecha::Segundo},
+    {"millisecond", ParteFecha::Milisegundo},
+    {"ms", ParteFecha::Milisegundo},
 });
 
 /// Days from 1900-01-01 to a date of the Gregorian calendar.
@@ -161,7 +176,9 @@ int LeerParte(ParteFecha parte, std::int64_t ms) {
     const FechaHora f = AFechaHora(ms);
     const std::int64_t dias = Dividir(ms, kMilisegundosDia);
     const auto del_anio = static_cast<int>(dias - Dias(f.anio, 1, 1)) + 1;
-    const auto dia_semana = [](std::int64_t d) { return static_cast<int>(d + 1 - Dividir(d + 1, 7) * 7); };
+    const auto dia_semana = [](std::int64_t d) {
+        return static_cast<int>(d + 1 - Dividir(d + 1, 7) * 7);
+    };
     if (parte == ParteFecha::Anio) return f.anio;
     if (parte == ParteFecha::Trimestre) return (f.mes - 1) / 3 + 1;
     if (parte == ParteFecha::Mes) return f.mes;

@@ -39,10 +39,12 @@ std::optional<std::vector<Pieza>> Partir(std::string_view texto) {
         Pieza pieza;
         if (EsCifra(texto[i])) {
             pieza.clase = Pieza::Clase::Numero;
-            while (fin < texto.size() && EsCifra(texto[fin])) ++fin;
+            while (fin < texto.size() && EsCifra(texto[fin]))
+                ++fin;
         } else if (EsLetra(texto[i])) {
             pieza.clase = Pieza::Clase::Palabra;
-            while (fin < texto.size() && EsLetra(texto[fin])) ++fin;
+            while (fin < texto.size() && EsLetra(texto[fin]))
+                ++fin;
         }
         pieza.texto = texto.substr(i, fin - i);
         pieza.tras_blanco = blanco;
@@ -96,9 +98,7 @@ private:
         return i < piezas_.size() && piezas_[i].clase == Pieza::Clase::Signo &&
                piezas_[i].texto[0] == c;
     }
-    bool Separador(std::size_t i) const {
-        return Signo(i, '/') || Signo(i, '-') || Signo(i, '.');
-    }
+    bool Separador(std::size_t i) const { return Signo(i, '/') || Signo(i, '-') || Signo(i, '.'); }
     bool Numero(std::size_t i) const {
         return i < piezas_.size() && piezas_[i].clase == Pieza::Clase::Numero;
     }
@@ -212,7 +212,8 @@ private:
         const Pieza& p = piezas_[i_ + 1];
         fecha.milisegundo = p.numero;
         if (Signo(i_, '.')) {
-            for (auto k = p.texto.size(); k < 3; ++k) fecha.milisegundo *= 10;
+            for (auto k = p.texto.size(); k < 3; ++k)
+                fecha.milisegundo *= 10;
         }
         i_ += 2;
         return true;

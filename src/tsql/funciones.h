@@ -18,7 +18,7 @@ struct FuncionEscalar {
     std::string_view nombre;
     int argumentos = 0;  ///< -1: any number
     Resultado<Valor> (*llamar)(Argumentos) = nullptr;
-    bool con_nulos = false;     ///< it sees NULLs; others are NULL when an argument is
+    bool con_nulos = false;  ///< it sees NULLs; others are NULL when an argument is
     bool determinista = true;
 };
 

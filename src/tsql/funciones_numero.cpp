@@ -127,7 +127,8 @@ Resultado<Valor> RedondearExacto(const Valor& valor, int lugares, bool truncar, 
     if (lugares >= tipo.escala) return Valor::De(digitos);
     const int quitar = tipo.escala - lugares;
     const auto modo = truncar ? Redondeo::Truncar : Redondeo::MitadesAfuera;
-    const auto corto = quitar > kDigitosMaximos ? Int128{0} : CambiarEscala(digitos, quitar, 0, modo);
+    const auto corto =
+        quitar > kDigitosMaximos ? Int128{0} : CambiarEscala(digitos, quitar, 0, modo);
     return EnTipo(*corto == 0 ? Int128{0} : CambiarEscala(*corto, 0, quitar), tipo);
 }
 
@@ -209,7 +210,8 @@ Resultado<Valor> EsNumero(Argumentos x) {
 /// q_bytes(x, type)
 Resultado<Valor> Bytes(Argumentos x) {
     const Tipo tipo = TipoEn(x[1]);
-    if (tipo.EsTexto()) return Valor::De(ContarCaracteres(x[0].texto) * (tipo.EsNacional() ? 2 : 1));
+    if (tipo.EsTexto())
+        return Valor::De(ContarCaracteres(x[0].texto) * (tipo.EsNacional() ? 2 : 1));
     if (tipo.EsBinario()) return Valor::De(static_cast<int>(x[0].texto.size()));
     if (tipo.clase == Clase::UniqueIdentifier) return Valor::De(16);
     if (tipo.clase == Clase::Bit || tipo.clase == Clase::TinyInt) return Valor::De(1);

@@ -23,7 +23,8 @@ Valor Trozo(const std::string& texto, std::int64_t desde, std::int64_t largo) {
     if (hasta <= desde) return Valor::DeTexto({});
     const std::size_t inicio = BytesDe(texto, static_cast<int>(desde));
     const std::string_view resto = std::string_view(texto).substr(inicio);
-    return Valor::DeTexto(std::string(resto.substr(0, BytesDe(resto, static_cast<int>(hasta - desde)))));
+    return Valor::DeTexto(
+        std::string(resto.substr(0, BytesDe(resto, static_cast<int>(hasta - desde)))));
 }
 
 /// q_trozo(text, from, length)
@@ -86,7 +87,8 @@ Resultado<Valor> Posicion(Argumentos x) {
     const std::u32string donde = Plegado(x[1].texto);
     const std::int64_t desde = x.size() > 2 && !x[2].EsNulo() ? Acotado(x[2]) - 1 : 0;
     if (que.empty()) return Valor::De(0);
-    const auto hallado = donde.find(que, static_cast<std::size_t>(std::max<std::int64_t>(desde, 0)));
+    const auto hallado =
+        donde.find(que, static_cast<std::size_t>(std::max<std::int64_t>(desde, 0)));
     return Valor::De(hallado == std::u32string::npos ? 0 : static_cast<Int128>(hallado) + 1);
 }
 
@@ -125,7 +127,8 @@ Resultado<Valor> Repetir(Argumentos x) {
     const auto veces = std::min<std::size_t>(static_cast<std::size_t>(Acotado(x[1])),
                                              static_cast<std::size_t>(kLongitudMaxima) / tamano);
     std::string salida;
-    for (std::size_t i = 0; i < veces; ++i) salida += x[0].texto;
+    for (std::size_t i = 0; i < veces; ++i)
+        salida += x[0].texto;
     return Valor::DeTexto(std::move(salida));
 }
 
@@ -183,7 +186,8 @@ Resultado<Valor> Citar(Argumentos x) {
 
 Resultado<Valor> Concatenar(Argumentos x) {
     std::string salida;
-    for (const Valor& valor : x) salida += valor.texto;
+    for (const Valor& valor : x)
+        salida += valor.texto;
     return Valor::DeTexto(std::move(salida));
 }
 

@@ -57,7 +57,8 @@ private:
             if (EsBlanco(texto_[i_])) {
                 ++i_;
             } else if (texto_[i_] == '-' && En(i_ + 1) == '-') {
-                while (i_ < texto_.size() && texto_[i_] != '\n') ++i_;
+                while (i_ < texto_.size() && texto_[i_] != '\n')
+                    ++i_;
             } else if (texto_[i_] == '/' && En(i_ + 1) == '*') {
                 int nivel = 0;
                 const std::size_t inicio = i_;
@@ -113,7 +114,8 @@ private:
 
     void Palabra(Token::Clase clase, std::size_t prefijo) {
         std::size_t fin = i_ + prefijo;
-        while (fin < texto_.size() && EsDeNombre(texto_[fin])) ++fin;
+        while (fin < texto_.size() && EsDeNombre(texto_[fin]))
+            ++fin;
         Agregar(clase, i_, fin);
         i_ = fin;
     }
@@ -175,7 +177,8 @@ private:
     base::Result<void, ErrorSql> Binario() {
         std::size_t fin = i_ + 2;
         std::string bytes;
-        while (Hex(En(fin)) >= 0) ++fin;
+        while (Hex(En(fin)) >= 0)
+            ++fin;
         std::size_t k = i_ + 2;
         if ((fin - k) % 2 == 1) bytes.push_back(static_cast<char>(Hex(texto_[k++])));
         for (; k < fin; k += 2) {
@@ -190,11 +193,13 @@ private:
         std::size_t fin = i_;
         bool punto = false;
         bool exponente = false;
-        while (EsCifra(En(fin)) || (En(fin) == '.' && !punto)) punto |= texto_[fin++] == '.';
+        while (EsCifra(En(fin)) || (En(fin) == '.' && !punto))
+            punto |= texto_[fin++] == '.';
         if (En(fin) == 'e' || En(fin) == 'E') {
             std::size_t k = fin + 1;
             if (En(k) == '+' || En(k) == '-') ++k;
-            while (EsCifra(En(k))) ++k;
+            while (EsCifra(En(k)))
+                ++k;
             exponente = true;
             fin = k;
         }
@@ -202,7 +207,8 @@ private:
         Literal literal;
         if (exponente) {
             double real = 0;
-            const auto lectura = std::from_chars(cifras.data(), cifras.data() + cifras.size(), real);
+            const auto lectura =
+                std::from_chars(cifras.data(), cifras.data() + cifras.size(), real);
             if (lectura.ec == std::errc::result_out_of_range) {
                 ErrorSql error = CrearError(232, "float", std::string(cifras));
                 error.mensaje = "The floating point value '" + std::string(cifras) +
@@ -239,9 +245,11 @@ private:
 
     base::Result<void, ErrorSql> Dinero() {
         std::size_t fin = i_ + 1;
-        while (EsCifra(En(fin)) || En(fin) == '.') ++fin;
+        while (EsCifra(En(fin)) || En(fin) == '.')
+            ++fin;
         const auto numero = LeerDecimal(texto_.substr(i_, fin - i_), true);
-        const auto digitos = numero ? CambiarEscala(numero->digitos, numero->escala, 4) : std::nullopt;
+        const auto digitos =
+            numero ? CambiarEscala(numero->digitos, numero->escala, 4) : std::nullopt;
         if (!digitos || ContarCifras(*digitos) > kDigitosNativos) return CrearError(235);
         return Poner(i_, fin, {TipoMoneda(), Valor::De(*digitos)});
     }
@@ -259,9 +267,8 @@ private:
             forma.push_back(',');
         };
         cifra(static_cast<int>(literal.tipo.clase));
-        cifra(literal.tipo.longitud);
-        cifra(literal.tipo.precision);
         cifra(literal.tipo.escala);
+        if (literal.tipo.longitud < 0 || literal.tipo.EsAncho()) forma.push_back('+');
         copiado_ = hasta;
         lexico_.literales.push_back(std::move(literal));
         i_ = hasta;
@@ -274,35 +281,172 @@ private:
     std::size_t copiado_ = 0;
 };
 
-constexpr auto kReservadas = std::to_array<std::string_view>(
-    {"ADD",       "ALL",       "ALTER",      "AND",        "ANY",        "AS",
-     "ASC",       "AUTHORIZATION", "BACKUP", "BEGIN",      "BETWEEN",    "BREAK",
-     "BROWSE",    "BULK",      "BY",         "CASCADE",    "CASE",       "CHECK",
-     "CHECKPOINT", "CLOSE",    "CLUSTERED",  "COALESCE",   "COLLATE",    "COLUMN",
-     "COMMIT",    "COMPUTE",   "CONSTRAINT", "CONTAINS",   "CONTINUE",   "CONVERT",
-     "CREATE",    "CROSS",     "CURRENT",    "CURRENT_DATE", "CURRENT_TIME", "CURRENT_TIMESTAMP",
-     "CURRENT_USER", "CURSOR", "DATABASE",   "DBCC",       "DEALLOCATE", "DECLARE",
-     "DEFAULT",   "DELETE",    "DENY",       "DESC",       "DISTINCT",   "DISTRIBUTED",
-     "DROP",      "ELSE",      "END",        "ERRLVL",     "ESCAPE",     "EXCEPT",
-     "EXEC",      "EXECUTE",   "EXISTS",     "EXIT",       "EXTERNAL",   "FETCH",
-     "FILE",      "FILLFACTOR", "FOR",       "FOREIGN",    "FREETEXT",   "FROM",
-     "FULL",      "FUNCTION",  "GOTO",       "GRANT",      "GROUP",      "HAVING",
-     "HOLDLOCK",  "IDENTITY",  "IDENTITY_INSERT", "IF",    "IN",         "INDEX",
-     "INNER",     "INSERT",    "INTERSECT",  "INTO",       "IS",         "JOIN",
-     "KEY",       "KILL",      "LEFT",       "LIKE",       "LINENO",     "LOAD",
-     "MERGE",     "NATIONAL",  "NOCHECK",    "NONCLUSTERED", "NOT",      "NULL",
-     "NULLIF",    "OF",        "OFF",        "OFFSETS",    "ON",         "OPEN",
-     "OPENQUERY", "OPTION",    "OR",         "ORDER",      "OUTER",      "OVER",
-     "PERCENT",   "PIVOT",     "PLAN",       "PRIMARY",    "PRINT",      "PROC",
-     "PROCEDURE", "PUBLIC",    "RAISERROR",  "READ",       "RECONFIGURE", "REFERENCES",
-     "REPLICATION", "RESTORE", "RESTRICT",   "RETURN",     "REVERT",     "REVOKE",
-     "RIGHT",     "ROLLBACK",  "ROWCOUNT",   "ROWGUIDCOL", "RULE",       "SAVE",
-     "SCHEMA",    "SELECT",    "SESSION_USER", "SET",      "SETUSER",    "SHUTDOWN",
-     "SOME",      "STATISTICS", "SYSTEM_USER", "TABLE",    "TABLESAMPLE", "THEN",
-     "TO",        "TOP",       "TRAN",       "TRANSACTION", "TRIGGER",   "TRUNCATE",
-     "TSEQUAL",   "UNION",     "UNIQUE",     "UNPIVOT",    "UPDATE",     "USE",
-     "USER",      "VALUES",    "VARYING",    "VIEW",       "WAITFOR",    "WHEN",
-     "WHERE",     "WHILE",     "WITH",       "WRITETEXT"});
+constexpr auto kReservadas = std::to_array<std::string_view>({"ADD",
+                                                              "ALL",
+                                                              "ALTER",
+                                                              "AND",
+                                                              "ANY",
+                                                              "AS",
+                                                              "ASC",
+                                                              "AUTHORIZATION",
+                                                              "BACKUP",
+                                                              "BEGIN",
+                                                              "BETWEEN",
+                                                              "BREAK",
+                                                              "BROWSE",
+                                                              "BULK",
+                                                              "BY",
+                                                              "CASCADE",
+                                                              "CASE",
+                                                              "CHECK",
+                                                              "CHECKPOINT",
+                                                              "CLOSE",
+                                                              "CLUSTERED",
+                                                              "COALESCE",
+                                                              "COLLATE",
+                                                              "COLUMN",
+                                                              "COMMIT",
+                                                              "COMPUTE",
+                                                              "CONSTRAINT",
+                                                              "CONTAINS",
+                                                              "CONTINUE",
+                                                              "CONVERT",
+                                                              "CREATE",
+                                                              "CROSS",
+                                                              "CURRENT",
+                                                              "CURRENT_DATE",
+                                                              "CURRENT_TIME",
+                                                              "CURRENT_TIMESTAMP",
+                                                              "CURRENT_USER",
+                                                              "CURSOR",
+                                                              "DATABASE",
+                                                              "DBCC",
+                                                              "DEALLOCATE",
+                                                              "DECLARE",
+                                                              "DEFAULT",
+                                                              "DELETE",
+                                                              "DENY",
+                                                              "DESC",
+                                                              "DISTINCT",
+                                                              "DISTRIBUTED",
+                                                              "DROP",
+                                                              "ELSE",
+                                                              "END",
+                                                              "ERRLVL",
+                                                              "ESCAPE",
+                                                              "EXCEPT",
+                                                              "EXEC",
+                                                              "EXECUTE",
+                                                              "EXISTS",
+                                                              "EXIT",
+                                                              "EXTERNAL",
+                                                              "FETCH",
+                                                              "FILE",
+                                                              "FILLFACTOR",
+                                                              "FOR",
+                                                              "FOREIGN",
+                                                              "FREETEXT",
+                                                              "FROM",
+                                                              "FULL",
+                                                              "FUNCTION",
+                                                              "GOTO",
+                                                              "GRANT",
+                                                              "GROUP",
+                                                              "HAVING",
+                                                              "HOLDLOCK",
+                                                              "IDENTITY",
+                                                              "IDENTITY_INSERT",
+                                                              "IF",
+                                                              "IN",
+                                                              "INDEX",
+                                                              "INNER",
+                                                              "INSERT",
+                                                              "INTERSECT",
+                                                              "INTO",
+                                                              "IS",
+                                                              "JOIN",
+                                                              "KEY",
+                                                              "KILL",
+                                                              "LEFT",
+                                                              "LIKE",
+                                                              "LINENO",
+                                                              "LOAD",
+                                                              "MERGE",
+                                                              "NATIONAL",
+                                                              "NOCHECK",
+                                                              "NONCLUSTERED",
+                                                              "NOT",
+                                                              "NULL",
+                                                              "NULLIF",
+                                                              "OF",
+                                                              "OFF",
+                                                              "OFFSETS",
+                                                              "ON",
+                                                              "OPEN",
+                                                              "OPENQUERY",
+                                                              "OPTION",
+                                                              "OR",
+                                                              "ORDER",
+                                                              "OUTER",
+                                                              "OVER",
+                                                              "PERCENT",
+                                                              "PIVOT",
+                                                              "PLAN",
+                                                              "PRIMARY",
+                                                              "PRINT",
+                                                              "PROC",
+                                                              "PROCEDURE",
+                                                              "PUBLIC",
+                                                              "RAISERROR",
+                                                              "READ",
+                                                              "RECONFIGURE",
+                                                              "REFERENCES",
+                                                              "REPLICATION",
+                                                              "RESTORE",
+                                                              "RESTRICT",
+                                                              "RETURN",
+                                                              "REVERT",
+                                                              "REVOKE",
+                                                              "RIGHT",
+                                                              "ROLLBACK",
+                                                              "ROWCOUNT",
+                                                              "ROWGUIDCOL",
+                                                              "RULE",
+                                                              "SAVE",
+                                                              "SCHEMA",
+                                                              "SELECT",
+                                                              "SESSION_USER",
+                                                              "SET",
+                                                              "SETUSER",
+                                                              "SHUTDOWN",
+                                                              "SOME",
+                                                              "STATISTICS",
+                                                              "SYSTEM_USER",
+                                                              "TABLE",
+                                                              "TABLESAMPLE",
+                                                              "THEN",
+                                                              "TO",
+                                                              "TOP",
+                                                              "TRAN",
+                                                              "TRANSACTION",
+                                                              "TRIGGER",
+                                                              "TRUNCATE",
+                                                              "TSEQUAL",
+                                                              "UNION",
+                                                              "UNIQUE",
+                                                              "UNPIVOT",
+                                                              "UPDATE",
+                                                              "USE",
+                                                              "USER",
+                                                              "VALUES",
+                                                              "VARYING",
+                                                              "VIEW",
+                                                              "WAITFOR",
+                                                              "WHEN",
+                                                              "WHERE",
+                                                              "WHILE",
+                                                              "WITH",
+                                                              "WRITETEXT"});
 
 }  // namespace
 
@@ -319,8 +463,8 @@ std::string Lugar(std::string_view texto, std::size_t posicion) {
     const auto antes = texto.substr(0, posicion);
     const auto linea = std::count(antes.begin(), antes.end(), '\n') + 1;
     const auto salto = antes.rfind('\n');
-    const auto columna = ContarCaracteres(
-        salto == std::string_view::npos ? antes : antes.substr(salto + 1));
+    const auto columna =
+        ContarCaracteres(salto == std::string_view::npos ? antes : antes.substr(salto + 1));
     return " (line " + std::to_string(linea) + ", column " + std::to_string(columna + 1) + ")";
 }
 

@@ -40,8 +40,8 @@ struct Lexico {
     std::vector<Token> tokens;  ///< the last one is Fin
     std::vector<Literal> literales;
     int parametros = 0;  ///< how many ? there are
-    /// The text with each constant replaced by its type: texts that differ in nothing but the
-    /// values of constants have the same form.
+    /// The text with each constant replaced by the kind of its type: texts that differ in nothing
+    /// but the values of constants have the same form.
     std::string forma;
 };
 

@@ -9,8 +9,10 @@ namespace {
 bool EsBlanco(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
 
 std::string_view SinBlancos(std::string_view texto) {
-    while (!texto.empty() && EsBlanco(texto.front())) texto.remove_prefix(1);
-    while (!texto.empty() && EsBlanco(texto.back())) texto.remove_suffix(1);
+    while (!texto.empty() && EsBlanco(texto.front()))
+        texto.remove_prefix(1);
+    while (!texto.empty() && EsBlanco(texto.back()))
+        texto.remove_suffix(1);
     return texto;
 }
 

@@ -9,6 +9,7 @@ Parser::Parser(std::string_view texto, Lexico lexico, Constantes constantes)
     : texto_(texto), tokens_(std::move(lexico.tokens)), constantes_(constantes) {
     lote_.literales = std::move(lexico.literales);
     lote_.fijos.assign(lote_.literales.size(), false);
+    lote_.tipos_fijos.assign(lote_.literales.size(), false);
     lote_.parametros = lexico.parametros;
 }
 
@@ -167,8 +168,7 @@ std::string NombreObjeto::Completo() const {
 
 bool Expr::EsCondicion() const {
     if (clase == ClaseExpr::Binaria) {
-        return texto == "AND" || texto == "OR" ||
-               texto.find_first_of("<>=") != std::string::npos;
+        return texto == "AND" || texto == "OR" || texto.find_first_of("<>=") != std::string::npos;
     }
     if (clase == ClaseExpr::Unaria) return texto == "NOT";
     return clase >= ClaseExpr::Entre && clase != ClaseExpr::Subconsulta;

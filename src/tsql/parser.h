@@ -17,6 +17,8 @@ struct Lote {
     /// form with other values there needs a tree of its own.
     std::vector<Literal> literales;
     std::vector<bool> fijos;
+    /// Constants whose very type (length, digits) shaped the translation.
+    std::vector<bool> tipos_fijos;
 };
 
 enum class Constantes {

@@ -8,7 +8,8 @@ namespace quimo::tsql {
 
 bool Parser::EmpiezaConsulta(std::size_t adelante) const {
     const std::size_t limite = adelante + kNivelesMaximos;
-    while (adelante < limite && EsSigno("(", adelante)) ++adelante;
+    while (adelante < limite && EsSigno("(", adelante))
+        ++adelante;
     return EsPalabra("SELECT", adelante);
 }
 
@@ -237,11 +238,11 @@ Resultado<FuentePtr> Parser::FuenteSimple() {
 Hecho Parser::Sugerencias() {
     constexpr auto kConocidas = std::to_array<std::string_view>(
         {"NOLOCK", "READUNCOMMITTED", "READCOMMITTED", "READPAST", "HOLDLOCK", "SERIALIZABLE",
-         "REPEATABLEREAD", "UPDLOCK", "XLOCK", "ROWLOCK", "PAGLOCK", "TABLOCK", "TABLOCKX", "NOWAIT"});
+         "REPEATABLEREAD", "UPDLOCK", "XLOCK", "ROWLOCK", "PAGLOCK", "TABLOCK", "TABLOCKX",
+         "NOWAIT"});
     const auto conocida = [&](std::size_t adelante) {
-        return std::any_of(kConocidas.begin(), kConocidas.end(), [&](std::string_view palabra) {
-            return EsPalabra(palabra, adelante);
-        });
+        return std::any_of(kConocidas.begin(), kConocidas.end(),
+                           [&](std::string_view palabra) { return EsPalabra(palabra, adelante); });
     };
     if (EsPalabra("WITH") && EsSigno("(", 1)) {
         ++i_;

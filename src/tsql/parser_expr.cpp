@@ -16,8 +16,8 @@ constexpr int kComparacion = 4;
 constexpr int kSuma = 5;
 constexpr int kProducto = 6;
 
-constexpr auto kComparadores = std::to_array<std::string_view>(
-    {"=", "<>", "<", ">", "<=", ">=", "!=", "!<", "!>"});
+constexpr auto kComparadores =
+    std::to_array<std::string_view>({"=", "<>", "<", ">", "<=", ">=", "!=", "!<", "!>"});
 
 int NivelBinario(const Token& token) {
     if (token.clase == Token::Clase::Palabra) {
@@ -104,7 +104,8 @@ Resultado<ExprPtr> Parser::Binaria(int minimo) {
         const std::size_t antes = i_;
         QUIMO_TRY(ExprPtr derecha, Binaria(fuerza + 1));
         if (derecha->EsCondicion() != logico) {
-            if (logico) return CrearError(4145, std::string((Fin() ? tokens_[antes] : Actual()).texto));
+            if (logico)
+                return CrearError(4145, std::string((Fin() ? tokens_[antes] : Actual()).texto));
             return Sintaxis();
         }
         union_.hijos = {std::move(izquierda), std::move(derecha)};
@@ -306,8 +307,8 @@ Resultado<ExprPtr> Parser::Conversion() {
 Resultado<ExprPtr> Parser::ColumnaOFuncion() {
     const std::size_t posicion = Actual().desde;
     // Functions that are reserved words.
-    constexpr auto kFunciones = std::to_array<std::string_view>(
-        {"LEFT", "RIGHT", "COALESCE", "NULLIF"});
+    constexpr auto kFunciones =
+        std::to_array<std::string_view>({"LEFT", "RIGHT", "COALESCE", "NULLIF"});
     for (const std::string_view funcion : kFunciones) {
         if (EsPalabra(funcion) && EsSigno("(", 1)) {
             i_ += 1;
@@ -426,7 +427,8 @@ Resultado<Tipo> Parser::ConLongitud(Clase clase, bool en_conversion) {
         if (!numeros.empty()) {
             if (numeros[0] > kDigitosMaximos) return CrearError(2750, std::to_string(numeros[0]));
             tipo.precision = static_cast<int>(numeros[0]);
-            tipo.escala = numeros.size() > 1 ? static_cast<int>(std::min<std::int64_t>(numeros[1], 99)) : 0;
+            tipo.escala =
+                numeros.size() > 1 ? static_cast<int>(std::min<std::int64_t>(numeros[1], 99)) : 0;
         }
         if (tipo.escala > tipo.precision || tipo.precision < 1) {
             return CrearError(2751, std::to_string(tipo.escala), std::to_string(tipo.precision));

@@ -59,8 +59,8 @@ private:
     Hecho Profundo() const;
 
     // Expressions
-    Resultado<ExprPtr> Expresion();   // a value
-    Resultado<ExprPtr> Condicion();   // true, false or unknown
+    Resultado<ExprPtr> Expresion();  // a value
+    Resultado<ExprPtr> Condicion();  // true, false or unknown
     Resultado<ExprPtr> Binaria(int minimo);
     Resultado<ExprPtr> Unaria();
     Resultado<ExprPtr> Predicado(ExprPtr izquierda);
@@ -130,7 +130,8 @@ private:
     // Definitions
     Resultado<std::shared_ptr<CrearTabla>> CuerpoDeTabla(NombreObjeto nombre);
     Hecho ElementoDeTabla(CrearTabla& tabla);
-    Hecho LeerColumna(std::vector<ColumnaDef>& columnas, std::vector<RestriccionDef>& restricciones);
+    Hecho LeerColumna(std::vector<ColumnaDef>& columnas,
+                      std::vector<RestriccionDef>& restricciones);
     Hecho AtributoDeColumna(ColumnaDef& columna, std::vector<RestriccionDef>& restricciones,
                             bool& hubo);
     Resultado<RestriccionDef> LeerRestriccion(const std::string& columna);

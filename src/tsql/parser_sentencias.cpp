@@ -18,16 +18,16 @@ Resultado<SentenciaPtr> Parser::LeerSentencia() {
 Resultado<SentenciaPtr> Parser::Despachar() {
     using Lectura = Resultado<SentenciaPtr> (Parser::*)();
     constexpr auto kLecturas = std::to_array<std::pair<std::string_view, Lectura>>({
-        {"SELECT", &Parser::LeerSelect},     {"WITH", &Parser::LeerWith},
-        {"INSERT", &Parser::LeerInsert},     {"UPDATE", &Parser::LeerUpdate},
-        {"DELETE", &Parser::LeerDelete},     {"TRUNCATE", &Parser::LeerTruncate},
-        {"EXEC", &Parser::LeerExec},         {"EXECUTE", &Parser::LeerExec},
-        {"DECLARE", &Parser::LeerDeclare},   {"SET", &Parser::LeerSet},
-        {"IF", &Parser::LeerIf},             {"WHILE", &Parser::LeerWhile},
-        {"BEGIN", &Parser::LeerBegin},       {"RETURN", &Parser::LeerReturn},
-        {"PRINT", &Parser::LeerPrint},       {"RAISERROR", &Parser::LeerRaiserror},
-        {"CREATE", &Parser::LeerCreate},     {"ALTER", &Parser::LeerAlter},
-        {"DROP", &Parser::LeerDrop},         {"USE", &Parser::LeerUse},
+        {"SELECT", &Parser::LeerSelect},   {"WITH", &Parser::LeerWith},
+        {"INSERT", &Parser::LeerInsert},   {"UPDATE", &Parser::LeerUpdate},
+        {"DELETE", &Parser::LeerDelete},   {"TRUNCATE", &Parser::LeerTruncate},
+        {"EXEC", &Parser::LeerExec},       {"EXECUTE", &Parser::LeerExec},
+        {"DECLARE", &Parser::LeerDeclare}, {"SET", &Parser::LeerSet},
+        {"IF", &Parser::LeerIf},           {"WHILE", &Parser::LeerWhile},
+        {"BEGIN", &Parser::LeerBegin},     {"RETURN", &Parser::LeerReturn},
+        {"PRINT", &Parser::LeerPrint},     {"RAISERROR", &Parser::LeerRaiserror},
+        {"CREATE", &Parser::LeerCreate},   {"ALTER", &Parser::LeerAlter},
+        {"DROP", &Parser::LeerDrop},       {"USE", &Parser::LeerUse},
     });
     const std::size_t posicion = Actual().desde;
     if (EsSigno("(") && EmpiezaConsulta()) return LeerSelect();
@@ -106,8 +106,7 @@ Resultado<SentenciaPtr> Parser::LeerInsert() {
         QUIMO_TRY_VOID(Valores(insertar));
     } else if (EsPalabra("EXEC") || EsPalabra("EXECUTE")) {
         QUIMO_TRY(const SentenciaPtr llamada, LeerExec());
-        insertar.ejecutar =
-            std::make_shared<const Ejecutar>(*std::get_if<Ejecutar>(&llamada->que));
+        insertar.ejecutar = std::make_shared<const Ejecutar>(*std::get_if<Ejecutar>(&llamada->que));
     } else if (EmpiezaConsulta()) {
         QUIMO_TRY(insertar.consulta, LeerConsulta());
     } else {
@@ -246,16 +245,18 @@ Resultado<SentenciaPtr> Parser::LeerLlamada() {
                            Actual().clase == Token::Clase::Variable || Fin() || EsSigno(";") ||
                            Actual().clase == Token::Clase::Parametro || EsPalabra("NULL") ||
                            EsPalabra("DEFAULT");
-    if (!argumento && !HayNombre()) return SintaxisEn(Actual().clase == Token::Clase::Signo ? i_ : token);
+    if (!argumento && !HayNombre())
+        return SintaxisEn(Actual().clase == Token::Clase::Signo ? i_ : token);
     QUIMO_TRY_VOID(Argumentos(ejecutar));
     return Hacer(posicion, std::move(ejecutar));
 }
 
 Hecho Parser::Argumentos(Ejecutar& ejecutar) {
     const Token& token = Actual();
-    const bool hay = token.clase == Token::Clase::Literal || token.clase == Token::Clase::Variable ||
-                     token.clase == Token::Clase::Parametro || token.clase == Token::Clase::Global ||
-                     EsSigno("-") || EsPalabra("NULL") || EsPalabra("DEFAULT") || HayNombre();
+    const bool hay =
+        token.clase == Token::Clase::Literal || token.clase == Token::Clase::Variable ||
+        token.clase == Token::Clase::Parametro || token.clase == Token::Clase::Global ||
+        EsSigno("-") || EsPalabra("NULL") || EsPalabra("DEFAULT") || HayNombre();
     if (!hay) return {};
     do {
         QUIMO_TRY(Argumento argumento, LeerArgumento());
@@ -281,7 +282,8 @@ Resultado<Argumento> Parser::LeerArgumento() {
     }
     QUIMO_TRY(argumento.valor, Unaria());
     argumento.salida = Aceptar("OUTPUT") || Aceptar("OUT");
-    if (argumento.salida && argumento.valor->clase != ClaseExpr::Variable) return SintaxisEn(i_ - 1);
+    if (argumento.salida && argumento.valor->clase != ClaseExpr::Variable)
+        return SintaxisEn(i_ - 1);
     return argumento;
 }
 
@@ -418,12 +420,12 @@ Resultado<SentenciaPtr> Parser::LeerReturn() {
     ++i_;
     Regresar regresar;
     const Token& token = Actual();
-    const bool valor = token.clase == Token::Clase::Literal || token.clase == Token::Clase::Variable ||
-                       token.clase == Token::Clase::Global || HayNombre() || EsSigno("(") ||
-                       EsSigno("-") || EsSigno("+") || EsSigno("~") || EsPalabra("NULL") ||
-                       EsPalabra("CASE") || EsPalabra("CONVERT") || EsPalabra("COALESCE") ||
-                       EsPalabra("NULLIF") || EsPalabra("LEFT") || EsPalabra("RIGHT") ||
-                       token.clase == Token::Clase::Parametro;
+    const bool valor =
+        token.clase == Token::Clase::Literal || token.clase == Token::Clase::Variable ||
+        token.clase == Token::Clase::Global || HayNombre() || EsSigno("(") || EsSigno("-") ||
+        EsSigno("+") || EsSigno("~") || EsPalabra("NULL") || EsPalabra("CASE") ||
+        EsPalabra("CONVERT") || EsPalabra("COALESCE") || EsPalabra("NULLIF") || EsPalabra("LEFT") ||
+        EsPalabra("RIGHT") || token.clase == Token::Clase::Parametro;
     if (valor) {
         QUIMO_TRY(regresar.expr, Expresion());
     }

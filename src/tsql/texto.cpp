@@ -141,26 +141,30 @@ void AgregarCaracter(std::string& texto, char32_t c) {
 std::u32string ACaracteres(std::string_view texto) {
     std::u32string caracteres;
     caracteres.reserve(texto.size());
-    for (std::size_t i = 0; i < texto.size();) caracteres.push_back(SiguienteCaracter(texto, i));
+    for (std::size_t i = 0; i < texto.size();)
+        caracteres.push_back(SiguienteCaracter(texto, i));
     return caracteres;
 }
 
 std::string AUtf8(std::u32string_view caracteres) {
     std::string texto;
     texto.reserve(caracteres.size());
-    for (const char32_t c : caracteres) AgregarCaracter(texto, c);
+    for (const char32_t c : caracteres)
+        AgregarCaracter(texto, c);
     return texto;
 }
 
 int ContarCaracteres(std::string_view texto) {
     int cuenta = 0;
-    for (std::size_t i = 0; i < texto.size(); ++cuenta) SiguienteCaracter(texto, i);
+    for (std::size_t i = 0; i < texto.size(); ++cuenta)
+        SiguienteCaracter(texto, i);
     return cuenta;
 }
 
 std::size_t BytesDe(std::string_view texto, int caracteres) {
     std::size_t i = 0;
-    while (i < texto.size() && caracteres-- > 0) SiguienteCaracter(texto, i);
+    while (i < texto.size() && caracteres-- > 0)
+        SiguienteCaracter(texto, i);
     return i;
 }
 
@@ -230,13 +234,15 @@ bool MismoNombre(std::string_view a, std::string_view b) {
 }
 
 std::string_view SinBlancosAlFinal(std::string_view texto) {
-    while (!texto.empty() && texto.back() == ' ') texto.remove_suffix(1);
+    while (!texto.empty() && texto.back() == ' ')
+        texto.remove_suffix(1);
     return texto;
 }
 
 std::string_view Recortar(std::string_view texto) {
     texto = SinBlancosAlFinal(texto);
-    while (!texto.empty() && texto.front() == ' ') texto.remove_prefix(1);
+    while (!texto.empty() && texto.front() == ' ')
+        texto.remove_prefix(1);
     return texto;
 }
 

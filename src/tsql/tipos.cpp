@@ -12,10 +12,13 @@ namespace {
 
 constexpr int kEscalaMinima = 6;  // decimals that a division or product always keeps
 
-constexpr auto kNombres = std::to_array<std::string_view>(
-    {"NULL",     "binary", "varbinary",  "char",    "varchar", "nchar", "nvarchar", "uniqueidentifier",
-     "image",    "text",   "ntext",      "bit",     "tinyint", "smallint", "int",   "bigint",
-     "smallmoney", "money", "numeric",   "real",    "float",   "smalldatetime", "datetime"});
+constexpr auto kNombres =
+    std::to_array<std::string_view>({"NULL",       "binary",        "varbinary", "char",
+                                     "varchar",    "nchar",         "nvarchar",  "uniqueidentifier",
+                                     "image",      "text",          "ntext",     "bit",
+                                     "tinyint",    "smallint",      "int",       "bigint",
+                                     "smallmoney", "money",         "numeric",   "real",
+                                     "float",      "smalldatetime", "datetime"});
 
 constexpr auto kSinonimos = std::to_array<std::pair<std::string_view, Clase>>({
     {"integer", Clase::Int},
@@ -32,8 +35,8 @@ Tipo Acotar(int precision, int escala, bool suma) {
         if (suma) {
             escala = std::max(0, std::min(escala, kDigitosMaximos - (enteros - 1)));
         } else {
-            escala = std::min(escala, std::max(kDigitosMaximos - enteros,
-                                               std::min(escala, kEscalaMinima)));
+            escala = std::min(escala,
+                              std::max(kDigitosMaximos - enteros, std::min(escala, kEscalaMinima)));
         }
         precision = kDigitosMaximos;
     }

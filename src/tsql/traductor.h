@@ -43,9 +43,9 @@ struct Plan {
     /// pass through values that others still hold.
     std::string sql_filas = {};
     std::vector<int> columnas_escritas = {};
-    bool identidad_automatica = false;    ///< the engine numbers the rows
-    bool identidad_explicita = false;     ///< the statement gives the numbers
-    std::vector<TablaPtr> usadas;         ///< tables that the plan stands on
+    bool identidad_automatica = false;  ///< the engine numbers the rows
+    bool identidad_explicita = false;   ///< the statement gives the numbers
+    std::vector<TablaPtr> usadas;       ///< tables that the plan stands on
 };
 
 /// What a text means depends on where it is run.
@@ -55,9 +55,9 @@ struct Entorno {
     std::function<std::optional<Tipo>(const std::string&)> tipo_variable = {};
     std::vector<Tipo> parametros = {};
     OrdenFecha orden = OrdenFecha::Dma;
-    std::string base = {};            ///< the database's name
+    std::string base = {};             ///< the database's name
     std::string identity_insert = {};  ///< table whose identity column takes values, lower case
-    Lote* lote = nullptr;             ///< whose constants are read; may be null
+    Lote* lote = nullptr;              ///< whose constants are read; may be null
 };
 
 Resultado<Plan> TraducirConsulta(const Consulta& consulta, const Entorno& entorno);

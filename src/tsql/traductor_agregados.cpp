@@ -96,7 +96,8 @@ Resultado<Termino> Traductor::CuerpoDeAgregado(const Expr& expr, Ambito& ambito)
         return Termino{funcion + distinto + dentro.sql + ")" + sobre, suma};
     }
     QUIMO_TRY(const Termino real, Convertir(dentro, TipoReal()));
-    return Termino{"q_" + AMinusculas(nombre) + "(" + distinto + real.sql + ")" + sobre, TipoReal()};
+    return Termino{"q_" + AMinusculas(nombre) + "(" + distinto + real.sql + ")" + sobre,
+                   TipoReal()};
 }
 
 Resultado<Termino> Traductor::Promedio(const Termino& dentro, const std::string& distinto,

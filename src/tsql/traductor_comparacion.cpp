@@ -54,8 +54,8 @@ Resultado<Termino> Traductor::Asignar(Termino termino, const ColumnaTabla& colum
     // A sum or product may have left the range of its own type without anybody noticing.
     const bool revisar = exacto && !termino.columna && !termino.constante && !termino.nulo;
     auto nativa = revisar ? std::nullopt : ConversionNativa(termino, columna.tipo);
-    Termino valor = nativa ? *std::move(nativa)
-                           : LlamarConversion(termino, columna.tipo, 0, Destino::Columna);
+    Termino valor =
+        nativa ? *std::move(nativa) : LlamarConversion(termino, columna.tipo, 0, Destino::Columna);
     const int fila = tabla.ColumnaFila();
     const bool es_fila = fila >= 0 && &tabla.columnas[static_cast<std::size_t>(fila)] == &columna;
     if (es_fila && termino.admite_nulos) {
@@ -86,7 +86,8 @@ Hecho Traductor::Igualar(Termino& a, Termino& b) {
     if (!menor.tipo.EsExacto() || !mayor.tipo.EsExacto()) {
         Tipo comun = mayor.tipo;
         if (comun.EsReal()) comun = TipoReal();
-        if (comun.clase == Clase::Numeric && menor.tipo.EsTexto()) comun.precision = kDigitosMaximos;
+        if (comun.clase == Clase::Numeric && menor.tipo.EsTexto())
+            comun.precision = kDigitosMaximos;
         QUIMO_TRY(menor, Convertir(std::move(menor), comun));
         if (!mayor.tipo.EsAncho() && !menor.tipo.EsAncho()) return {};
     }
@@ -129,8 +130,8 @@ Resultado<Termino> Traductor::Entre(const Expr& expr, Ambito& ambito) {
     } else {
         QUIMO_TRY(valor, Valor(expr.hijos[0], ambito));
     }
-    QUIMO_TRY(Termino desde, Valor(expr.hijos[1], ambito));
-    QUIMO_TRY(Termino hasta, Valor(expr.hijos[2], ambito));
+    QUIMO_TRY(Termino desde, ValorSuelto(expr.hijos[1], ambito));
+    QUIMO_TRY(Termino hasta, ValorSuelto(expr.hijos[2], ambito));
     Termino con_desde = valor;
     Termino con_hasta = valor;
     QUIMO_TRY_VOID(Igualar(con_desde, desde));
@@ -139,8 +140,8 @@ Resultado<Termino> Traductor::Entre(const Expr& expr, Ambito& ambito) {
     if (con_desde.sql == con_hasta.sql) {
         const bool texto = con_desde.tipo.EsTexto();
         const std::string izquierda = texto ? Cotejada(con_desde) : Par(con_desde, Fuerza::Orden);
-        return ConControl(Verdad(izquierda + no + " BETWEEN " + Par(desde, Fuerza::Orden) + " AND " +
-                                     Par(hasta, Fuerza::Orden),
+        return ConControl(Verdad(izquierda + no + " BETWEEN " + Par(desde, Fuerza::Orden) +
+                                     " AND " + Par(hasta, Fuerza::Orden),
                                  Fuerza::Igual),
                           control);
     }
@@ -158,7 +159,7 @@ Resultado<Termino> Traductor::EnLista(const Expr& expr, Ambito& ambito) {
     std::string izquierda;
     bool uniforme = true;
     for (std::size_t i = 1; i < expr.hijos.size(); ++i) {
-        QUIMO_TRY(Termino item, Valor(expr.hijos[i], ambito));
+        QUIMO_TRY(Termino item, ValorSuelto(expr.hijos[i], ambito));
         Termino convertido = valor;
         QUIMO_TRY_VOID(Igualar(convertido, item));
         const std::string este =
@@ -169,7 +170,8 @@ Resultado<Termino> Traductor::EnLista(const Expr& expr, Ambito& ambito) {
         alternativas += (i > 1 ? " OR " : "") + este + "=" + Par(item, Fuerza::Orden);
     }
     if (uniforme) {
-        return Verdad(izquierda + (expr.negado ? " NOT IN (" : " IN (") + lista + ")", Fuerza::Igual);
+        return Verdad(izquierda + (expr.negado ? " NOT IN (" : " IN (") + lista + ")",
+                      Fuerza::Igual);
     }
     return Verdad((expr.negado ? "NOT (" : "(") + alternativas + ")",
                   expr.negado ? Fuerza::No : Fuerza::Atomo);
@@ -256,16 +258,18 @@ std::optional<Termino> Traductor::FechaDeTrabajo(const ExprPtr& expr, Ambito& am
         const auto hallada = BuscarColumna(*dia, *a);
         if (!hallada) return {};
         if (*hallada == nullptr) continue;
-        if ((a->agrupado && !a->libre) || !Igual(*dia, *mes, *a) || !Igual(*dia, *anio, *a)) return {};
+        if ((a->agrupado && !a->libre) || !Igual(*dia, *mes, *a) || !Igual(*dia, *anio, *a))
+            return {};
         for (const TablaAmbito& tabla : a->tablas) {
             const std::ptrdiff_t cual = *hallada - tabla.columnas.data();
-            const bool suya = cual >= 0 && cual < static_cast<std::ptrdiff_t>(tabla.columnas.size());
+            const bool suya =
+                cual >= 0 && cual < static_cast<std::ptrdiff_t>(tabla.columnas.size());
             if (!suya || !tabla.tabla) continue;
             for (const Indice& indice : tabla.tabla->indices) {
                 if (indice.columnas[0] != cual || (*hallada)->tipo.longitud != 8) continue;
                 const std::string columna = EntreComillas((*hallada)->nombre);
-                control = "q_fechas_validas((SELECT 1 FROM " + tabla.tabla->sql + " WHERE q_fecha8(" +
-                          columna + ")='!' LIMIT 1))";
+                control = "q_fechas_validas((SELECT 1 FROM " + tabla.tabla->sql +
+                          " WHERE q_fecha8(" + columna + ")='!' LIMIT 1))";
                 return Termino{"q_fecha8(" + (*hallada)->sql + ")", TipoFecha()};
             }
         }

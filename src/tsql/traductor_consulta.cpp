@@ -139,8 +139,8 @@ Resultado<ConsultaSql> Traductor::Simple(const Consulta& consulta, Ambito* padre
     salida.una_fila = un_grupo || sin_tabla;
     if (seleccion.tope && !salida.una_fila) {
         const auto tope = Fijar(*seleccion.tope);
-        salida.una_fila = tope && tope->tipo.EsEntero() && tope->valor.exacto == 1 &&
-                          !seleccion.tope_porciento;
+        salida.una_fila =
+            tope && tope->tipo.EsEntero() && tope->valor.exacto == 1 && !seleccion.tope_porciento;
     }
     return salida;
 }
@@ -156,8 +156,8 @@ Resultado<std::vector<Termino>> Traductor::Lista(const Seleccion& seleccion, Amb
         }
         QUIMO_TRY(Termino termino, Valor(item.expr, ambito));
         if (!item.variable.empty()) {
-            const auto tipo = entorno_.tipo_variable ? entorno_.tipo_variable(item.variable)
-                                                     : std::nullopt;
+            const auto tipo =
+                entorno_.tipo_variable ? entorno_.tipo_variable(item.variable) : std::nullopt;
             if (!tipo) return CrearError(137, item.variable);
             QUIMO_TRY(termino, Convertir(std::move(termino), *tipo));
             termino.tipo = *tipo;
@@ -261,7 +261,9 @@ Resultado<std::string> Traductor::ItemDeOrden(const OrdenItem& item, const Selec
         for (std::size_t i = 0; i < salida.columnas.size(); ++i) {
             if (MismoNombre(salida.columnas[i].nombre, item.expr->partes[0])) lugares.push_back(i);
         }
-        const auto distinto = [&](std::size_t i) { return terminos[i].sql != terminos[lugares[0]].sql; };
+        const auto distinto = [&](std::size_t i) {
+            return terminos[i].sql != terminos[lugares[0]].sql;
+        };
         if (std::any_of(lugares.begin(), lugares.end(), distinto)) {
             return CrearError(209, item.expr->partes[0]);
         }

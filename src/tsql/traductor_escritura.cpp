@@ -94,10 +94,11 @@ Resultado<std::string> Traductor::FilaDeValores(const Insertar& insertar,
     Ambito vacio;
     vacio.clausula = Clausula::Donde;
     for (std::size_t i = 0; i < fila.size(); ++i) {
-        const ColumnaTabla& columna = tabla.columnas[static_cast<std::size_t>(destinos.columnas[i])];
+        const ColumnaTabla& columna =
+            tabla.columnas[static_cast<std::size_t>(destinos.columnas[i])];
         Termino termino;
         if (fila[i]) {
-            QUIMO_TRY(termino, Valor(fila[i], vacio));
+            QUIMO_TRY(termino, ValorSuelto(fila[i], vacio));
             QUIMO_TRY(termino, Asignar(std::move(termino), columna, tabla, "INSERT"));
         } else {
             QUIMO_TRY(termino, Defecto(columna, tabla));
@@ -105,7 +106,8 @@ Resultado<std::string> Traductor::FilaDeValores(const Insertar& insertar,
         if (columna.identidad) termino.sql = "q_numero_dado(" + termino.sql + ")";
         sql += (sql.empty() ? "" : ",") + termino.sql;
     }
-    for (const std::string& defecto : destinos.defectos) sql += (sql.empty() ? "" : ",") + defecto;
+    for (const std::string& defecto : destinos.defectos)
+        sql += (sql.empty() ? "" : ",") + defecto;
     return sql;
 }
 
@@ -136,7 +138,8 @@ Resultado<Plan> Traductor::InsertarEn(const Insertar& insertar) {
             if (columna.identidad) termino.sql = "q_numero_dado(" + termino.sql + ")";
             lista += (i > 0 ? "," : "") + termino.sql;
         }
-        for (const std::string& defecto : destinos.defectos) lista += (lista.empty() ? "" : ",") + defecto;
+        for (const std::string& defecto : destinos.defectos)
+            lista += (lista.empty() ? "" : ",") + defecto;
         sql += "SELECT " + lista + " FROM (" + consulta.sql + ") WHERE 1";
     } else {
         std::string filas;
@@ -180,7 +183,7 @@ Resultado<Traductor::Escritas> Traductor::Asignaciones(const Actualizar& actuali
         }
         Termino termino;
         if (asignacion.expr) {
-            QUIMO_TRY(termino, Valor(asignacion.expr, ambito));
+            QUIMO_TRY(termino, ValorSuelto(asignacion.expr, ambito));
             QUIMO_TRY(termino, Asignar(std::move(termino), columna, tabla, "UPDATE"));
         } else {
             QUIMO_TRY(termino, Defecto(columna, tabla));
@@ -251,7 +254,8 @@ Resultado<std::size_t> Traductor::Blanco(const NombreObjeto& nombre, const Ambit
     const TablaPtr tabla = entorno_.catalogo->BuscarTabla(nombre);
     std::size_t hallada = ambito.tablas.size();
     for (std::size_t i = 0; i < ambito.tablas.size(); ++i) {
-        if (nombre.esquema.empty() && MismoNombre(ambito.tablas[i].expuesto, nombre.objeto)) return i;
+        if (nombre.esquema.empty() && MismoNombre(ambito.tablas[i].expuesto, nombre.objeto))
+            return i;
         if (tabla && ambito.tablas[i].tabla == tabla) hallada = i;
     }
     if (hallada == ambito.tablas.size()) return CrearError(208, nombre.Completo());
@@ -350,8 +354,8 @@ Resultado<ExpresionDeTabla> Traductor::DeTabla(const std::string& texto, const T
     fila.expuesto = tabla.nombre;
     for (const ColumnaTabla& columna : tabla.columnas) {
         if (columna.tipo.clase == Clase::Nulo) continue;
-        fila.columnas.push_back({columna.nombre, EntreComillas(columna.nombre), columna.tipo,
-                                 columna.admite_nulos});
+        fila.columnas.push_back(
+            {columna.nombre, EntreComillas(columna.nombre), columna.tipo, columna.admite_nulos});
     }
     ambito.tablas.push_back(std::move(fila));
     QUIMO_TRY(const Termino termino, Valor(expr, ambito));

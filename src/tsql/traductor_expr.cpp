@@ -15,7 +15,8 @@ constexpr int kNivelesMaximos = 1500;
 
 std::string NombreCompleto(const std::vector<std::string>& partes) {
     std::string nombre;
-    for (const std::string& parte : partes) nombre += (nombre.empty() ? "" : ".") + parte;
+    for (const std::string& parte : partes)
+        nombre += (nombre.empty() ? "" : ".") + parte;
     return nombre;
 }
 
@@ -180,7 +181,8 @@ Resultado<Termino> Traductor::Literales(const Expr& expr) {
             if (valor == sustituciones_.back().end()) return CrearError(137, expr.texto);
             return valor->second;
         }
-        const auto tipo = entorno_.tipo_variable ? entorno_.tipo_variable(expr.texto) : std::nullopt;
+        const auto tipo =
+            entorno_.tipo_variable ? entorno_.tipo_variable(expr.texto) : std::nullopt;
         if (!tipo) return CrearError(137, expr.texto);
         termino.tipo = *tipo;
         termino.sql = Ranura({Ranura::Origen::Variable, -1, expr.texto, *tipo});
@@ -204,8 +206,27 @@ Resultado<Termino> Traductor::Literales(const Expr& expr) {
         termino.sql = LiteralSql(*expr.literal);
         if (!termino.sql.empty() && termino.sql[0] == '-') termino.fuerza = Fuerza::Unaria;
     } else {
+        if (entorno_.lote != nullptr) {
+            entorno_.lote->tipos_fijos[static_cast<std::size_t>(expr.indice)] = true;
+        }
         termino.sql = Ranura({Ranura::Origen::Literal, expr.indice, {}, expr.tipo});
     }
+    return termino;
+}
+
+Resultado<Termino> Traductor::ValorSuelto(const ExprPtr& expr, Ambito& ambito) {
+    const bool constante = expr->clase == ClaseExpr::Literal && expr->indice >= 0 &&
+                           entorno_.lote != nullptr && !expr->tipo.EsAncho() &&
+                           expr->tipo.longitud >= 0;
+    if (!constante) return Valor(expr, ambito);
+    Termino termino{Ranura({Ranura::Origen::Literal, expr->indice, {}, expr->tipo}), expr->tipo,
+                    Fuerza::Atomo, false};
+    termino.constante = true;
+    Tipo& tipo = termino.tipo;
+    if (tipo.EsEntero()) tipo = TipoEntero(tipo.clase);
+    if (tipo.clase == Clase::Numeric) tipo.precision = kDigitosNativos;
+    if (tipo.EsTexto()) tipo.longitud = tipo.EsNacional() ? kLongitudMaxima / 2 : kLongitudMaxima;
+    if (tipo.EsBinario()) tipo.longitud = kLongitudMaxima;
     return termino;
 }
 
@@ -308,27 +329,31 @@ Resultado<Termino> Traductor::Unaria(const Expr& expr, Ambito& ambito) {
 }
 
 Resultado<Termino> Traductor::Binaria(const Expr& expr, Ambito& ambito) {
-    QUIMO_TRY(Termino a, Valor(expr.hijos[0], ambito));
+    const ExprPtr& izquierda = expr.hijos[0];
+    const ExprPtr& derecha = expr.hijos[1];
     if (expr.texto == "AND" || expr.texto == "OR") {
-        QUIMO_TRY(const Termino b, Valor(expr.hijos[1], ambito));
+        QUIMO_TRY(const Termino a, Valor(izquierda, ambito));
+        QUIMO_TRY(const Termino b, Valor(derecha, ambito));
         const Fuerza fuerza = expr.texto == "AND" ? Fuerza::Y : Fuerza::O;
         return Termino{Par(a, fuerza) + " " + expr.texto + " " + Par(b, Fuerza::No),
                        TipoEntero(Clase::Bit), fuerza};
     }
+    if (!expr.EsCondicion()) {
+        QUIMO_TRY(Termino a, Valor(izquierda, ambito));
+        QUIMO_TRY(Termino b, Valor(derecha, ambito));
+        return Aritmetica(expr.texto[0], std::move(a), std::move(b));
+    }
     std::string control;
-    const bool comparacion = expr.EsCondicion();
-    if (comparacion) {
-        if (auto fecha = FechaDeTrabajo(expr.hijos[0], ambito, control)) a = *std::move(fecha);
-    }
-    QUIMO_TRY(Termino b, Valor(expr.hijos[1], ambito));
-    if (comparacion) {
+    const auto operando = [&](const ExprPtr& hijo) -> Resultado<Termino> {
         if (control.empty()) {
-            if (auto fecha = FechaDeTrabajo(expr.hijos[1], ambito, control)) b = *std::move(fecha);
+            if (auto fecha = FechaDeTrabajo(hijo, ambito, control)) return *std::move(fecha);
         }
-        QUIMO_TRY(Termino igual, CompararTerminos(expr.texto, std::move(a), std::move(b)));
-        return ConControl(std::move(igual), control);
-    }
-    return Aritmetica(expr.texto[0], std::move(a), std::move(b));
+        return ValorSuelto(hijo, ambito);
+    };
+    QUIMO_TRY(Termino a, operando(izquierda));
+    QUIMO_TRY(Termino b, operando(derecha));
+    QUIMO_TRY(Termino igual, CompararTerminos(expr.texto, std::move(a), std::move(b)));
+    return ConControl(std::move(igual), control);
 }
 
 Resultado<Termino> Traductor::Concatenar(Termino a, Termino b) {
@@ -393,8 +418,8 @@ Resultado<Termino> Traductor::ConversionExplicita(const Expr& expr, Ambito& ambi
         }
         estilo = static_cast<int>(literal->valor.Entero());
     }
-    const bool uuid = valor.tipo.clase == Clase::UniqueIdentifier ||
-                      expr.tipo.clase == Clase::UniqueIdentifier;
+    const bool uuid =
+        valor.tipo.clase == Clase::UniqueIdentifier || expr.tipo.clase == Clase::UniqueIdentifier;
     if (uuid) {
         QUIMO_TRY(const bool permitida, PermiteImplicita(valor.tipo, expr.tipo));
         QUIMO_CHECK(permitida);

@@ -109,7 +109,8 @@ Resultado<std::string> Traductor::TablaSql(const Fuente& fuente, Ambito& ambito)
         return sql;
     }
     const ModuloPtr modulo = entorno_.catalogo->BuscarModulo(nombre);
-    if (!modulo || modulo->clase != CrearModulo::Clase::Vista) return CrearError(208, nombre.Completo());
+    if (!modulo || modulo->clase != CrearModulo::Clase::Vista)
+        return CrearError(208, nombre.Completo());
     if (vistas_ > 32) return CrearError(217, "32");
     ++vistas_;
     std::vector<std::vector<ExpresionComun>> ninguna;
@@ -136,7 +137,8 @@ Resultado<std::string> Traductor::DerivadaSql(const Consulta& consulta, const st
         columna.nombre = columnas.empty() ? dentro.columnas[i].nombre : columnas[i];
         if (columna.nombre.empty()) return CrearError(8155, std::to_string(i + 1), nombre);
         for (const ColumnaAmbito& otra : tabla.columnas) {
-            if (MismoNombre(otra.nombre, columna.nombre)) return CrearError(8156, columna.nombre, nombre);
+            if (MismoNombre(otra.nombre, columna.nombre))
+                return CrearError(8156, columna.nombre, nombre);
         }
         columna.sql = tabla.alias_sql + ".\"q" + std::to_string(i + 1) + "\"";
         columna.tipo = dentro.columnas[i].tipo;

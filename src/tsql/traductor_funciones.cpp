@@ -92,7 +92,8 @@ Tipo TipoDeResultado(char codigo, const std::vector<Termino>& argumentos) {
 
 int Usos(const Expr& expr, const std::string& variable) {
     int usos = expr.clase == ClaseExpr::Variable && expr.texto == variable ? 1 : 0;
-    for (const ExprPtr& hijo : expr.hijos) usos += Usos(*hijo, variable);
+    for (const ExprPtr& hijo : expr.hijos)
+        usos += Usos(*hijo, variable);
     return usos;
 }
 
@@ -130,9 +131,9 @@ Resultado<Termino> Traductor::FuncionDeTabla(const Expr& expr, Ambito& ambito) {
         }
         return Termino{Ranura({Ranura::Origen::Global, -1, expr.texto, tipo}), tipo};
     }
-    const auto* const cual = std::find_if(kSencillas.begin(), kSencillas.end(), [&](const Sencilla& s) {
-        return s.nombre == expr.texto;
-    });
+    const auto* const cual =
+        std::find_if(kSencillas.begin(), kSencillas.end(),
+                     [&](const Sencilla& s) { return s.nombre == expr.texto; });
     if (cual == kSencillas.end()) return CrearError(195, expr.texto, "built-in function name");
     const std::size_t cuantos = expr.hijos.size();
     if (cuantos < cual->minimo || cuantos > cual->maximo) {
@@ -169,24 +170,15 @@ Resultado<Termino> Traductor::FuncionEspecial(const Expr& expr, Ambito& ambito, 
         Traduccion traduccion;
     };
     constexpr auto kEspeciales = std::to_array<Entrada>({
-        {"ISNULL", 2, 2, &Traductor::IsNull},
-        {"COALESCE", 2, 250, &Traductor::Coalesce},
-        {"NULLIF", 2, 2, &Traductor::NullIf},
-        {"SUBSTRING", 3, 3, &Traductor::Subcadena},
-        {"ROUND", 2, 3, &Traductor::Redondear},
-        {"ABS", 1, 1, &Traductor::Redondear},
-        {"CEILING", 1, 1, &Traductor::Redondear},
-        {"FLOOR", 1, 1, &Traductor::Redondear},
-        {"SIGN", 1, 1, &Traductor::Redondear},
-        {"POWER", 2, 2, &Traductor::Redondear},
-        {"DATEADD", 3, 3, &Traductor::FuncionFecha},
-        {"DATEDIFF", 3, 3, &Traductor::FuncionFecha},
-        {"DATEPART", 2, 2, &Traductor::FuncionFecha},
-        {"DATENAME", 2, 2, &Traductor::FuncionFecha},
-        {"YEAR", 1, 1, &Traductor::FuncionFecha},
-        {"MONTH", 1, 1, &Traductor::FuncionFecha},
-        {"DAY", 1, 1, &Traductor::FuncionFecha},
-        {"ISNUMERIC", 1, 1, &Traductor::Redondear},
+        {"ISNULL", 2, 2, &Traductor::IsNull},         {"COALESCE", 2, 250, &Traductor::Coalesce},
+        {"NULLIF", 2, 2, &Traductor::NullIf},         {"SUBSTRING", 3, 3, &Traductor::Subcadena},
+        {"ROUND", 2, 3, &Traductor::Redondear},       {"ABS", 1, 1, &Traductor::Redondear},
+        {"CEILING", 1, 1, &Traductor::Redondear},     {"FLOOR", 1, 1, &Traductor::Redondear},
+        {"SIGN", 1, 1, &Traductor::Redondear},        {"POWER", 2, 2, &Traductor::Redondear},
+        {"DATEADD", 3, 3, &Traductor::FuncionFecha},  {"DATEDIFF", 3, 3, &Traductor::FuncionFecha},
+        {"DATEPART", 2, 2, &Traductor::FuncionFecha}, {"DATENAME", 2, 2, &Traductor::FuncionFecha},
+        {"YEAR", 1, 1, &Traductor::FuncionFecha},     {"MONTH", 1, 1, &Traductor::FuncionFecha},
+        {"DAY", 1, 1, &Traductor::FuncionFecha},      {"ISNUMERIC", 1, 1, &Traductor::Redondear},
         {"DATALENGTH", 1, 1, &Traductor::Redondear},
     });
     for (const Entrada& entrada : kEspeciales) {
@@ -249,8 +241,9 @@ Resultado<Termino> Traductor::Subcadena(const Expr& expr, Ambito& ambito) {
     for (std::size_t i = 1; i < 3; ++i) {
         QUIMO_TRY(t[i], Convertir(std::move(t[i]), TipoEntero(Clase::Int)));
     }
-    Tipo tipo = t[0].tipo.EsBinario() ? TipoTexto(Clase::VarBinary, 0)
-                                      : TipoTexto(t[0].tipo.EsNacional() ? Clase::NVarChar : Clase::VarChar, 0);
+    Tipo tipo = t[0].tipo.EsBinario()
+                    ? TipoTexto(Clase::VarBinary, 0)
+                    : TipoTexto(t[0].tipo.EsNacional() ? Clase::NVarChar : Clase::VarChar, 0);
     tipo.longitud = t[0].nulo ? 1 : t[0].tipo.longitud;
     const auto desde = Fijar(*expr.hijos[1]);
     const auto largo = Fijar(*expr.hijos[2]);
@@ -259,8 +252,9 @@ Resultado<Termino> Traductor::Subcadena(const Expr& expr, Ambito& ambito) {
         desde->valor.exacto >= 1 && largo->valor.exacto >= 0) {
         const int maximo = static_cast<int>(largo->valor.exacto);
         if (tipo.longitud < 0 || maximo < tipo.longitud) tipo.longitud = std::max(1, maximo);
-        return Termino{"substr(" + t[0].sql + "," + LiteralSql(*desde) + "," + LiteralSql(*largo) + ")",
-                       tipo, Fuerza::Atomo, nulos};
+        return Termino{
+            "substr(" + t[0].sql + "," + LiteralSql(*desde) + "," + LiteralSql(*largo) + ")", tipo,
+            Fuerza::Atomo, nulos};
     }
     return Termino{"q_trozo(" + t[0].sql + "," + t[1].sql + "," + t[2].sql + ")", tipo,
                    Fuerza::Atomo, nulos};
@@ -300,9 +294,13 @@ Resultado<Termino> Traductor::Redondear(const Expr& expr, Ambito& ambito) {
     if (nombre == "ABS" && !tipo.EsAncho()) {
         return Termino{"abs(" + sql + ")", tipo, Fuerza::Atomo, x.admite_nulos};
     }
-    constexpr auto kNombres = std::to_array<std::pair<std::string_view, std::string_view>>(
-        {{"ROUND", "q_redondear("}, {"ABS", "q_absoluto("}, {"CEILING", "q_techo("},
-         {"FLOOR", "q_piso("}, {"SIGN", "q_signo("}, {"POWER", "q_elevar("}});
+    constexpr auto kNombres =
+        std::to_array<std::pair<std::string_view, std::string_view>>({{"ROUND", "q_redondear("},
+                                                                      {"ABS", "q_absoluto("},
+                                                                      {"CEILING", "q_techo("},
+                                                                      {"FLOOR", "q_piso("},
+                                                                      {"SIGN", "q_signo("},
+                                                                      {"POWER", "q_elevar("}});
     for (const auto& [de, a] : kNombres) {
         if (de == nombre) sql = std::string(a) + sql + "," + origen + ")";
     }
@@ -326,10 +324,12 @@ Resultado<Termino> Traductor::FuncionFecha(const Expr& expr, Ambito& ambito) {
     for (std::size_t i = 0; i < t.size(); ++i) {
         const bool cantidad = nombre == "DATEADD" && i == 0;
         nulos = nulos || t[i].admite_nulos;
-        QUIMO_TRY(t[i], Convertir(std::move(t[i]), cantidad ? TipoEntero(Clase::Int) : TipoFecha()));
+        QUIMO_TRY(t[i],
+                  Convertir(std::move(t[i]), cantidad ? TipoEntero(Clase::Int) : TipoFecha()));
     }
     std::string lista = std::to_string(static_cast<int>(*parte));
-    for (const Termino& termino : t) lista += "," + termino.sql;
+    for (const Termino& termino : t)
+        lista += "," + termino.sql;
     const auto hacer = [&](const std::string& funcion, const Tipo& tipo) {
         return Termino{funcion + "(" + lista + ")", tipo, Fuerza::Atomo, nulos};
     };
@@ -352,8 +352,10 @@ Resultado<Termino> Traductor::FuncionPropia(const Expr& expr, Ambito& ambito) {
     if (expr.hijos.size() < modulo->parametros.size()) {
         ErrorSql error = CrearError(8144, nombre.Completo());
         error.nativo = 313;
-        error.mensaje = "An insufficient number of arguments were supplied for the procedure or "
-                        "function " + nombre.Completo() + ".";
+        error.mensaje =
+            "An insufficient number of arguments were supplied for the procedure or "
+            "function " +
+            nombre.Completo() + ".";
         return error;
     }
     QUIMO_TRY(std::vector<Termino> terminos, Argumentos(expr, ambito));
@@ -384,7 +386,8 @@ Resultado<Termino> Traductor::FuncionPropia(const Expr& expr, Ambito& ambito) {
         return Convertir(std::move(valor), modulo->retorno);
     }
     std::string lista = EntreApostrofes(nombre.Completo());
-    for (const Termino& t : terminos) lista += "," + t.sql;
+    for (const Termino& t : terminos)
+        lista += "," + t.sql;
     return Termino{"q_fn(" + lista + ")", modulo->retorno};
 }
 

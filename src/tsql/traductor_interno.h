@@ -78,6 +78,8 @@ private:
     Resultado<Termino> Valor(const ExprPtr& expr, Ambito& ambito);
     Resultado<Termino> ValorSinGrupo(const Expr& expr, Ambito& ambito);
     Resultado<Termino> Condicion(const ExprPtr& expr, Ambito& ambito);
+    /// A value whose length and digits mean nothing where it stands: compared or stored as it is.
+    Resultado<Termino> ValorSuelto(const ExprPtr& expr, Ambito& ambito);
     Resultado<Termino> Literales(const Expr& expr);
     Termino Columna(const ColumnaAmbito& columna) const;
     Resultado<Termino> ResolverColumna(const Expr& expr, Ambito& ambito);
@@ -103,7 +105,8 @@ private:
     Resultado<Termino> EnConsulta(const Expr& expr, Ambito& ambito);
     Resultado<Termino> Cuantificada(const Expr& expr, Ambito& ambito);
     Resultado<Termino> Como(const Expr& expr, Ambito& ambito);
-    std::optional<Termino> FechaDeTrabajo(const ExprPtr& expr, Ambito& ambito, std::string& control);
+    std::optional<Termino> FechaDeTrabajo(const ExprPtr& expr, Ambito& ambito,
+                                          std::string& control);
     Resultado<Termino> ConControl(Termino termino, const std::string& control) const;
 
     // Conversions
@@ -111,12 +114,14 @@ private:
     Resultado<Termino> Asignar(Termino termino, const ColumnaTabla& columna, const Tabla& tabla,
                                std::string_view verbo);
     std::optional<Termino> ConversionNativa(const Termino& termino, const Tipo& a) const;
-    Termino LlamarConversion(const Termino& termino, const Tipo& a, int estilo, Destino destino) const;
+    Termino LlamarConversion(const Termino& termino, const Tipo& a, int estilo,
+                             Destino destino) const;
     static std::string Escalar(const Termino& termino, int de, int a);
 
     // Functions
     Resultado<Termino> Funcion(const Expr& expr, Ambito& ambito);
-    Resultado<std::vector<Termino>> Argumentos(const Expr& expr, Ambito& ambito, std::size_t desde = 0);
+    Resultado<std::vector<Termino>> Argumentos(const Expr& expr, Ambito& ambito,
+                                               std::size_t desde = 0);
     Resultado<Termino> FuncionPropia(const Expr& expr, Ambito& ambito);
     Resultado<Termino> FuncionDeTabla(const Expr& expr, Ambito& ambito);
     Resultado<Termino> FuncionEspecial(const Expr& expr, Ambito& ambito, bool& encontrada);
@@ -175,9 +180,11 @@ private:
         std::vector<int> columnas;
         std::vector<std::string> valores;
     };
-    Resultado<Escritas> Asignaciones(const Actualizar& actualizar, const Tabla& tabla, Ambito& ambito);
-    Resultado<std::size_t> Escenario(const NombreObjeto& nombre, const std::vector<FuentePtr>& fuentes,
-                                     Ambito& ambito, std::string& sql);
+    Resultado<Escritas> Asignaciones(const Actualizar& actualizar, const Tabla& tabla,
+                                     Ambito& ambito);
+    Resultado<std::size_t> Escenario(const NombreObjeto& nombre,
+                                     const std::vector<FuentePtr>& fuentes, Ambito& ambito,
+                                     std::string& sql);
     Resultado<Plan> ActualizarDesde(const Actualizar& actualizar, Plan plan);
     TablaAmbito AmbitoDe(const TablaPtr& tabla, const std::string& expuesto);
     Resultado<std::size_t> Blanco(const NombreObjeto& nombre, const Ambito& ambito) const;

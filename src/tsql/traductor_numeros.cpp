@@ -72,8 +72,8 @@ Resultado<Termino> Traductor::Aritmetica(char operador, Termino a, Termino b) {
         if (mayor.EsReal() && !t->tipo.EsReal()) {
             QUIMO_TRY(*t, Convertir(std::move(*t), TipoReal()));
         }
-        if (mayor.EsMoneda() && t->tipo.EsEntero() && (operador == '+' || operador == '-' ||
-                                                       operador == '%')) {
+        if (mayor.EsMoneda() && t->tipo.EsEntero() &&
+            (operador == '+' || operador == '-' || operador == '%')) {
             QUIMO_TRY(*t, Convertir(std::move(*t), TipoMoneda()));
         }
     }
@@ -106,13 +106,12 @@ Resultado<Termino> Traductor::Aritmetica(char operador, Termino a, Termino b) {
     return Unir(x, y, "%", Fuerza::Producto, tipo);
 }
 
-Termino Traductor::SumaExacta(char operador, const Tipo& tipo, const Termino& a,
-                              const Termino& b) {
+Termino Traductor::SumaExacta(char operador, const Tipo& tipo, const Termino& a, const Termino& b) {
     const std::string signo(1, operador);
     if (tipo.EsReal()) return Unir(a, b, signo, Fuerza::Suma, tipo);
     const int escala = std::max(a.tipo.escala, b.tipo.escala);
-    const bool nativa = !a.tipo.EsAncho() && !b.tipo.EsAncho() &&
-                        CifrasEn(a.tipo, escala) <= 19 && CifrasEn(b.tipo, escala) <= 19;
+    const bool nativa = !a.tipo.EsAncho() && !b.tipo.EsAncho() && CifrasEn(a.tipo, escala) <= 19 &&
+                        CifrasEn(b.tipo, escala) <= 19;
     if (!nativa || (tipo.clase == Clase::Numeric && tipo.escala != escala)) {
         return Llamar(operador == '+' ? "q_mas" : "q_menos", a, b, tipo);
     }
@@ -156,8 +155,9 @@ Resultado<Termino> Traductor::AritmeticaFecha(char operador, Termino a, Termino 
             QUIMO_TRY(*t, Convertir(std::move(*t), TipoFecha()));
         }
     }
-    return Termino{"q_sumar_dias(" + a.sql + "," + (operador == '-' ? "-1" : "1") + "," + b.sql + ")",
-                   tipo, Fuerza::Atomo, a.admite_nulos || b.admite_nulos};
+    return Termino{
+        "q_sumar_dias(" + a.sql + "," + (operador == '-' ? "-1" : "1") + "," + b.sql + ")", tipo,
+        Fuerza::Atomo, a.admite_nulos || b.admite_nulos};
 }
 
 std::optional<Termino> Traductor::ConversionNativa(const Termino& t, const Tipo& a) const {
@@ -196,7 +196,9 @@ std::optional<Termino> Traductor::ConversionNativa(const Termino& t, const Tipo&
         return std::nullopt;
     }
     const int enteros = std::max(de.precision, 1) - de.escala;
-    const int enteros_a = a.clase == Clase::SmallMoney ? 5 : a.EsMoneda() ? 14 : a.precision - a.escala;
+    const int enteros_a = a.clase == Clase::SmallMoney ? 5
+                          : a.EsMoneda()               ? 14
+                                                       : a.precision - a.escala;
     if (a.EsEntero() || a.escala < de.escala || enteros > enteros_a) return std::nullopt;
     if (a.escala > de.escala) {
         igual.sql = Escalar(t, de.escala, a.escala);

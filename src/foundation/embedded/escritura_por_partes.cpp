@@ -21,10 +21,11 @@ struct FilaNueva {
 };
 
 bool EsClave(const Tabla& tabla, int columna) {
-    return std::any_of(tabla.indices.begin(), tabla.indices.end(), [columna](const tsql::Indice& i) {
-        return i.clase != tsql::Indice::Clase::Indice &&
-               std::find(i.columnas.begin(), i.columnas.end(), columna) != i.columnas.end();
-    });
+    return std::any_of(
+        tabla.indices.begin(), tabla.indices.end(), [columna](const tsql::Indice& i) {
+            return i.clase != tsql::Indice::Clase::Indice &&
+                   std::find(i.columnas.begin(), i.columnas.end(), columna) != i.columnas.end();
+        });
 }
 
 Valor DePaso(const tsql::Tipo& tipo, std::int64_t numero) {
@@ -51,7 +52,8 @@ Resultado<bool> Interprete::EscribirPorPartes(const PlanListo& listo, const Marc
     for (const int c : listo.plan.columnas_escritas) {
         if (EsClave(tabla, c)) claves.push_back(c);
     }
-    const bool con_referencias = !tabla.foraneas.empty() || sesion_.Catalogo().Referente(tabla) != nullptr;
+    const bool con_referencias =
+        !tabla.foraneas.empty() || sesion_.Catalogo().Referente(tabla) != nullptr;
     const bool ancha = std::any_of(claves.begin(), claves.end(), [&](int c) {
         const tsql::Tipo& tipo = tabla.columnas[static_cast<std::size_t>(c)].tipo;
         return !tipo.EsTexto() && (tipo.EsAncho() || !(tipo.EsExacto() || tipo.EsFecha()));
@@ -84,7 +86,8 @@ Resultado<bool> Interprete::EscribirPorPartes(const PlanListo& listo, const Marc
         int lugar = 0;
         ++numero;
         for (const int c : claves) {
-            apartar.Ligar(++lugar, DePaso(tabla.columnas[static_cast<std::size_t>(c)].tipo, numero));
+            apartar.Ligar(++lugar,
+                          DePaso(tabla.columnas[static_cast<std::size_t>(c)].tipo, numero));
         }
         apartar.Ligar(++lugar, fila.fila);
         if (apartar.Paso() != SQLITE_DONE) return false;
@@ -93,7 +96,8 @@ Resultado<bool> Interprete::EscribirPorPartes(const PlanListo& listo, const Marc
     }
     for (const FilaNueva& fila : filas) {
         int lugar = 0;
-        for (const Valor& valor : fila.valores) escribir.Ligar(++lugar, valor);
+        for (const Valor& valor : fila.valores)
+            escribir.Ligar(++lugar, valor);
         escribir.Ligar(++lugar, fila.fila);
         if (escribir.Paso() != SQLITE_DONE) return false;
         escribir.Reiniciar();

@@ -205,8 +205,7 @@ Hecho Interprete::LeerVariables(PlanListo& listo, Marco& marco) {
     return {};
 }
 
-Hecho Interprete::PasoDeEscritura(PlanListo& listo, const std::string& verbo,
-                                    const Marco& marco) {
+Hecho Interprete::PasoDeEscritura(PlanListo& listo, const std::string& verbo, const Marco& marco) {
     int codigo = SQLITE_DONE;
     {
         const Uso uso(listo);
@@ -215,7 +214,8 @@ Hecho Interprete::PasoDeEscritura(PlanListo& listo, const std::string& verbo,
     }
     codigo = sesion_.Base().CodigoExtendido();
     if (sesion_.Contexto().error || (codigo & 0xFF) != SQLITE_CONSTRAINT) return FalloDe(codigo);
-    const bool repetida = codigo != SQLITE_CONSTRAINT_NOTNULL && codigo != SQLITE_CONSTRAINT_CHECK &&
+    const bool repetida = codigo != SQLITE_CONSTRAINT_NOTNULL &&
+                          codigo != SQLITE_CONSTRAINT_CHECK &&
                           codigo != SQLITE_CONSTRAINT_FOREIGNKEY;
     if (repetida && !listo.plan.sql_filas.empty()) {
         QUIMO_TRY(const bool escrita, EscribirPorPartes(listo, marco));

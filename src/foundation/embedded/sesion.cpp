@@ -113,9 +113,10 @@ Hecho Sesion::Guardar(const std::string& nombre) {
 bool Sesion::Sirve(const LoteListo& listo, const std::vector<tsql::Literal>& literales) const {
     if (listo.en_uso || listo.lote.literales.size() != literales.size()) return false;
     for (std::size_t i = 0; i < literales.size(); ++i) {
-        if (listo.lote.fijos[i] && !MismoValor(listo.lote.literales[i].valor, literales[i].valor)) {
-            return false;
-        }
+        const tsql::Literal& suya = listo.lote.literales[i];
+        const bool fija = listo.lote.fijos[i];
+        if (fija && !MismoValor(suya.valor, literales[i].valor)) return false;
+        if ((fija || listo.lote.tipos_fijos[i]) && !(suya.tipo == literales[i].tipo)) return false;
     }
     return true;
 }

@@ -41,8 +41,8 @@ struct EstadoSesion {
     std::int64_t filas = 0;
     int error = 0;
     std::optional<std::int64_t> identidad;
-    bool sin_cuenta = false;    ///< SET NOCOUNT ON
-    bool aborta_todo = false;   ///< SET XACT_ABORT ON
+    bool sin_cuenta = false;   ///< SET NOCOUNT ON
+    bool aborta_todo = false;  ///< SET XACT_ABORT ON
     tsql::OrdenFecha orden = tsql::OrdenFecha::Dma;
     std::string identity_insert;
     std::int64_t opciones = 0;  ///< grows when an option changes that translations depend on
@@ -70,8 +70,8 @@ public:
     Hecho Revertir(const std::string& nombre);
     Hecho Guardar(const std::string& nombre);
 
-    /// A text of this form that was read before and serves these constants too; a new one otherwise.
-    /// It is marked as in use.
+    /// A text of this form that was read before and serves these constants too; a new one
+    /// otherwise. It is marked as in use.
     Resultado<std::shared_ptr<LoteListo>> Leer(const std::string& texto,
                                                const std::vector<tsql::Tipo>& tipos_parametros);
     std::shared_ptr<LoteListo> LoteDe(const tsql::ModuloPtr& modulo);

@@ -15,9 +15,7 @@ namespace quimo::foundation {
 /// A clock that stands still: 14/11/2026 21:36:08.
 class RelojFijo final : public Reloj {
 public:
-    QDateTime Ahora() const override {
-        return {QDate(2026, 11, 14), QTime(21, 36, 8), Qt::UTC};
-    }
+    QDateTime Ahora() const override { return {QDate(2026, 11, 14), QTime(21, 36, 8), Qt::UTC}; }
 };
 
 inline QString LeerTexto(const QString& archivo) {
@@ -48,14 +46,17 @@ public:
 
     /// Runs a script whose texts are cut by lines that hold only GO.
     void Guion(const QString& archivo) {
+        ASSERT_TRUE(conexion_->Iniciar().has_value());
         for (const std::string& lote : tsql::PartirLotes(LeerTexto(archivo).toStdString())) {
             Bien(QString::fromStdString(lote));
         }
+        ASSERT_TRUE(conexion_->Confirmar().has_value());
     }
     /// Runs a script with one statement a line.
     void Lineas(const QString& archivo) {
         ASSERT_TRUE(conexion_->Iniciar().has_value());
-        for (const QString& linea : LeerTexto(archivo).split(QLatin1Char('\n'))) Bien(linea);
+        for (const QString& linea : LeerTexto(archivo).split(QLatin1Char('\n')))
+            Bien(linea);
         ASSERT_TRUE(conexion_->Confirmar().has_value());
     }
     RespuestaSql Bien(const QString& tsql, const QVector<QVariant>& parametros = {}) {

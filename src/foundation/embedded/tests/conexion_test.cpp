@@ -17,8 +17,9 @@ protected:
 };
 
 TEST_F(ConexionEmbebidaTest, CadaTipoVaYVuelveIgual) {
-    base_.Bien(U("CREATE TABLE T (B BIT, I INT, L BIGINT, M MONEY, N NUMERIC(18,3), F FLOAT, D DATETIME, "
-                 "V VARCHAR(50), X VARBINARY(10), U UNIQUEIDENTIFIER, W NUMERIC(30,2))"));
+    base_.Bien(
+        U("CREATE TABLE T (B BIT, I INT, L BIGINT, M MONEY, N NUMERIC(18,3), F FLOAT, D DATETIME, "
+          "V VARCHAR(50), X VARBINARY(10), U UNIQUEIDENTIFIER, W NUMERIC(30,2))"));
     const QDateTime fecha(QDate(2026, 11, 14), QTime(21, 36, 8, 3), Qt::UTC);
     const QVector<QVariant> valores = {
         true,
@@ -43,8 +44,9 @@ TEST_F(ConexionEmbebidaTest, CadaTipoVaYVuelveIgual) {
     EXPECT_EQ(respuesta.resultados[0].conjunto->columnas[4].tipo, TipoSql::Numeric);
     EXPECT_EQ(respuesta.resultados[0].conjunto->columnas[4].escala, 3);
     EXPECT_EQ(respuesta.resultados[0].conjunto->columnas[7].longitud, 50);
-    EXPECT_EQ(ATexto(base_.Uno(U("SELECT COUNT(*) FROM T WHERE B=? AND M=? AND D=? AND V=? AND N=? AND W=?"),
-                               {true, valores[3], fecha, U("ñANDÚ 'Y' %  "), valores[4], valores[10]})),
+    EXPECT_EQ(ATexto(base_.Uno(
+                  U("SELECT COUNT(*) FROM T WHERE B=? AND M=? AND D=? AND V=? AND N=? AND W=?"),
+                  {true, valores[3], fecha, U("ñANDÚ 'Y' %  "), valores[4], valores[10]})),
               U("1"));
 }
 
@@ -62,12 +64,22 @@ TEST_F(ConexionEmbebidaTest, ConstantesDistintasDanRespuestasDistintas) {
     }
     for (int i = 1; i <= 3; ++i) {
         EXPECT_EQ(ATexto(base_.Uno(U("SELECT N FROM T WHERE ID=%1").arg(i))), U("n%1").arg(i));
-        EXPECT_EQ(ATexto(base_.Uno(U("SELECT N FROM T WHERE D='0%1/11/2026'").arg(i))), U("n%1").arg(i));
+        EXPECT_EQ(ATexto(base_.Uno(U("SELECT N FROM T WHERE D='0%1/11/2026'").arg(i))),
+                  U("n%1").arg(i));
         EXPECT_EQ(ATexto(base_.Uno(U("SELECT SUBSTRING('abcdef',%1,1)").arg(i))),
                   U("abcdef").mid(i - 1, 1));
-        EXPECT_EQ(base_.Bien(U("SELECT TOP %1 ID FROM T").arg(i)).resultados[0].conjunto->filas.size(), i);
+        EXPECT_EQ(
+            base_.Bien(U("SELECT TOP %1 ID FROM T").arg(i)).resultados[0].conjunto->filas.size(),
+            i);
         EXPECT_EQ(ATexto(base_.Uno(U("SELECT ID FROM T ORDER BY %1 DESC").arg(1))), U("3"));
     }
+    EXPECT_EQ(ATexto(base_.Uno(U("SELECT ISNULL('ab','abcdef')+ISNULL(NULL,'x')"))), U("abx"));
+    EXPECT_EQ(ATexto(base_.Uno(U("SELECT ISNULL('abc','abcdef')+ISNULL(NULL,'xyz')"))),
+              U("abcxyz"));
+    EXPECT_EQ(ATexto(base_.Uno(U("SELECT 1/3.0"))), U("0.333333"));
+    EXPECT_EQ(ATexto(base_.Uno(U("SELECT 1/300000.0"))), U("0.00000333"));
+    EXPECT_EQ(base_.Falla(U("UPDATE T SET N='cabe' WHERE ID=1")), 0);
+    EXPECT_EQ(base_.Falla(U("UPDATE T SET N='no cabe aquí' WHERE ID=1")), 8152);
     EXPECT_EQ(ATexto(base_.Uno(U("SELECT CONVERT(VARCHAR(10),GETDATE(),103)"))), U("14/11/2026"));
     EXPECT_EQ(ATexto(base_.Uno(U("SELECT CONVERT(VARCHAR(10),GETDATE(),112)"))), U("20261114"));
     EXPECT_EQ(ATexto(base_.Uno(U("SELECT CONVERT(VARCHAR(06),GETDATE(),112)"))), U("202611"));
@@ -93,7 +105,8 @@ TEST_F(ConexionEmbebidaTest, OtraConexionVeLoConfirmadoYNadaMas) {
     base_.Bien(U("INSERT INTO T VALUES (1)"));
     EXPECT_TRUE(base_->EnTransaccion());
     const auto cuenta = [&] {
-        return ATexto(otra->Ejecutar(U("SELECT COUNT(*) FROM T")).resultados[0].conjunto->filas[0][0]);
+        return ATexto(
+            otra->Ejecutar(U("SELECT COUNT(*) FROM T")).resultados[0].conjunto->filas[0][0]);
     };
     EXPECT_EQ(cuenta(), U("0"));
     ASSERT_TRUE(base_->Confirmar().has_value());
@@ -138,11 +151,16 @@ TEST_F(ConexionEmbebidaTest, NumerosDeFallo) {
 // Who reads a refused reference skips 8 characters after the first comma, up to the next comma.
 TEST_F(ConexionEmbebidaTest, LaTablaQueRefiereSeLeeTrasLaPrimeraComa) {
     base_.Guion(U(QUIMO_RAIZ "/db/schema.sql"));
-    base_.Bien(U("INSERT INTO Menu VALUES (1,'Carta',NULL,1) INSERT INTO Categoria VALUES (1,'a','V') INSERT INTO "
-                 "Producto (ID_Producto,Nombre_Completo,ID_Categoria) VALUES (5,'x',1) INSERT INTO PreciosXMenu "
-                 "VALUES (1,5,10)"));
-    const QString texto = base_->Ejecutar(U("DELETE FROM Producto WHERE ID_Producto=5")).fallo->Descripcion();
-    EXPECT_EQ(texto.section(QLatin1Char(','), 1).mid(7).section(QLatin1Char(','), 0, 0), U("'PreciosXMenu'"));
+    base_.Bien(
+        U("INSERT INTO Menu VALUES (1,'Carta',NULL,1) INSERT INTO Categoria VALUES (1,'a','V') "
+          "INSERT INTO "
+          "Producto (ID_Producto,Nombre_Completo,ID_Categoria) VALUES (5,'x',1) INSERT INTO "
+          "PreciosXMenu "
+          "VALUES (1,5,10)"));
+    const QString texto =
+        base_->Ejecutar(U("DELETE FROM Producto WHERE ID_Producto=5")).fallo->Descripcion();
+    EXPECT_EQ(texto.section(QLatin1Char(','), 1).mid(7).section(QLatin1Char(','), 0, 0),
+              U("'PreciosXMenu'"));
 }
 
 struct Archivo {
@@ -170,8 +188,10 @@ TEST_P(AbrirTest, LoQueNoEsBaseSeRechazaConMotivo) {
 
 INSTANTIATE_TEST_SUITE_P(
     Embebida, AbrirTest,
-    testing::Values(Archivo{"falta.db", nullptr, false}, Archivo{"no/hay/carpeta.db", nullptr, true},
-                    Archivo{"texto.db", "Esto no es una base de datos, sino un texto bastante largo.", true},
+    testing::Values(Archivo{"falta.db", nullptr, false},
+                    Archivo{"no/hay/carpeta.db", nullptr, true},
+                    Archivo{"texto.db",
+                            "Esto no es una base de datos, sino un texto bastante largo.", true},
                     Archivo{".", nullptr, false}));
 
 TEST(GuionesDeLaBaseTest, LosProcedimientosDanLasCifrasDeLaVispera) {
@@ -179,32 +199,40 @@ TEST(GuionesDeLaBaseTest, LosProcedimientosDanLasCifrasDeLaVispera) {
     base.Guion(U(QUIMO_RAIZ "/db/schema.sql"));
     base.Guion(U(QUIMO_RAIZ "/db/procedures.sql"));
     base.Lineas(U(QUIMO_RAIZ "/tests/data/day-golden/central-before.sql"));
-    base.Bien(U("CREATE TABLE #Tmp_Ventas(ID_Categoria Integer,Nombre Varchar(50),Ventas_Netas Money,Cortesias "
-                "Money,Promociones Money,Anulaciones Money,Impuestos Money,Ventas_Brutas AS "
-                "isnull(Ventas_Netas,0)+isnull(Cortesias,0)+isnull(Promociones,0)+isnull(Impuestos,0))"));
+    base.Bien(
+        U("CREATE TABLE #Tmp_Ventas(ID_Categoria Integer,Nombre Varchar(50),Ventas_Netas "
+          "Money,Cortesias "
+          "Money,Promociones Money,Anulaciones Money,Impuestos Money,Ventas_Brutas AS "
+          "isnull(Ventas_Netas,0)+isnull(Cortesias,0)+isnull(Promociones,0)+isnull(Impuestos,0))"));
     base.Bien(U("EXEC Reporte_Ventas '13/11/2026','13/11/2026'"));
     // The same figure by another way: prices and modifiers of the day's lines that were not voided.
     EXPECT_EQ(ATexto(base.Uno(U("SELECT SUM(Ventas_Netas) FROM #Tmp_Ventas"))),
-              ATexto(base.Uno(U("SELECT SUM(Precio_Venta)+(SELECT SUM(Precio_Modificador) FROM Modificador WHERE "
-                                "ID_ProductosXCuenta IN (SELECT ID_ProductosXCuenta FROM ProductosXCuenta WHERE "
-                                "ID_Tipo_Anulacion IS NULL)) FROM ProductosXCuenta,Comanda WHERE "
-                                "ProductosXCuenta.ID_Comanda=Comanda.ID_Comanda AND Fecha_Trabajo='13112026' AND "
-                                "ID_Tipo_Anulacion IS NULL"))));
-    EXPECT_EQ(ATexto(base.Uno(U("SELECT COUNT(*) FROM #Tmp_Ventas WHERE Ventas_Brutas IS NULL"))), U("0"));
+              ATexto(base.Uno(U(
+                  "SELECT SUM(Precio_Venta)+(SELECT SUM(Precio_Modificador) FROM Modificador WHERE "
+                  "ID_ProductosXCuenta IN (SELECT ID_ProductosXCuenta FROM ProductosXCuenta WHERE "
+                  "ID_Tipo_Anulacion IS NULL)) FROM ProductosXCuenta,Comanda WHERE "
+                  "ProductosXCuenta.ID_Comanda=Comanda.ID_Comanda AND Fecha_Trabajo='13112026' AND "
+                  "ID_Tipo_Anulacion IS NULL"))));
+    EXPECT_EQ(ATexto(base.Uno(U("SELECT COUNT(*) FROM #Tmp_Ventas WHERE Ventas_Brutas IS NULL"))),
+              U("0"));
     base.Bien(U("EXEC Borrar_Comanda '010106',1"));
-    EXPECT_EQ(ATexto(base.Uno(U("SELECT (SELECT COUNT(*) FROM Comanda)+(SELECT COUNT(*) FROM Pago)"))), U("0"));
+    EXPECT_EQ(
+        ATexto(base.Uno(U("SELECT (SELECT COUNT(*) FROM Comanda)+(SELECT COUNT(*) FROM Pago)"))),
+        U("0"));
 }
 
 // A working date that is no date stops the reports, as a conversion that fails does.
 TEST(FechaDeTrabajoTest, ElIndiceDaLoMismoQueLaConversion) {
     BasePrueba base;
-    base.Bien(U("CREATE TABLE C (ID INT NOT NULL PRIMARY KEY, F VARCHAR(8) NULL) CREATE INDEX IX ON C (F) "
-                "CREATE TABLE S (ID INT NOT NULL PRIMARY KEY, F VARCHAR(8) NULL)"));
+    base.Bien(U(
+        "CREATE TABLE C (ID INT NOT NULL PRIMARY KEY, F VARCHAR(8) NULL) CREATE INDEX IX ON C (F) "
+        "CREATE TABLE S (ID INT NOT NULL PRIMARY KEY, F VARCHAR(8) NULL)"));
     const QString filas = U(" VALUES (1,'13112026'),(2,'14112026'),(3,NULL),(4,'01122026')");
     base.Bien(U("INSERT INTO C") + filas + U(" INSERT INTO S") + filas);
-    const QString pregunta = U("SELECT COUNT(*) FROM %1 WHERE CONVERT(DateTime,SUBSTRING(F,1,2)+ '/' + SUBSTRING(F,3,2) "
-                               "+ '/' + SUBSTRING(F,5,4),103) BETWEEN CONVERT(DateTime,'14/11/2026',103) AND "
-                               "CONVERT(DateTime,'1/12/2026',103)");
+    const QString pregunta =
+        U("SELECT COUNT(*) FROM %1 WHERE CONVERT(DateTime,SUBSTRING(F,1,2)+ '/' + SUBSTRING(F,3,2) "
+          "+ '/' + SUBSTRING(F,5,4),103) BETWEEN CONVERT(DateTime,'14/11/2026',103) AND "
+          "CONVERT(DateTime,'1/12/2026',103)");
     EXPECT_EQ(ATexto(base.Uno(pregunta.arg(U("C")))), U("2"));
     EXPECT_EQ(ATexto(base.Uno(pregunta.arg(U("S")))), U("2"));
     base.Bien(U("INSERT INTO C VALUES (5,'29022025') INSERT INTO S VALUES (5,'29022025')"));

@@ -23,7 +23,8 @@ struct Caso {
 };
 
 bool EsRespuesta(const QString& linea) {
-    return linea.size() >= 2 && QStringLiteral(">#!*").contains(linea[0]) && linea[1] == QLatin1Char(' ');
+    return linea.size() >= 2 && QStringLiteral(">#!*").contains(linea[0]) &&
+           linea[1] == QLatin1Char(' ');
 }
 
 QVector<Caso> LeerCasos(const QString& texto) {
@@ -57,13 +58,15 @@ QStringList Escribir(const RespuestaSql& respuesta) {
     }
     for (const ResultadoSql& resultado : respuesta.resultados) {
         if (!resultado.conjunto) {
-            if (resultado.afectadas >= 0) salida.append(QStringLiteral("# %1").arg(resultado.afectadas));
+            if (resultado.afectadas >= 0)
+                salida.append(QStringLiteral("# %1").arg(resultado.afectadas));
             continue;
         }
         if (resultado.conjunto->filas.isEmpty()) salida.append(QStringLiteral("> (nothing)"));
         for (const Fila& fila : resultado.conjunto->filas) {
             QStringList celdas;
-            for (const QVariant& valor : fila) celdas.append(ATexto(valor));
+            for (const QVariant& valor : fila)
+                celdas.append(ATexto(valor));
             salida.append(QStringLiteral("> ") + celdas.join(QStringLiteral(" | ")));
         }
     }
@@ -83,7 +86,8 @@ bool Concuerda(const QString& quiere, const QString& hay) {
 
 void Comparar(const Caso& caso, const QStringList& hay) {
     bool iguales = caso.respuestas.size() == hay.size();
-    for (int i = 0; iguales && i < hay.size(); ++i) iguales = Concuerda(caso.respuestas[i], hay[i]);
+    for (int i = 0; iguales && i < hay.size(); ++i)
+        iguales = Concuerda(caso.respuestas[i], hay[i]);
     EXPECT_TRUE(iguales) << "line " << caso.linea << "\n"
                          << caso.sql.toStdString() << "wanted:\n"
                          << caso.respuestas.join(QLatin1Char('\n')).toStdString() << "\ngot:\n"
@@ -94,17 +98,20 @@ class GuionesTest : public testing::TestWithParam<std::string> {};
 
 TEST_P(GuionesTest, ConcuerdaConElServidor) {
     BasePrueba base;
-    const QString archivo = QStringLiteral(QUIMO_RAIZ "/tests/sql/") + QString::fromStdString(GetParam());
+    const QString archivo =
+        QStringLiteral(QUIMO_RAIZ "/tests/sql/") + QString::fromStdString(GetParam());
     const QVector<Caso> casos = LeerCasos(LeerTexto(archivo));
     ASSERT_FALSE(casos.isEmpty());
-    for (const Caso& caso : casos) Comparar(caso, Escribir(base->Ejecutar(caso.sql)));
+    for (const Caso& caso : casos)
+        Comparar(caso, Escribir(base->Ejecutar(caso.sql)));
 }
 
 std::vector<std::string> Guiones() {
     std::vector<std::string> nombres;
-    const QStringList archivos =
-        QDir(QStringLiteral(QUIMO_RAIZ "/tests/sql")).entryList({QStringLiteral("*.sql")}, QDir::Files, QDir::Name);
-    for (const QString& nombre : archivos) nombres.push_back(nombre.toStdString());
+    const QStringList archivos = QDir(QStringLiteral(QUIMO_RAIZ "/tests/sql"))
+                                     .entryList({QStringLiteral("*.sql")}, QDir::Files, QDir::Name);
+    for (const QString& nombre : archivos)
+        nombres.push_back(nombre.toStdString());
     return nombres;
 }
 

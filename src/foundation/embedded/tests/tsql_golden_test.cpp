@@ -17,7 +17,8 @@ bool Igual(const QJsonValue& quiere, const QVariant& hay) {
     if (quiere.isNull() || !hay.isValid()) return quiere.isNull() && !hay.isValid();
     const QString texto = ATexto(hay);
     if (quiere.isObject() && quiere.toObject().contains(QStringLiteral("dec"))) {
-        const auto a = base::Decimal::DeTexto(quiere[QStringLiteral("dec")].toString().toStdString());
+        const auto a =
+            base::Decimal::DeTexto(quiere[QStringLiteral("dec")].toString().toStdString());
         const auto b = base::Decimal::DeTexto(texto.toStdString());
         if (!a || !b) return false;
         constexpr int kEscala = 5;
@@ -27,7 +28,8 @@ bool Igual(const QJsonValue& quiere, const QVariant& hay) {
     if (quiere.isObject()) return texto.left(19) == quiere[QStringLiteral("date")].toString();
     if (quiere.isDouble()) return texto == QString::number(quiere.toDouble(), 'g', 15);
     const auto sin_cola = [](QString s) {
-        while (s.endsWith(QLatin1Char(' '))) s.chop(1);
+        while (s.endsWith(QLatin1Char(' ')))
+            s.chop(1);
         return s;
     };
     return sin_cola(texto) == sin_cola(quiere.toString());
@@ -46,7 +48,8 @@ void CompararFilas(const QJsonArray& quiere, QVector<Fila> hay, bool en_orden) {
     ASSERT_EQ(quiere.size(), hay.size());
     for (int i = 0; i < quiere.size(); ++i) {
         int cual = 0;
-        while (cual < hay.size() && !MismaFila(quiere[i].toArray(), hay[cual])) ++cual;
+        while (cual < hay.size() && !MismaFila(quiere[i].toArray(), hay[cual]))
+            ++cual;
         ASSERT_LT(cual, hay.size()) << "row " << i << " is missing";
         if (en_orden) {
             ASSERT_EQ(cual, 0) << "row " << i << " is out of order";
@@ -69,9 +72,10 @@ void CompararRespuesta(const QJsonObject& caso, const RespuestaSql& hay) {
     if (caso.contains(QStringLiteral("rows"))) {
         ASSERT_FALSE(hay.resultados.isEmpty());
         ASSERT_TRUE(hay.resultados.last().conjunto.has_value());
-        const bool en_orden =
-            caso[QStringLiteral("sql")].toString().contains(QStringLiteral("order by"), Qt::CaseInsensitive);
-        CompararFilas(caso[QStringLiteral("rows")].toArray(), hay.resultados.last().conjunto->filas, en_orden);
+        const bool en_orden = caso[QStringLiteral("sql")].toString().contains(
+            QStringLiteral("order by"), Qt::CaseInsensitive);
+        CompararFilas(caso[QStringLiteral("rows")].toArray(), hay.resultados.last().conjunto->filas,
+                      en_orden);
         return;
     }
     const int afectadas = caso[QStringLiteral("affected")].toInt();
