@@ -87,24 +87,26 @@ BEGIN
 
     SELECT S.Nombre,
            ISNULL(SUM(CASE
-               WHEN S.Desde <= S.Hasta AND O.Hora BETWEEN S.Desde AND S.Hasta THEN O.CantHuespedes
+               WHEN S.Desde <= S.Hasta AND O.Hora BETWEEN S.Desde AND S.Hasta THEN O.Huespedes
                WHEN S.Desde > S.Hasta AND (O.Hora BETWEEN S.Desde AND '24:00:00'
-                                           OR O.Hora BETWEEN '00:00:01' AND S.Hasta) THEN O.CantHuespedes
+                                           OR O.Hora BETWEEN '00:00:01' AND S.Hasta) THEN O.Huespedes
                ELSE 0 END), 0) AS Invitados,
            ISNULL(SUM(CASE
-               WHEN S.Desde <= S.Hasta AND O.Hora BETWEEN S.Desde AND S.Hasta THEN 1
+               WHEN S.Desde <= S.Hasta AND O.Hora BETWEEN S.Desde AND S.Hasta THEN O.Comandas
                WHEN S.Desde > S.Hasta AND (O.Hora BETWEEN S.Desde AND '23:59:59'
-                                           OR O.Hora BETWEEN '00:00:00' AND S.Hasta) THEN 1
+                                           OR O.Hora BETWEEN '00:00:00' AND S.Hasta) THEN O.Comandas
                ELSE 0 END), 0) AS Cuentas
     FROM (SELECT Nombre, CONVERT(CHAR(8),Hora_inicio,108) AS Desde, CONVERT(CHAR(8),Hora_Fin,108) AS Hasta
           FROM Seccion_dia) AS S
          LEFT OUTER JOIN
-         (SELECT CONVERT(CHAR(8),Fecha_Apertura,108) AS Hora, CantHuespedes
+         (SELECT CONVERT(CHAR(8),Fecha_Apertura,108) AS Hora, SUM(CantHuespedes) AS Huespedes,
+                 COUNT(*) AS Comandas
           FROM Comanda
           WHERE CONVERT(DateTime,SUBSTRING(Fecha_Trabajo,1,2)+'/'+SUBSTRING(Fecha_Trabajo,3,2)+'/'+SUBSTRING(Fecha_Trabajo,5,4),103)
                 BETWEEN CONVERT(DateTime,@Inicio,103) AND CONVERT(DateTime,@Fin,103)
             AND EXISTS (SELECT * FROM ProductosXCuenta PXC
-                        WHERE PXC.ID_Comanda = Comanda.ID_Comanda AND PXC.ID_Tipo_Anulacion IS NULL)) AS O
+                        WHERE PXC.ID_Comanda = Comanda.ID_Comanda AND PXC.ID_Tipo_Anulacion IS NULL)
+          GROUP BY CONVERT(CHAR(8),Fecha_Apertura,108)) AS O
          ON 1 = 1
     GROUP BY S.Nombre
     ORDER BY S.Nombre

@@ -84,10 +84,24 @@ Resultado<Valor> Resto(Argumentos x) {
     return EnTipo(CambiarEscala(*a % *b, escala, o.tipo.escala), o.tipo);
 }
 
-Resultado<Valor> NoCero(Argumentos x) {
-    const bool cero = x[0].forma == Valor::Forma::Real ? x[0].real == 0 : x[0].exacto == 0;
-    if (cero && x[0].forma != Valor::Forma::Bytes) return CrearError(8134);
-    return x[0];
+/// Both are of one scale, or real: the engine's own operator, with the server's answer to a zero. A
+/// NULL on either side is answered before it comes here, so that NULL / 0 is NULL.
+Resultado<Valor> Cociente(Argumentos x) {
+    if (x[0].forma == Valor::Forma::Real || x[1].forma == Valor::Forma::Real) {
+        const double a =
+            x[0].forma == Valor::Forma::Real ? x[0].real : static_cast<double>(x[0].exacto);
+        const double b =
+            x[1].forma == Valor::Forma::Real ? x[1].real : static_cast<double>(x[1].exacto);
+        if (b == 0) return CrearError(8134);
+        return Valor::DeReal(a / b);
+    }
+    if (x[1].exacto == 0) return CrearError(8134);
+    return Valor::De(x[0].exacto / x[1].exacto);
+}
+
+Resultado<Valor> Modulo(Argumentos x) {
+    if (x[1].exacto == 0) return CrearError(8134);
+    return Valor::De(x[0].exacto % x[1].exacto);
 }
 
 Resultado<Valor> Ancho(Argumentos x) {
@@ -275,7 +289,8 @@ std::span<const FuncionEscalar> FuncionesDeNumero() {
         {"q_por", 5, Por},
         {"q_entre", 5, Entre},
         {"q_resto", 5, Resto},
-        {"q_no_cero", 1, NoCero},
+        {"q_cociente", 2, Cociente},
+        {"q_modulo", 2, Modulo},
         {"q_ancho", 1, Ancho},
         {"q_clave", 2, Clave},
         {"q_cv", 4, ConvertirValor},

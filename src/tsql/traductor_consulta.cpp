@@ -28,6 +28,21 @@ bool Agrega(const Seleccion& seleccion, const std::vector<OrdenItem>& orden) {
                        [&](const OrdenItem& item) { return tiene(item.expr); });
 }
 
+bool TieneVentana(const Expr& expr) {
+    return expr.ventana != nullptr ||
+           std::any_of(expr.hijos.begin(), expr.hijos.end(),
+                       [](const ExprPtr& hijo) { return hijo && TieneVentana(*hijo); });
+}
+
+/// One row per value of one key, and nothing that looks beyond its group.
+bool EsGrupoSencillo(const Consulta& consulta) {
+    const Seleccion& seleccion = *consulta.simple;
+    return seleccion.grupos.size() == 1 && !seleccion.fuentes.empty() && !seleccion.distinto &&
+           !seleccion.tope && !seleccion.teniendo && consulta.orden.empty() &&
+           std::none_of(seleccion.items.begin(), seleccion.items.end(),
+                        [](const ItemSeleccion& item) { return TieneVentana(*item.expr); });
+}
+
 }  // namespace
 
 std::string Traductor::ClaveDeOrden(const Termino& termino) {
@@ -105,10 +120,12 @@ Resultado<ConsultaSql> Traductor::Simple(const Consulta& consulta, Ambito* padre
     ConsultaSql salida;
     QUIMO_TRY(const std::string fuentes, Desde(seleccion.fuentes, ambito));
     std::string cola = fuentes.empty() ? "" : " FROM " + fuentes;
+    std::string donde;
     if (seleccion.donde) {
         ambito.clausula = Clausula::Donde;
-        QUIMO_TRY(const Termino donde, Valor(seleccion.donde, ambito));
-        cola += " WHERE " + donde.sql;
+        QUIMO_TRY(const Termino termino, Valor(seleccion.donde, ambito));
+        donde = termino.sql;
+        cola += " WHERE " + donde;
     }
     std::string grupos;
     if (Agrega(seleccion, consulta.orden)) {
@@ -134,6 +151,11 @@ Resultado<ConsultaSql> Traductor::Simple(const Consulta& consulta, Ambito* padre
         salida.sql += orden;
     }
     salida.sql += limite;
+    if (EsGrupoSencillo(consulta)) {
+        salida.grupo = PiezasDeGrupo{{}, fuentes, donde, ambito.claves[0]};
+        for (const Termino& termino : terminos)
+            salida.grupo->lista.push_back(termino.sql);
+    }
     const bool un_grupo = ambito.agrupado && seleccion.grupos.empty();
     const bool sin_tabla = seleccion.fuentes.empty();
     salida.una_fila = un_grupo || sin_tabla;
@@ -219,6 +241,7 @@ Hecho Traductor::Agrupar(const Seleccion& seleccion, Ambito& ambito, std::string
             return error;
         }
         sql += (sql.empty() ? " GROUP BY " : ",") + Cotejada(termino);
+        ambito.claves.push_back(termino);
     }
     ambito.agrupado = true;
     ambito.grupos = seleccion.grupos;

@@ -11,6 +11,9 @@ namespace quimo::tsql {
 
 namespace {
 
+/// Weaker than it is, so that parentheses keep a sign from meeting another: "--" begins a comment.
+constexpr Fuerza kFuerzaDelSigno = Fuerza::Suma;
+
 constexpr int kNivelesMaximos = 1500;
 
 std::string NombreCompleto(const std::vector<std::string>& partes) {
@@ -204,7 +207,7 @@ Resultado<Termino> Traductor::Literales(const Expr& expr) {
     termino.admite_nulos = false;
     if (expr.literal) {
         termino.sql = LiteralSql(*expr.literal);
-        if (!termino.sql.empty() && termino.sql[0] == '-') termino.fuerza = Fuerza::Unaria;
+        if (!termino.sql.empty() && termino.sql[0] == '-') termino.fuerza = kFuerzaDelSigno;
     } else {
         if (entorno_.lote != nullptr) {
             entorno_.lote->tipos_fijos[static_cast<std::size_t>(expr.indice)] = true;
@@ -321,7 +324,7 @@ Resultado<Termino> Traductor::Unaria(const Expr& expr, Ambito& ambito) {
         valor.fuerza = Fuerza::Atomo;
     } else {
         valor.sql = signo + Par(valor, Fuerza::Atomo);
-        valor.fuerza = Fuerza::Unaria;
+        valor.fuerza = signo == "-" ? kFuerzaDelSigno : Fuerza::Unaria;
         if (valor.tipo.clase == Clase::Bit) valor.tipo = TipoEntero(Clase::Int);
     }
     valor.columna = false;

@@ -34,32 +34,6 @@ Resultado<std::string> Traductor::FuenteSql(const Fuente& fuente, Ambito& ambito
     return DerivadaSql(*fuente.consulta, fuente.alias, fuente.columnas, ambito, ambito.padre);
 }
 
-Resultado<std::string> Traductor::JoinSql(const Fuente& fuente, Ambito& ambito) {
-    if (++niveles_ > 1000) return CrearError(191);
-    QUIMO_TRY(std::string izquierda, FuenteSql(*fuente.izquierda, ambito));
-    QUIMO_TRY(std::string derecha, FuenteSql(*fuente.derecha, ambito));
-    --niveles_;
-    std::string condicion;
-    if (fuente.condicion) {
-        const Clausula antes = ambito.clausula;
-        ambito.clausula = Clausula::Union;
-        QUIMO_TRY(const Termino termino, Valor(fuente.condicion, ambito));
-        condicion = " ON " + termino.sql;
-        ambito.clausula = antes;
-    }
-    const bool izquierda_join = fuente.izquierda->clase == Fuente::Clase::Join;
-    const bool derecha_join = fuente.derecha->clase == Fuente::Clase::Join;
-    if (fuente.join == TipoJoin::Derecha) {
-        if (izquierda_join) izquierda = "(" + izquierda + ")";
-        return derecha + " LEFT JOIN " + izquierda + condicion;
-    }
-    if (derecha_join) derecha = "(" + derecha + ")";
-    std::string verbo = " JOIN ";
-    if (fuente.join == TipoJoin::Izquierda) verbo = " LEFT JOIN ";
-    if (fuente.join == TipoJoin::Completa) verbo = " FULL JOIN ";
-    return izquierda + verbo + derecha + condicion;
-}
-
 Hecho Traductor::Exponer(TablaAmbito tabla, Ambito& ambito) const {
     for (const TablaAmbito& otra : ambito.tablas) {
         if (MismoNombre(otra.expuesto, tabla.expuesto)) {
@@ -121,10 +95,9 @@ Resultado<std::string> Traductor::TablaSql(const Fuente& fuente, Ambito& ambito)
     return sql;
 }
 
-Resultado<std::string> Traductor::DerivadaSql(const Consulta& consulta, const std::string& nombre,
-                                              const std::vector<std::string>& columnas,
-                                              Ambito& ambito, Ambito* padre) {
-    QUIMO_TRY(const ConsultaSql dentro, ConsultaEn(consulta, padre));
+Resultado<TablaAmbito> Traductor::TablaDerivada(const ConsultaSql& dentro,
+                                                const std::string& nombre,
+                                                const std::vector<std::string>& columnas) {
     if (!dentro.variables.empty()) return CrearError(141);
     if (!columnas.empty() && columnas.size() != dentro.columnas.size()) {
         return CrearError(columnas.size() < dentro.columnas.size() ? 8158 : 8159, nombre);
@@ -146,6 +119,14 @@ Resultado<std::string> Traductor::DerivadaSql(const Consulta& consulta, const st
         columna.admite_nulos = dentro.columnas[i].admite_nulos;
         tabla.columnas.push_back(std::move(columna));
     }
+    return tabla;
+}
+
+Resultado<std::string> Traductor::DerivadaSql(const Consulta& consulta, const std::string& nombre,
+                                              const std::vector<std::string>& columnas,
+                                              Ambito& ambito, Ambito* padre) {
+    QUIMO_TRY(const ConsultaSql dentro, ConsultaEn(consulta, padre));
+    QUIMO_TRY(TablaAmbito tabla, TablaDerivada(dentro, nombre, columnas));
     const std::string sql = "(" + dentro.sql + ") AS " + tabla.alias_sql;
     QUIMO_TRY_VOID(Exponer(std::move(tabla), ambito));
     return sql;

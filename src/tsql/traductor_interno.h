@@ -52,6 +52,15 @@ struct Ambito {
     bool agrupado = false;
     bool libre = false;  ///< inside an aggregate or a grouped expression
     std::vector<ExprPtr> grupos;
+    std::vector<Termino> claves;  ///< what the groups are translated to
+};
+
+/// The pieces of a query with one key to group by, from which the row of one key can be asked for.
+struct PiezasDeGrupo {
+    std::vector<std::string> lista;
+    std::string desde;
+    std::string donde;
+    Termino clave;
 };
 
 struct ConsultaSql {
@@ -59,6 +68,7 @@ struct ConsultaSql {
     std::vector<ColumnaSalida> columnas;
     std::vector<std::string> variables;
     bool una_fila = false;
+    std::optional<PiezasDeGrupo> grupo;
 };
 
 class Traductor {
@@ -155,10 +165,14 @@ private:
     Resultado<std::string> Desde(const std::vector<FuentePtr>& fuentes, Ambito& ambito);
     Resultado<std::string> FuenteSql(const Fuente& fuente, Ambito& ambito);
     Resultado<std::string> JoinSql(const Fuente& fuente, Ambito& ambito);
+    Resultado<std::optional<std::string>> BusquedaDeGrupo(const Fuente& fuente, Ambito& ambito);
+    std::optional<std::string> FiltrarOpcional(const Fuente& fuente, const Ambito& ambito);
     Resultado<std::string> TablaSql(const Fuente& fuente, Ambito& ambito);
     Resultado<std::string> DerivadaSql(const Consulta& consulta, const std::string& nombre,
                                        const std::vector<std::string>& columnas, Ambito& ambito,
                                        Ambito* padre);
+    Resultado<TablaAmbito> TablaDerivada(const ConsultaSql& dentro, const std::string& nombre,
+                                         const std::vector<std::string>& columnas);
     Hecho Exponer(TablaAmbito tabla, Ambito& ambito) const;
     static std::string Cotejada(const Termino& termino);
     static std::string ClaveDeOrden(const Termino& termino);

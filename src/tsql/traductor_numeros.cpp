@@ -100,10 +100,9 @@ Resultado<Termino> Traductor::Aritmetica(char operador, Termino a, Termino b) {
         b.tipo.EsAncho()) {
         return Llamar("q_resto", a, b, tipo);
     }
-    const Termino x{Escalar(a, a.tipo.escala, escala), tipo, Fuerza::Producto, a.admite_nulos};
-    const Termino y{"q_no_cero(" + Escalar(b, b.tipo.escala, escala) + ")", tipo, Fuerza::Atomo,
-                    b.admite_nulos};
-    return Unir(x, y, "%", Fuerza::Producto, tipo);
+    return Termino{"q_modulo(" + Escalar(a, a.tipo.escala, escala) + "," +
+                       Escalar(b, b.tipo.escala, escala) + ")",
+                   tipo, Fuerza::Atomo, a.admite_nulos || b.admite_nulos};
 }
 
 Termino Traductor::SumaExacta(char operador, const Tipo& tipo, const Termino& a, const Termino& b) {
@@ -140,8 +139,8 @@ Termino Traductor::Producto(const Tipo& tipo, const Termino& a, const Termino& b
 Termino Traductor::Cociente(const Tipo& tipo, const Termino& a, const Termino& b) {
     const bool directa = tipo.EsReal() || tipo.EsEntero() || (tipo.EsMoneda() && b.tipo.EsEntero());
     if (!directa) return Llamar("q_entre", a, b, tipo);
-    const Termino divisor{"q_no_cero(" + b.sql + ")", b.tipo, Fuerza::Atomo, b.admite_nulos};
-    return Unir(a, divisor, "/", Fuerza::Producto, tipo);
+    return Termino{"q_cociente(" + a.sql + "," + b.sql + ")", tipo, Fuerza::Atomo,
+                   a.admite_nulos || b.admite_nulos};
 }
 
 Resultado<Termino> Traductor::AritmeticaFecha(char operador, Termino a, Termino b) {

@@ -242,3 +242,64 @@ SELECT name FROM sysobjects WHERE xtype = 'U' ORDER BY name
 
 SELECT name FROM sys.objects WHERE type = 'U' AND object_id = OBJECT_ID('dbo.Venta')
 > Venta
+
+-- A join to the groups of a query: asked for by key, answered as if all groups had been made
+
+CREATE TABLE Linea (ID INT NOT NULL PRIMARY KEY, Pedido INT NOT NULL, Precio MONEY NULL)
+CREATE TABLE Extra (ID_Linea INT NOT NULL, N INT NOT NULL, Precio MONEY NULL, Nombre VARCHAR(10) NULL, PRIMARY KEY (ID_Linea, N))
+INSERT INTO Linea VALUES (1,10,5),(2,10,7),(3,11,9)
+INSERT INTO Extra VALUES (1,1,2,'a'),(1,2,0.5,'b'),(3,1,NULL,'a'),(9,1,8,'c')
+# 3
+# 4
+
+SELECT L.ID, M.Total, M.Cuantos, M.ID_Linea FROM Linea L LEFT OUTER JOIN (SELECT ID_Linea, SUM(Precio) AS Total, COUNT(*) AS Cuantos FROM Extra GROUP BY ID_Linea) M ON L.ID = M.ID_Linea ORDER BY L.ID
+> 1 | 2.5000 | 2 | 1
+> 2 | NULL | NULL | NULL
+> 3 | NULL | 1 | 3
+
+SELECT * FROM (SELECT ID_Linea, SUM(Precio) AS Total FROM Extra GROUP BY ID_Linea) M RIGHT OUTER JOIN Linea ON M.ID_Linea = Linea.ID ORDER BY ID
+> 1 | 2.5000 | 1 | 10 | 5.0000
+> NULL | NULL | 2 | 10 | 7.0000
+> 3 | NULL | 3 | 11 | 9.0000
+
+SELECT Pedido, SUM(L.Precio) + SUM(ISNULL(M.Total,0)), COUNT(M.Total) FROM Linea L LEFT JOIN (SELECT ID_Linea, SUM(Precio) AS Total FROM Extra WHERE N < 2 OR N = 2 GROUP BY ID_Linea) AS M ON M.ID_Linea = L.ID GROUP BY Pedido ORDER BY Pedido
+> 10 | 14.5000 | 1
+> 11 | 9.0000 | 0
+
+SELECT L.ID, M.Doble FROM Linea L LEFT JOIN (SELECT ID_Linea, SUM(Precio)*2 AS Doble FROM Extra GROUP BY ID_Linea HAVING COUNT(*) > 1) M ON L.ID = M.ID_Linea WHERE M.Doble IS NOT NULL
+> 1 | 5.0000
+
+SELECT L.ID, M.Mayor, M.Fijo FROM Linea L LEFT JOIN (SELECT ID_Linea, MAX(Nombre) AS Mayor, 'x' AS Fijo FROM Extra GROUP BY ID_Linea) M ON L.ID = M.ID_Linea AND L.Precio > 5 ORDER BY L.ID
+> 1 | NULL | NULL
+> 2 | NULL | NULL
+> 3 | a | x
+
+SELECT L.ID, M.Fijo, M.V FROM Linea L LEFT JOIN (SELECT ID_Linea, 'x' AS Fijo, SUM(COUNT(*)) OVER () AS V FROM Extra GROUP BY ID_Linea) M ON L.ID = M.ID_Linea ORDER BY L.ID
+> 1 | x | 4
+> 2 | NULL | NULL
+> 3 | x | 4
+
+-- What a join asks of its optional side alone, beside a subquery
+
+CREATE TABLE Carta (ID INT NOT NULL PRIMARY KEY, Nombre VARCHAR(10) NOT NULL)
+CREATE TABLE Vendido (ID INT NOT NULL PRIMARY KEY, Pedido INT NOT NULL, Producto INT NOT NULL, Anulado INT NULL, Precio MONEY NULL)
+CREATE INDEX IX_Vendido ON Vendido (Pedido)
+INSERT INTO Carta VALUES (1,'Sopa'),(2,'Pan'),(3,'Té')
+INSERT INTO Vendido VALUES (1,10,1,NULL,5),(2,10,1,1,5),(3,11,1,NULL,6),(4,12,2,NULL,1)
+# 3
+# 4
+
+SELECT Nombre, COUNT(Vendido.ID), SUM(Precio)/COUNT(Vendido.ID) FROM Carta LEFT OUTER JOIN Vendido ON Carta.ID = Producto AND Pedido IN (SELECT Pedido FROM Linea) AND Anulado IS NULL GROUP BY Nombre ORDER BY Nombre
+> Pan | 0 | NULL
+> Sopa | 2 | 5.5000
+> Té | 0 | NULL
+
+SELECT Nombre, Vendido.ID FROM Carta LEFT JOIN Vendido ON Carta.ID = Producto AND Pedido NOT IN (SELECT Pedido FROM Linea) AND Carta.ID < 2 + 1 WHERE Nombre <> 'x' ORDER BY Nombre
+> Pan | 4
+> Sopa | NULL
+> Té | NULL
+
+SELECT Nombre, Vendido.ID FROM Carta LEFT JOIN Vendido ON Pedido IN (SELECT Pedido FROM Linea WHERE Linea.ID = 3) AND 1 = 1 ORDER BY Nombre
+> Pan | 3
+> Sopa | 3
+> Té | 3

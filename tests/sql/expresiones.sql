@@ -161,3 +161,10 @@ SELECT 5 AS a, a = 6, 'b' = 7, 8 b2, 9 AS 'c d', [e f] = 10
 
 SELECT /* a /* nested */ comment */ 1 -- and one to the end
 > 1
+
+-- Nothing divided by zero is nothing
+SELECT CAST(NULL AS MONEY)/0, CAST(NULL AS INT)%0, CAST(NULL AS FLOAT)/0, CAST(NULL AS NUMERIC(5,2))/0, 0/CAST(NULL AS INT)
+> NULL | NULL | NULL | NULL | NULL
+
+SELECT 7/2, -7/2, 7%3, -7%3, 7/2.0, CAST(7 AS FLOAT)/2, CAST(7 AS MONEY)/2, CAST('0.0001' AS MONEY)/2
+> 3 | -3 | 1 | -1 | 3.500000 | 3.5 | 3.5000 | 0.0000
