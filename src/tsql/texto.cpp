@@ -227,7 +227,17 @@ int Comparar(std::string_view a, std::string_view b) {
 bool MismoNombre(std::string_view a, std::string_view b) {
     std::size_t i = 0;
     std::size_t j = 0;
+    // Most names are ASCII, and most comparisons end at their first letters.
     while (i < a.size() && j < b.size()) {
+        const auto x = static_cast<unsigned char>(a[i]);
+        const auto y = static_cast<unsigned char>(b[j]);
+        if (x < 0x80U && y < 0x80U) {
+            const auto baja = [](unsigned char c) { return c >= 'A' && c <= 'Z' ? c | 0x20U : c; };
+            if (baja(x) != baja(y)) return false;
+            ++i;
+            ++j;
+            continue;
+        }
         if (Minuscula(SiguienteCaracter(a, i)) != Minuscula(SiguienteCaracter(b, j))) return false;
     }
     return i == a.size() && j == b.size();
@@ -286,7 +296,14 @@ std::string EntreApostrofes(std::string_view texto) {
 }
 
 std::string EntreComillas(std::string_view nombre) {
-    std::string salida = "\"";
+    std::string salida;
+    salida.reserve(nombre.size() + 2);
+    salida.push_back('"');
+    if (nombre.find('"') == std::string_view::npos) {
+        salida.append(nombre);
+        salida.push_back('"');
+        return salida;
+    }
     for (const char c : nombre) {
         if (c == '"') salida.push_back('"');
         salida.push_back(c);

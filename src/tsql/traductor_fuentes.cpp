@@ -49,9 +49,10 @@ TablaAmbito Traductor::AmbitoDe(const TablaPtr& tabla, const std::string& expues
     ambito.expuesto = expuesto;
     ambito.alias_sql = "\"t" + std::to_string(siguiente_tabla_++) + "\"";
     ambito.tabla = tabla;
+    ambito.columnas.reserve(tabla->columnas.size());
+    const std::string punto = ambito.alias_sql + ".";
     for (const ColumnaTabla& columna : tabla->columnas) {
-        ambito.columnas.push_back({columna.nombre,
-                                   ambito.alias_sql + "." + EntreComillas(columna.nombre),
+        ambito.columnas.push_back({columna.nombre, punto + EntreComillas(columna.nombre),
                                    columna.tipo, columna.admite_nulos});
     }
     usadas_.push_back(tabla);

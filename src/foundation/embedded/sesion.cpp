@@ -56,6 +56,7 @@ Hecho Sesion::Abrir(const std::string& archivo, bool crear) {
 
 void Sesion::Cerrar() {
     por_forma_.clear();
+    por_texto_.clear();
     recordados_.clear();
     modulos_.clear();
     base_.Cerrar();
@@ -139,6 +140,7 @@ void Sesion::Recordar(const std::string& clave, const std::shared_ptr<LoteListo>
 
 Resultado<std::shared_ptr<LoteListo>> Sesion::Leer(const std::string& texto,
                                                    const std::vector<tsql::Tipo>& tipos) {
+    if (auto listo = LeidoAsi(texto, tipos)) return listo;
     QUIMO_TRY(tsql::Lexico lexico, tsql::Analizar(texto));
     std::string clave = lexico.forma;
     for (const tsql::Tipo& tipo : tipos)
@@ -149,7 +151,9 @@ Resultado<std::shared_ptr<LoteListo>> Sesion::Leer(const std::string& texto,
         if (!Sirve(*recordado->lote, lexico.literales)) continue;
         recordados_.splice(recordados_.begin(), recordados_, recordado);
         recordado->lote->lote.literales = std::move(lexico.literales);
+        recordado->lote->lote.texto = texto;
         recordado->lote->en_uso = true;
+        RecordarTexto(recordado->lote);
         return recordado->lote;
     }
     auto listo = std::make_shared<LoteListo>();
@@ -157,6 +161,27 @@ Resultado<std::shared_ptr<LoteListo>> Sesion::Leer(const std::string& texto,
     listo->tipos_parametros = tipos;
     listo->en_uso = true;
     Recordar(clave, listo);
+    RecordarTexto(listo);
+    return listo;
+}
+
+void Sesion::RecordarTexto(const std::shared_ptr<LoteListo>& lote) {
+    constexpr std::size_t kTextoMaximo = 4096;
+    if (lote->lote.texto.size() > kTextoMaximo) return;
+    if (por_texto_.size() >= 2 * kLotesRecordados) por_texto_.clear();
+    por_texto_.insert_or_assign(lote->lote.texto, lote);
+}
+
+/// The very text again: nothing of it needs to be looked at, not even its constants.
+std::shared_ptr<LoteListo> Sesion::LeidoAsi(const std::string& texto,
+                                            const std::vector<tsql::Tipo>& tipos) {
+    const auto leido = por_texto_.find(texto);
+    if (leido == por_texto_.end()) return nullptr;
+    auto listo = leido->second.lock();
+    // Another text of the same form may have put its own constants there since.
+    if (!listo || listo->en_uso || listo->lote.texto != texto || listo->tipos_parametros != tipos)
+        return nullptr;
+    listo->en_uso = true;
     return listo;
 }
 

@@ -92,7 +92,10 @@ private:
         std::string clave;
         std::shared_ptr<LoteListo> lote;
     };
+    std::shared_ptr<LoteListo> LeidoAsi(const std::string& texto,
+                                        const std::vector<tsql::Tipo>& tipos);
     bool Sirve(const LoteListo& listo, const std::vector<tsql::Literal>& literales) const;
+    void RecordarTexto(const std::shared_ptr<LoteListo>& lote);
     void Recordar(const std::string& clave, const std::shared_ptr<LoteListo>& lote);
 
     const Reloj& reloj_;
@@ -107,6 +110,7 @@ private:
     std::int64_t hora_ = 0;
     std::list<Recordado> recordados_;
     std::unordered_multimap<std::string, std::list<Recordado>::iterator> por_forma_;
+    std::unordered_map<std::string, std::weak_ptr<LoteListo>> por_texto_;
     std::map<const tsql::CrearModulo*, std::shared_ptr<LoteListo>> modulos_;
 };
 

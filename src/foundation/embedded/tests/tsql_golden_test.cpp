@@ -119,4 +119,31 @@ TEST(TsqlGoldenTest, RespondeComoElServidor) {
     }
 }
 
+TEST(SentenciasDelProgramaTest, CorrenOFallanComoDeben) {
+    BasePrueba base;
+    base.Guion(QStringLiteral(QUIMO_RAIZ "/db/schema.sql"));
+    base.Guion(QStringLiteral(QUIMO_RAIZ "/db/procedures.sql"));
+    base.Lineas(kDatos + QStringLiteral("day-golden/central-before.sql"));
+    const QString archivo = QStringLiteral(QUIMO_RAIZ "/tests/sql/programa/sentencias.sql");
+    int corridas = 0;
+    for (QString linea : LeerTexto(archivo).split(QLatin1Char('\n'))) {
+        if (linea.isEmpty() || linea.startsWith(QLatin1String("-- "))) continue;
+        ++corridas;
+        int fallo = 0;
+        if (linea.startsWith(QLatin1String("! "))) {
+            fallo = linea.section(QLatin1Char(' '), 1, 1).toInt();
+            linea = linea.section(QLatin1Char(' '), 2);
+        }
+        const bool queda = linea.startsWith(QLatin1String("+ "));
+        if (queda) linea.remove(0, 2);
+        if (!queda) base.Bien(QStringLiteral("BEGIN TRANSACTION"));
+        const RespuestaSql respuesta = base->Ejecutar(linea);
+        EXPECT_EQ(respuesta.fallo ? respuesta.fallo->Nativo() : 0, fallo)
+            << linea.toStdString() << "\n"
+            << (respuesta.fallo ? respuesta.fallo->Descripcion().toStdString() : "");
+        if (!queda) base.Bien(QStringLiteral("ROLLBACK TRANSACTION"));
+    }
+    EXPECT_GT(corridas, 150);
+}
+
 }  // namespace quimo::foundation
