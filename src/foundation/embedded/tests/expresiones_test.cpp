@@ -170,6 +170,82 @@ TEST(ExpresionesAzarTest, ValenLoQueDiceSuArbol) {
     EXPECT_GT(comparadas, 1000);
 }
 
+/// Two ways of asking the same, of which the translator rewrites the first: over random rows, with
+/// keys that are missing, repeated and NULL, both must answer alike.
+struct Pareja {
+    const char* reescrita;
+    const char* tal_cual;
+};
+constexpr Pareja kParejas[] = {
+    {"SELECT a.id, d.s, d.c, d.k FROM a LEFT JOIN (SELECT k, SUM(v) AS s, COUNT(*) AS c FROM b "
+     "GROUP BY k) d "
+     "ON d.k = a.k ORDER BY a.id",
+     "SELECT a.id, d.s, d.c, d.k FROM a LEFT JOIN (SELECT k, SUM(v) AS s, COUNT(*) AS c FROM b "
+     "GROUP BY k "
+     "HAVING COUNT(*) > 0) d ON d.k = a.k ORDER BY a.id"},
+    {"SELECT a.k, SUM(a.v) + SUM(ISNULL(d.s,0)), COUNT(d.m) FROM a LEFT JOIN (SELECT b.k, SUM(b.v) "
+     "AS s, MIN(c.v) AS m "
+     "FROM b, c WHERE b.id = c.k AND b.v IS NOT NULL GROUP BY b.k) d ON a.k = d.k WHERE a.v > 1 "
+     "GROUP BY a.k ORDER BY 1",
+     "SELECT a.k, SUM(a.v) + SUM(ISNULL(d.s,0)), COUNT(d.m) FROM a LEFT JOIN (SELECT b.k, SUM(b.v) "
+     "AS s, MIN(c.v) AS m "
+     "FROM b, c WHERE b.id = c.k AND b.v IS NOT NULL GROUP BY b.k HAVING COUNT(*) > 0) d ON a.k = "
+     "d.k WHERE a.v > 1 "
+     "GROUP BY a.k ORDER BY 1"},
+    {"SELECT a.id, b.id FROM a LEFT JOIN b ON a.v = b.v AND b.k IN (SELECT k FROM c) AND b.id > 2 "
+     "ORDER BY 1, 2",
+     "SELECT a.id, b.id FROM a LEFT JOIN b ON a.v = b.v AND EXISTS (SELECT * FROM c WHERE c.k = "
+     "b.k) AND b.id > 2 "
+     "ORDER BY 1, 2"},
+    {"SELECT a.id, COUNT(b.id), SUM(b.v)/COUNT(b.id) FROM c, a LEFT JOIN b ON a.v = b.v AND b.k IN "
+     "(SELECT k FROM c "
+     "WHERE v > 2) WHERE c.id = a.id GROUP BY a.id ORDER BY 1",
+     "SELECT a.id, COUNT(b.id), SUM(b.v)/COUNT(b.id) FROM c, a LEFT JOIN b ON a.v = b.v AND b.k + "
+     "0 IN (SELECT k FROM c "
+     "WHERE v > 2) WHERE c.id = a.id GROUP BY a.id ORDER BY 1"},
+};
+
+TEST(UnionesAzarTest, LaReescritaRespondeComoLaEscrita) {
+    std::mt19937 azar(7);
+    const auto numero = [&](unsigned long hasta) {
+        const unsigned long n = azar() % (hasta + 1);
+        return n == hasta ? QStringLiteral("NULL") : QString::number(n);
+    };
+    int filas = 0;
+    for (int vuelta = 0; vuelta < 12; ++vuelta) {
+        BasePrueba base;
+        for (const char tabla : {'a', 'b', 'c'}) {
+            const QString nombre = QString(QLatin1Char(tabla));
+            base.Bien(QStringLiteral(
+                          "CREATE TABLE %1 (id INT NOT NULL PRIMARY KEY, k INT NULL, v MONEY NULL)")
+                          .arg(nombre));
+            base.Bien(QStringLiteral("CREATE INDEX ix ON %1 (k)").arg(nombre));
+            for (unsigned long id = azar() % 2; id < 3 + azar() % 20; ++id) {
+                base.Bien(QStringLiteral("INSERT INTO %1 VALUES (%2,%3,%4)")
+                              .arg(nombre, QString::number(id), numero(6), numero(5)));
+            }
+        }
+        for (const Pareja& pareja : kParejas) {
+            const auto una = base.Bien(QString::fromLatin1(pareja.reescrita));
+            const auto otra = base.Bien(QString::fromLatin1(pareja.tal_cual));
+            ASSERT_FALSE(una.fallo || otra.fallo);
+            const auto textos = [&filas](const RespuestaSql& respuesta) {
+                QStringList lineas;
+                for (const Fila& fila : respuesta.resultados[0].conjunto->filas) {
+                    QStringList celdas;
+                    for (const QVariant& valor : fila)
+                        celdas.append(ATexto(valor));
+                    lineas.append(celdas.join(QLatin1Char('|')));
+                    ++filas;
+                }
+                return lineas;
+            };
+            EXPECT_EQ(textos(una), textos(otra)) << pareja.reescrita;
+        }
+    }
+    EXPECT_GT(filas, 200);
+}
+
 }  // namespace
 
 }  // namespace quimo::foundation
