@@ -1,10 +1,11 @@
 #!/usr/bin/env python3
 """Closes the recorded day over the network: a real file server on loopback serves the terminals.
 
-usage: cierre_red.py QUIMOCTL DATA_DIR
+usage: cierre_red.py QUIMOCTL DATA_DIR [POINTS]
 
 First with every terminal there: what is left behind must be the recorded day's. Then with a
-terminal that cannot be reached, in each way that is, with both answers to the question.
+terminal that cannot be reached, in each way that is, with both answers to the question. Last, the
+close is killed at many points and goes on.
 """
 import json
 import os
@@ -18,7 +19,7 @@ import tempfile
 import time
 from decimal import Decimal, InvalidOperation
 
-from matar_cierre import DATE, TERMINALS, Restaurant, digest, new_central
+from matar_cierre import DATE, TERMINALS, Restaurant, digest, kill_many, new_central
 
 SALES = {"Comanda": "ID_Comanda", "Cuenta": "ID_Comanda,Num_Cuenta", "ProductosXCuenta": "ID_ProductosXCuenta",
          "Cortesia": "ID_ProductosXCuenta,ID_Tipo_Cortesia", "Modificador": "ID_ProductosXCuenta,ID_Tipo_Modificador",
@@ -81,7 +82,7 @@ class Server:
         subprocess.run([program("pdbedit"), "-s", self.settings, "-a", "-t", "-u", self.user],
                        input=f"{PASSWORD}\n{PASSWORD}\n", text=True, check=True, capture_output=True, timeout=60)
 
-    def __enter__(self):
+    def start(self):
         self.process = subprocess.Popen([program("smbd"), "--foreground", "--no-process-group", "-s", self.settings],
                                         stdin=subprocess.PIPE, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
                                         start_new_session=True)
@@ -93,21 +94,39 @@ class Server:
                     break
                 except OSError:
                     if self.process.poll() is not None or time.monotonic() > limit:
-                        self.__exit__()
                         raise
                     time.sleep(0.05)
-        return self
 
-    def __exit__(self, *_):
+    def stop(self):
+        if self.process is None:
+            return
         os.killpg(self.process.pid, signal.SIGKILL)
         self.process.wait()
         self.process.stdin.close()
+        self.process = None
 
 
 class NetworkRestaurant(Restaurant):
+    running = []  # those whose server may have to be stopped when a check fails
+
     def __init__(self, ctl, data, central):
         super().__init__(ctl, data, central)
         self.server = Server(self.dir)
+        self.running.append(self)
+        self.server.start()
+        self.write_access()
+
+    def remove(self):
+        self.server.stop()
+        self.running.remove(self)
+        super().remove()
+
+    def network(self):
+        return []
+
+    def standing(self, name):
+        path = self.terminal(name)
+        return path if os.path.exists(path) else path + ".anterior"  # killed between the two renames
 
     def write_access(self, changes=None, mode=0o600):
         """red.conf: everybody's login and each terminal's address; `changes` are lines for a terminal."""
@@ -119,7 +138,7 @@ class NetworkRestaurant(Restaurant):
             f.write("\n".join(lines) + "\n")
         os.chmod(path, mode)
 
-    def close(self, *options):
+    def close_and_listen(self, *options):
         return subprocess.run([self.ctl, "cerrar", "embebido", self.db, "--dir", f"{self.dir}/dir", *options],
                               capture_output=True, text=True, timeout=240)
 
@@ -170,19 +189,17 @@ def compare(r, data, reached):
 
 def close_whole_day(ctl, data, central):
     r = NetworkRestaurant(ctl, data, central)
-    try:
-        r.write_access(mode=0o644)
-        refused = r.close()
-        assert refused.returncode == 1 and "chmod 600" in refused.stderr and not refused.stdout, refused
-        r.write_access()
-        with r.server:
-            done = r.close()
-        assert done.returncode == 0 and done.stderr == "", done.stderr
-        assert "Proceso terminado" in done.stdout.splitlines()
-        assert PASSWORD not in done.stdout + open(f"{r.dir}/dir/QUIMO.log", encoding="utf-8", errors="replace").read()
-        compare(r, data, TERMINALS)
-    finally:
-        r.remove()
+    r.write_access(mode=0o644)
+    refused = r.close_and_listen()
+    assert refused.returncode == 1 and "chmod 600" in refused.stderr and not refused.stdout, refused
+    r.write_access()
+    done = r.close_and_listen()
+    assert done.returncode == 0 and done.stderr == "", done.stderr
+    assert "Proceso terminado" in done.stdout.splitlines()
+    with open(f"{r.dir}/dir/QUIMO.log", encoding="utf-8", errors="replace") as log:
+        assert PASSWORD not in done.stdout + log.read()
+    compare(r, data, TERMINALS)
+    r.remove()
 
 
 REMOTE = r"\\CAJA2\quimo\Quimo_Terminal.mdb"
@@ -200,22 +217,21 @@ UNREACHABLE = [  # what is wrong with CAJA2, its lines of red.conf, the error's 
 def close_without(ctl, data, central, answer, case):
     what, access, description = case
     r = NetworkRestaurant(ctl, data, central)
-    try:
-        r.write_access({"CAJA2": access(r.server)} if access else None)
-        if access is None:
-            os.remove(f"{r.dir}/por_direccion/{ADDRESS['CAJA2']}")
-        files = {name: digest(r.terminal(name)) for name in TERMINALS}
-        with r.server:
-            done = r.close("--ante-falla", answer)
-        told = done.stderr.splitlines()
-        assert any(line.startswith(description) for line in done.stdout.splitlines()), (what, done.stdout)
-        if answer == "abortar":
-            assert done.returncode == 1, (what, done)
-            assert told == ["Falla de comunicación con CAJA2 [Anular]"], (what, told)
-            assert "Abortado" in done.stdout.splitlines() and "Proceso terminado" not in done.stdout
-            assert files == {name: digest(r.terminal(name)) for name in TERMINALS}, f"{what}: a terminal was replaced"
-            assert r.query([DATE])[0]["rows"][0][0] == "15112026", "the date moves on before any terminal is touched"
-            return
+    if access is None:
+        os.remove(f"{r.dir}/por_direccion/{ADDRESS['CAJA2']}")
+    else:
+        r.write_access({"CAJA2": access(r.server)})
+    files = {name: digest(r.terminal(name)) for name in TERMINALS}
+    done = r.close_and_listen("--ante-falla", answer)
+    told = done.stderr.splitlines()
+    assert any(line.startswith(description) for line in done.stdout.splitlines()), (what, done.stdout)
+    if answer == "abortar":
+        assert done.returncode == 1, (what, done)
+        assert told == ["Falla de comunicación con CAJA2 [Anular]"], (what, told)
+        assert "Abortado" in done.stdout.splitlines() and "Proceso terminado" not in done.stdout
+        assert files == {name: digest(r.terminal(name)) for name in TERMINALS}, f"{what}: a terminal was replaced"
+        assert r.query([DATE])[0]["rows"][0][0] == "15112026", "the date moves on before any terminal is touched"
+    else:
         assert done.returncode == 0, (what, done.stderr)
         assert told[:2] == ["Falla de comunicación con CAJA2 [Omitir]",
                             "Error fin día: Error de comunicación con terminales:"], (what, told)
@@ -225,20 +241,25 @@ def close_without(ctl, data, central, answer, case):
         compare(r, data, ["CAJA1", "BARRA"])
         for name in ("CAJA1", "BARRA"):
             assert digest(r.terminal(name)) != files[name], f"{what}: {name} has no new database"
-    finally:
-        r.remove()
+    r.remove()
 
 
 def main():
     ctl, data = sys.argv[1:3]
+    points = int(sys.argv[3]) if len(sys.argv) > 3 else 20
     with tempfile.TemporaryDirectory(prefix="cierre-") as folder:
         central = new_central(ctl, data, folder)
-        close_whole_day(ctl, data, central)
-        print("the day closed over the network: nothing differs")
-        for answer in ("abortar", "ignorar"):
-            for case in UNREACHABLE:
-                close_without(ctl, data, central, answer, case)
-        print(f"{2 * len(UNREACHABLE)} closes without CAJA2 said what they must")
+        try:
+            close_whole_day(ctl, data, central)
+            print("the day closed over the network: nothing differs")
+            for answer in ("abortar", "ignorar"):
+                for case in UNREACHABLE:
+                    close_without(ctl, data, central, answer, case)
+            print(f"{2 * len(UNREACHABLE)} closes without CAJA2 said what they must")
+            kill_many(lambda: NetworkRestaurant(ctl, data, central), points)
+        finally:
+            for restaurant in NetworkRestaurant.running:
+                restaurant.server.stop()
 
 
 if __name__ == "__main__":
