@@ -52,6 +52,13 @@ quint16 PuertoDe(int fd) {
     return ntohs(direccion.sin_port);
 }
 
+int LlamarALoopback(quint16 puerto) {
+    const int fd = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+    const sockaddr direccion = Loopback(puerto);
+    static_cast<void>(::connect(fd, &direccion, sizeof direccion));
+    return fd;
+}
+
 namespace {
 
 constexpr int kEspera_ms = 20000;
@@ -161,6 +168,8 @@ void ServidorSmb::Matar() {
     ::kill(-pid, SIGKILL);
     proceso_.waitForFinished(kEspera_ms);
 }
+
+void ServidorSmb::Congelar() const { ::kill(-static_cast<pid_t>(proceso_.processId()), SIGSTOP); }
 
 std::vector<pid_t> ServidorSmb::Conexiones() const {
     std::vector<pid_t> hijos;

@@ -32,6 +32,8 @@ public:
     bool Arrancar();
     /// Ends the server and the processes of its connections at once, as a power cut does.
     void Matar();
+    /// It stays connected and answers nothing more; `Matar` ends it.
+    void Congelar() const;
     /// Ends the processes of the open connections only.
     void MatarConexiones() const;
 
@@ -54,6 +56,8 @@ private:
 /// A socket bound to a free port of the loopback address, and its port.
 int SocketEnLoopback();
 quint16 PuertoDe(int fd);
+/// A socket that calls a loopback port and does not wait for the answer.
+int LlamarALoopback(quint16 puerto);
 
 /// Writes a file with these bytes, folders included.
 void EscribirArchivo(const QString& ruta, const QByteArray& contenido);

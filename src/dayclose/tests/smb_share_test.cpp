@@ -26,17 +26,27 @@ using pruebas::ServidorSmb;
 
 const QString kRemoto = u"\\\\CAJA1\\quimo\\Quimo_Terminal.mdb"_s;
 
-/// A port that takes connections and never says a word.
+/// A port that takes connections and never says a word or, once it is full, does not even take
+/// them.
 class PuertoMudo {
 public:
-    PuertoMudo() : fd_(pruebas::SocketEnLoopback()) { ::listen(fd_, 8); }
+    enum class Lleno { No, Si };
+
+    explicit PuertoMudo(Lleno lleno) : sockets_{pruebas::SocketEnLoopback()} {
+        ::listen(sockets_[0], lleno == Lleno::Si ? 0 : 8);
+        for (int i = 0; lleno == Lleno::Si && i < 3; ++i)
+            sockets_.push_back(pruebas::LlamarALoopback(Puerto()));
+    }
     PuertoMudo(const PuertoMudo&) = delete;
     PuertoMudo& operator=(const PuertoMudo&) = delete;
-    ~PuertoMudo() { ::close(fd_); }
-    quint16 Puerto() const { return pruebas::PuertoDe(fd_); }
+    ~PuertoMudo() {
+        for (const int uno : sockets_)
+            ::close(uno);
+    }
+    quint16 Puerto() const { return pruebas::PuertoDe(sockets_[0]); }
 
 private:
-    int fd_;
+    std::vector<int> sockets_;
 };
 
 class SmbShareTest : public ::testing::Test {
@@ -120,6 +130,7 @@ TEST_F(SmbShareTest, CadaFallaTieneSuNumero) {
         {u"\\\\MALA\\clave\\Quimo_Terminal.mdb"_s, 75, 75, 75},
         {u"\\\\APAGADA\\quimo\\Quimo_Terminal.mdb"_s, 52, 52, 52},
         {u"\\\\MUDA\\quimo\\Quimo_Terminal.mdb"_s, 52, 52, 52},
+        {u"\\\\SORDA\\quimo\\Quimo_Terminal.mdb"_s, 52, 52, 52},
         {u"\\\\nadie.invalid\\quimo\\Quimo_Terminal.mdb"_s, 52, 52, 52},
         {u"\\\\CAJA1\\..\\quimo\\Quimo_Terminal.mdb"_s, 52, 52, 52},
         {u"\\\\CAJA1\\quimo\\*.mdb"_s, 52, 52, 52},
@@ -253,15 +264,22 @@ TEST_F(SmbShareTest, UnaCopiaQueSeRompeNoTocaLaBuena) {
         {u"se cae la conexión"_s, [] { servidor_->MatarConexiones(); }, 52},
         {u"crece mientras se copia"_s, [&] { QFile(grande).resize((qint64{256} << 20) + 1); }, 70},
         {u"se achica mientras se copia"_s, [&] { QFile(grande).resize(1 << 20); }, 70},
+        {u"el equipo deja de contestar"_s, [] { servidor_->Congelar(); }, 52},
     };
+    share_ = std::make_unique<SmbShare>(Configuracion("[Breve]\nplazo = 1\n"));
     for (const Caso& caso : casos) {
         ASSERT_TRUE(QFile(grande).resize(qint64{256} << 20));
         CuandoCrezca vigia(Local() + u".parcial"_s, 1 << 20, caso.accion);
-        const auto traido = share_->Traer(u"\\\\CAJA1\\quimo\\grande.mdb"_s, Local());
+        const auto traido = share_->Traer(u"\\\\BREVE\\quimo\\grande.mdb"_s, Local());
         EXPECT_TRUE(vigia.Corrio()) << caso.nombre.toStdString();
         EXPECT_EQ(NumeroDe(traido), caso.numero) << caso.nombre.toStdString();
         EXPECT_EQ(LeerArchivo(Local()), "local") << caso.nombre.toStdString();
         EXPECT_FALSE(QFile::exists(Local() + u".parcial"_s));
+        if (caso.nombre.contains(u"contestar"_s)) {
+            EXPECT_EQ(NumeroDe(share_->Existe(u"\\\\BREVE\\quimo\\grande.mdb"_s)), 52);
+            servidor_->Matar();
+            ASSERT_TRUE(servidor_->Arrancar());
+        }
         EXPECT_EQ(NumeroDe(share_->Traer(kRemoto, carpeta_.filePath(u"otra"_s))), 0);
     }
 }
@@ -277,23 +295,27 @@ TEST_F(SmbShareTest, UnEnvioQueSeRompeDejaElAnteriorYElSiguienteLlega) {
         {u"se cae la conexión"_s, [] { servidor_->MatarConexiones(); }, 52},
         {u"se apaga el equipo"_s, [] { servidor_->Matar(); }, 52},
         {u"se llena su disco"_s, [] {}, 61},
+        {u"deja de contestar"_s, [] { servidor_->Congelar(); }, 52},
     };
+    const QString remoto = u"\\\\BREVE\\quimo\\Quimo_Terminal.mdb"_s;
+    share_ = std::make_unique<SmbShare>(Configuracion("[Breve]\nplazo = 1\n"));
     for (const Caso& caso : casos) {
         EscribirArchivo(Servida(u"Quimo_Terminal.mdb"_s), "vieja");
         QFile hueco(Nueva());
         ASSERT_TRUE(hueco.open(QIODevice::WriteOnly) && hueco.resize(qint64{1} << 30));
         hueco.close();
         CuandoCrezca vigia(parcial, 1 << 20, caso.accion);
-        EXPECT_EQ(NumeroDe(share_->Llevar(Nueva(), kRemoto)), caso.numero)
+        EXPECT_EQ(NumeroDe(share_->Llevar(Nueva(), remoto)), caso.numero)
             << caso.nombre.toStdString();
         EXPECT_TRUE(vigia.Corrio()) << caso.nombre.toStdString();
         EXPECT_EQ(LeerArchivo(Servida(u"Quimo_Terminal.mdb"_s)), "vieja");
         EXPECT_EQ(QFile::exists(parcial), caso.numero == 52) << "cleaned where it could be";
-        if (NumeroDe(share_->Existe(kRemoto)) != 0) {
+        if (NumeroDe(share_->Existe(remoto)) != 0) {
+            servidor_->Matar();
             ASSERT_TRUE(servidor_->Arrancar());
         }
         EscribirArchivo(Nueva(), "nueva");
-        const auto llevado = share_->Llevar(Nueva(), kRemoto);
+        const auto llevado = share_->Llevar(Nueva(), remoto);
         EXPECT_EQ(NumeroDe(llevado), 0) << caso.nombre.toStdString();
         EXPECT_EQ(LeerArchivo(Servida(u"Quimo_Terminal.mdb"_s)), "nueva");
         EXPECT_EQ(EnLaCarpeta(), QStringList{u"Quimo_Terminal.mdb"_s});
