@@ -108,9 +108,11 @@ int NumeroDe(const ResultadoArchivo<T>& resultado) {
 }
 
 TEST_F(SmbShareTest, CadaFallaTieneSuNumero) {
-    const PuertoMudo mudo;
-    share_ = std::make_unique<SmbShare>(
-        Configuracion("[Muda]\nplazo = 1\npuerto = " + QByteArray::number(mudo.Puerto()) + '\n'));
+    const PuertoMudo mudo(PuertoMudo::Lleno::No);
+    const PuertoMudo sordo(PuertoMudo::Lleno::Si);
+    share_ = std::make_unique<SmbShare>(Configuracion(
+        "[Muda]\nplazo = 1\npuerto = " + QByteArray::number(mudo.Puerto()) +
+        "\n[Sorda]\nplazo = 1\npuerto = " + QByteArray::number(sordo.Puerto()) + '\n'));
     QDir().mkpath(Servida(u"carpeta"_s));
     struct Caso {
         QString remoto;
