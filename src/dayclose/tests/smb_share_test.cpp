@@ -130,6 +130,7 @@ TEST_F(SmbShareTest, CadaFallaTieneSuNumero) {
         {u"\\\\CAJA1\\clave\\Quimo_Terminal.mdb"_s, 75, 75, 75},  // not for guests
         {u"\\\\SEGURA\\clave\\Quimo_Terminal.mdb"_s, 1, 0, 0},
         {u"\\\\MALA\\clave\\Quimo_Terminal.mdb"_s, 75, 75, 75},
+        {u"\\\\MALA\\quimo\\Quimo_Terminal.mdb"_s, 75, 75, 75},  // and not as guest instead
         {u"\\\\APAGADA\\quimo\\Quimo_Terminal.mdb"_s, 52, 52, 52},
         {u"\\\\MUDA\\quimo\\Quimo_Terminal.mdb"_s, 52, 52, 52},
         {u"\\\\SORDA\\quimo\\Quimo_Terminal.mdb"_s, 52, 52, 52},
@@ -202,6 +203,8 @@ TEST_F(SmbShareTest, LoQueOtroTieneAbiertoEs70YQuedaComoEstaba) {
     ASSERT_NE(otro, nullptr);
     for (const Caso& caso : casos) {
         EscribirArchivo(Servida(u"Quimo_Terminal.mdb"_s), "vieja");
+        const QString resto = Servida(u"Quimo_Terminal.mdb.parcial"_s);
+        EscribirArchivo(resto, "resto de otra vez");
         {
             const auto abierto = otro->AbrirArchivo(*ruta, caso.modo, caso.compartir);
             ASSERT_TRUE(abierto);
@@ -210,9 +213,10 @@ TEST_F(SmbShareTest, LoQueOtroTieneAbiertoEs70YQuedaComoEstaba) {
             EXPECT_TRUE(share_->Existe(kRemoto).has_value());
         }
         EXPECT_EQ(LeerArchivo(Servida(u"Quimo_Terminal.mdb"_s)), "vieja");
-        EXPECT_EQ(EnLaCarpeta(), QStringList{u"Quimo_Terminal.mdb"_s});
+        EXPECT_EQ(LeerArchivo(resto), "resto de otra vez") << "nothing was written before the 70";
         EXPECT_EQ(NumeroDe(share_->Llevar(Nueva(), kRemoto)), 0);
         EXPECT_EQ(LeerArchivo(Servida(u"Quimo_Terminal.mdb"_s)), "nueva");
+        EXPECT_EQ(EnLaCarpeta(), QStringList{u"Quimo_Terminal.mdb"_s});
     }
 }
 
