@@ -28,7 +28,9 @@ constexpr DefOrden kOrdenes[] = {
      OrdenCrear},
     {u"sql", u"SERVIDOR BASE", 2, 2, kOpcionesSql,
      u"ejecuta T-SQL en una sesión; con --lineas, una sentencia por línea de la entrada", OrdenSql},
-    {u"cerrar", u"SERVIDOR BASE", 2, 2, kOpcionesCerrar, u"hace el proceso de fin de día",
+    {u"cerrar", u"SERVIDOR BASE", 2, 2, kOpcionesCerrar,
+     u"hace el proceso de fin de día; con --red, las carpetas de las terminales están montadas en "
+     u"CARPETA; sin ella, se llega a ellas por la red",
      OrdenCerrar},
     {u"plantilla",
      u"ARCHIVO",

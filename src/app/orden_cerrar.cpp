@@ -4,6 +4,7 @@
 #include "app/resumen_cierre.h"
 #include "dayclose/carpeta_share.h"
 #include "dayclose/fin_de_dia.h"
+#include "dayclose/smb_share.h"
 #include "foundation/parametros.h"
 #include "foundation/rutas.h"
 
@@ -19,6 +20,20 @@ std::optional<foundation::Respuesta> AnteFalla(const QString& texto) {
     return std::nullopt;
 }
 
+/// The terminals' shares: where --red says they are mounted, else over the network. Null after
+/// telling what is wrong with the file that says who logs in.
+std::unique_ptr<dayclose::TerminalShare> AbrirRed(const Argumentos& argumentos,
+                                                  const QString& carpeta) {
+    if (argumentos.Hay(u"red"_s)) {
+        return std::make_unique<dayclose::CarpetaShare>(
+            QDir(argumentos.Opcion(u"red"_s)).absolutePath());
+    }
+    auto configuracion = dayclose::ConfiguracionRed::DelPrograma(carpeta);
+    if (configuracion) return std::make_unique<dayclose::SmbShare>(*std::move(configuracion));
+    EscribirError(QString::fromStdString(configuracion.error().mensaje));
+    return nullptr;
+}
+
 }  // namespace
 
 Estado OrdenCerrar(const Argumentos& argumentos, const Entorno& entorno) {
@@ -27,16 +42,14 @@ Estado OrdenCerrar(const Argumentos& argumentos, const Entorno& entorno) {
         EscribirError(u"La opción --ante-falla admite abortar o ignorar."_s);
         return kMalUso;
     }
-    if (!argumentos.Hay(u"red"_s)) {
-        EscribirError(u"Indique con --red la carpeta en que están montadas las terminales."_s);
-        return kMalUso;
-    }
     const QString carpeta =
         QDir(argumentos.Opcion(u"dir"_s, foundation::CarpetaInstalacion())).absolutePath();
     if (!QDir(carpeta).exists()) {
         EscribirError(u"No existe la carpeta del programa "_s + carpeta);
         return kFallo;
     }
+    const auto share = AbrirRed(argumentos, carpeta);
+    if (share == nullptr) return kFallo;
     const auto sesion =
         AbrirSesion(argumentos, entorno, foundation::SiFalta::Fallar, carpeta + u"/QUIMO.log"_s,
                     {*ante_falla, foundation::Respuesta::Si});
@@ -52,8 +65,7 @@ Estado OrdenCerrar(const Argumentos& argumentos, const Entorno& entorno) {
                       u" no terminó. Use --continuar para continuarlo."_s);
         return kFallo;
     }
-    dayclose::CarpetaShare share(QDir(argumentos.Opcion(u"red"_s)).absolutePath());
-    dayclose::FinDeDia proceso(ado, share, entorno.reloj, carpeta);
+    dayclose::FinDeDia proceso(ado, *share, entorno.reloj, carpeta);
     const auto desenlace = proceso.Ejecutar();
     EscribirResumen(ado, proceso.Resumen());
     return desenlace == dayclose::FinDeDia::Desenlace::Terminado ? kHecho : kFallo;

@@ -94,22 +94,49 @@ ResultadoArchivo<void> SincronizarCarpeta(const QString& archivo) {
     return {};
 }
 
-/// Hands every piece of an open file to `usar`, which returns 0 or an errno of its own.
-template <typename Usar>
-ResultadoArchivo<qint64> LeerTodo(int fd, const QString& ruta, const QString& ruta_salida,
-                                  Usar usar) {
-    QByteArray trozo(kTrozo, Qt::Uninitialized);
-    qint64 total = 0;
-    while (true) {
-        const ssize_t leidos = ::read(fd, trozo.data(), static_cast<std::size_t>(trozo.size()));
-        if (leidos < 0 && errno == EINTR) continue;
-        if (leidos < 0) return FalloDeErrno(errno, ruta);
-        if (leidos == 0) return total;
-        const int fallo = usar(trozo.constData(), leidos);
-        if (fallo != 0) return FalloDeErrno(fallo, ruta_salida);
-        total += leidos;
+/// A local file that is read whole. It must be open before its reader writes anything anywhere.
+class Origen {
+public:
+    explicit Origen(const QString& ruta) : ruta_(ruta), archivo_(ruta, O_RDONLY) {}
+
+    ResultadoArchivo<void> Revisar(Candados candados) {
+        if (archivo_.Fd() < 0) return FalloDeErrno(archivo_.Error(), ruta_);
+        if (candados == Candados::Respetar &&
+            (HayCandado(archivo_.Fd(), F_RDLCK) || !TomarCompartido(archivo_.Fd()))) {
+            return FalloDeNumero(FalloArchivo::kPermisoDenegado, ruta_);
+        }
+        if (::fstat(archivo_.Fd(), &antes_) != 0) return FalloDeErrno(errno, ruta_);
+        if (!S_ISREG(antes_.st_mode)) return FalloDeErrno(EISDIR, ruta_);
+        return {};
     }
-}
+
+    ResultadoArchivo<void> Recorrer(const Sumidero& sumidero) const {
+        QByteArray trozo(kTrozo, Qt::Uninitialized);
+        qint64 total = 0;
+        while (true) {
+            const ssize_t leidos =
+                ::read(archivo_.Fd(), trozo.data(), static_cast<std::size_t>(trozo.size()));
+            if (leidos < 0 && errno == EINTR) continue;
+            if (leidos < 0) return FalloDeErrno(errno, ruta_);
+            if (leidos == 0) break;
+            QUIMO_TRY_VOID(sumidero(trozo.constData(), leidos));
+            total += leidos;
+        }
+        struct stat despues {};
+        if (::fstat(archivo_.Fd(), &despues) != 0) return FalloDeErrno(errno, ruta_);
+        if (total != antes_.st_size || despues.st_size != antes_.st_size ||
+            despues.st_mtim.tv_sec != antes_.st_mtim.tv_sec ||
+            despues.st_mtim.tv_nsec != antes_.st_mtim.tv_nsec) {
+            return FalloDeNumero(FalloArchivo::kPermisoDenegado, ruta_);
+        }
+        return {};
+    }
+
+private:
+    QString ruta_;
+    Descriptor archivo_;
+    struct stat antes_ {};
+};
 
 ResultadoArchivo<void> Asentar(Descriptor& salida, Parcial& parcial, const QString& destino) {
     if (::fsync(salida.Fd()) != 0) return FalloDeErrno(errno, destino);
@@ -130,63 +157,56 @@ FalloArchivo FalloAlCrear(int error, const QString& destino) {
 
 }  // namespace
 
-ResultadoArchivo<Copiado> CopiarEntero(const QString& origen, const QString& destino,
-                                       Candados candados) {
-    const Descriptor entrada(origen, O_RDONLY);
-    if (entrada.Fd() < 0) return FalloDeErrno(entrada.Error(), origen);
-    if (candados == Candados::Respetar &&
-        (HayCandado(entrada.Fd(), F_RDLCK) || !TomarCompartido(entrada.Fd()))) {
-        return FalloDeNumero(FalloArchivo::kPermisoDenegado, origen);
-    }
-    struct stat antes {};
-    if (::fstat(entrada.Fd(), &antes) != 0) return FalloDeErrno(errno, origen);
-    if (!S_ISREG(antes.st_mode)) return FalloDeErrno(EISDIR, origen);
-
+ResultadoArchivo<Copiado> EscribirCon(const QString& destino, const Productor& producir) {
     Parcial parcial(NombreParcial(destino));
     Descriptor salida(parcial.Ruta(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
     if (salida.Fd() < 0) {
         parcial.Conservar();
         return FalloAlCrear(salida.Error(), destino);
     }
+    Copiado copiado;
     QCryptographicHash resumen(QCryptographicHash::Sha256);
-    QUIMO_TRY(const qint64 bytes,
-              LeerTodo(entrada.Fd(), origen, destino, [&](const char* datos, qsizetype cuantos) {
-                  resumen.addData(QByteArrayView(datos, cuantos));
-                  return EscribirTodo(salida.Fd(), datos, cuantos);
-              }));
-    struct stat despues {};
-    if (::fstat(entrada.Fd(), &despues) != 0) return FalloDeErrno(errno, origen);
-    if (bytes != antes.st_size || despues.st_size != antes.st_size ||
-        despues.st_mtim.tv_sec != antes.st_mtim.tv_sec ||
-        despues.st_mtim.tv_nsec != antes.st_mtim.tv_nsec) {
-        return FalloDeNumero(FalloArchivo::kPermisoDenegado, origen);
-    }
+    QUIMO_TRY_VOID(producir([&](const char* datos, qsizetype bytes) -> ResultadoArchivo<void> {
+        resumen.addData(QByteArrayView(datos, bytes));
+        copiado.bytes += bytes;
+        const int fallo = EscribirTodo(salida.Fd(), datos, bytes);
+        if (fallo != 0) return FalloDeErrno(fallo, destino);
+        return {};
+    }));
     QUIMO_TRY_VOID(Asentar(salida, parcial, destino));
-    return Copiado{bytes, QString::fromLatin1(resumen.result().toHex())};
+    copiado.sha256 = QString::fromLatin1(resumen.result().toHex());
+    return copiado;
+}
+
+ResultadoArchivo<void> RecorrerArchivo(const QString& ruta, const Sumidero& sumidero) {
+    Origen origen(ruta);
+    QUIMO_TRY_VOID(origen.Revisar(Candados::Ignorar));
+    return origen.Recorrer(sumidero);
+}
+
+ResultadoArchivo<Copiado> CopiarEntero(const QString& origen, const QString& destino,
+                                       Candados candados) {
+    Origen entrada(origen);
+    QUIMO_TRY_VOID(entrada.Revisar(candados));
+    return EscribirCon(destino,
+                       [&](const Sumidero& sumidero) { return entrada.Recorrer(sumidero); });
 }
 
 ResultadoArchivo<void> EscribirEntero(const QString& destino, const QByteArray& contenido) {
-    Parcial parcial(NombreParcial(destino));
-    Descriptor salida(parcial.Ruta(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-    if (salida.Fd() < 0) {
-        parcial.Conservar();
-        return FalloAlCrear(salida.Error(), destino);
-    }
-    const int fallo = EscribirTodo(salida.Fd(), contenido.constData(), contenido.size());
-    if (fallo != 0) return FalloDeErrno(fallo, destino);
-    return Asentar(salida, parcial, destino);
+    QUIMO_TRY(const Copiado copiado, EscribirCon(destino, [&](const Sumidero& sumidero) {
+                  return sumidero(contenido.constData(), contenido.size());
+              }));
+    static_cast<void>(copiado);
+    return {};
 }
 
 ResultadoArchivo<QString> Sha256DeArchivo(const QString& ruta) {
-    const Descriptor entrada(ruta, O_RDONLY);
-    if (entrada.Fd() < 0) return FalloDeErrno(entrada.Error(), ruta);
     QCryptographicHash resumen(QCryptographicHash::Sha256);
-    QUIMO_TRY(const qint64 bytes,
-              LeerTodo(entrada.Fd(), ruta, ruta, [&](const char* datos, qsizetype cuantos) {
-                  resumen.addData(QByteArrayView(datos, cuantos));
-                  return 0;
-              }));
-    static_cast<void>(bytes);
+    QUIMO_TRY_VOID(
+        RecorrerArchivo(ruta, [&](const char* datos, qsizetype bytes) -> ResultadoArchivo<void> {
+            resumen.addData(QByteArrayView(datos, bytes));
+            return {};
+        }));
     return QString::fromLatin1(resumen.result().toHex());
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 #include <QByteArray>
 
 #include "dayclose/fallo_archivo.h"
@@ -22,6 +24,18 @@ enum class Candados { Ignorar, Respetar };
 /// destination's folder must exist (76).
 ResultadoArchivo<Copiado> CopiarEntero(const QString& origen, const QString& destino,
                                        Candados candados = Candados::Ignorar);
+
+/// Takes one piece of a file that is being copied.
+using Sumidero = std::function<ResultadoArchivo<void>(const char* datos, qsizetype bytes)>;
+/// Hands a whole file to a sink, a piece at a time, and fails if it was not the whole file.
+using Productor = std::function<ResultadoArchivo<void>(const Sumidero& sumidero)>;
+
+/// Writes a whole file from the pieces that `producir` hands over, and puts it in the destination's
+/// place as `CopiarEntero` does: beside it, durable, renamed; nothing is left on failure.
+ResultadoArchivo<Copiado> EscribirCon(const QString& destino, const Productor& producir);
+
+/// Hands every piece of a local file to a sink. A file that changes while it is read: 70.
+ResultadoArchivo<void> RecorrerArchivo(const QString& ruta, const Sumidero& sumidero);
 
 /// Writes a small file whole, in the same way.
 ResultadoArchivo<void> EscribirEntero(const QString& destino, const QByteArray& contenido);

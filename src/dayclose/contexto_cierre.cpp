@@ -23,6 +23,8 @@ ResultadoCierre<bool> ManejadorFallas::Decidir(const QString& terminal, const Fa
         return false;
     }
     omitida_ = true;
+    // The question names only the terminal; why it cannot be reached stands before it.
+    dialogos_.Progreso(fallo.descripcion);
     switch (dialogos_.Preguntar(u"Falla de comunicación con "_s + terminal,
                                 Botones::AbortarReintentarIgnorar, Icono::Exclamacion)) {
         case Respuesta::Reintentar:

@@ -40,8 +40,15 @@ class Restaurant:
     def terminal(self, name):
         return f"{self.dir}/red/{name}/quimo/Quimo_Terminal.mdb"
 
+    def standing(self, name):
+        """The file that stands for a terminal's database at this moment."""
+        return self.terminal(name)
+
+    def network(self):
+        return ["--red", f"{self.dir}/red"]
+
     def close(self, *options):
-        return subprocess.Popen([self.ctl, "cerrar", "embebido", self.db, "--red", f"{self.dir}/red", "--dir",
+        return subprocess.Popen([self.ctl, "cerrar", "embebido", self.db, *self.network(), "--dir",
                                  f"{self.dir}/dir", *options], stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
 
     def query(self, statements):
@@ -75,9 +82,8 @@ def new_central(ctl, data, folder):
     return path
 
 
-def check_point(ctl, data, central, delay, wanted, sold):
-    """Kills a close after `delay` seconds. True when it was still running."""
-    r = Restaurant(ctl, data, central)
+def check_point(r, delay, wanted, sold):
+    """Kills the close of a new restaurant after `delay` seconds. True when it was still running."""
     process = r.close()
     try:
         process.wait(timeout=delay)
@@ -90,7 +96,7 @@ def check_point(ctl, data, central, delay, wanted, sold):
     process.stderr.close()
     dumps, files = wanted["dumps"], wanted["files"]
     for name in TERMINALS:
-        now = digest(r.terminal(name))
+        now = digest(r.standing(name))
         archived = f"{r.dir}/dir/archivo/14112026/{name}/Quimo_Terminal-1.mdb"
         if now == files[name]:
             continue  # the day's file, still whole
@@ -111,12 +117,9 @@ def check_point(ctl, data, central, delay, wanted, sold):
     return killed
 
 
-def main():
-    ctl, data = sys.argv[1:3]
-    points = int(sys.argv[3]) if len(sys.argv) > 3 else 50
-    folder = tempfile.mkdtemp(prefix="cierre-")
-    central = new_central(ctl, data, folder)
-    calm = Restaurant(ctl, data, central)
+def kill_many(make, points):
+    """An undisturbed close of the restaurant that `make` makes, then one killed at each point."""
+    calm = make()
     files = {name: digest(calm.terminal(name)) for name in TERMINALS}
     sold = {row[0] for row in calm.query(["SELECT ID_Comanda FROM Comanda"])[0]["rows"]}
     begun = time.monotonic()
@@ -126,10 +129,18 @@ def main():
     assert process.returncode == 0, error
     wanted = {"central": calm.central(), "dumps": {name: calm.dump(name) for name in TERMINALS}, "files": files}
     calm.remove()
-    killed = sum(check_point(ctl, data, central, span * (k + 0.5) / points, wanted, sold) for k in range(points))
-    shutil.rmtree(folder)
+    killed = sum(check_point(make(), span * (k + 0.5) / points, wanted, sold) for k in range(points))
     print(f"{killed} of {points} closes were killed on the way (an undisturbed one takes {span:.2f} s)")
     assert killed >= points // 2, "too few closes were still running when they were to be killed"
+
+
+def main():
+    ctl, data = sys.argv[1:3]
+    points = int(sys.argv[3]) if len(sys.argv) > 3 else 50
+    folder = tempfile.mkdtemp(prefix="cierre-")
+    central = new_central(ctl, data, folder)
+    kill_many(lambda: Restaurant(ctl, data, central), points)
+    shutil.rmtree(folder)
 
 
 if __name__ == "__main__":
