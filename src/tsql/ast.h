@@ -225,7 +225,8 @@ struct CrearIndice {
     std::vector<std::string> columnas;
 };
 struct ParametroRutina {
-    std::string nombre;  ///< with @, in lower case
+    std::string nombre;   ///< with @, in lower case
+    std::string escrito;  ///< as it was written, for messages
     Tipo tipo;
     ExprPtr defecto;
     bool salida = false;

@@ -295,7 +295,8 @@ Hecho Parser::LeerParametros(std::vector<ParametroRutina>& parametros) {
     const bool parentesis = Aceptar("(");
     while (Actual().clase == Token::Clase::Variable) {
         ParametroRutina parametro;
-        parametro.nombre = AMinusculas(Actual().texto);
+        parametro.escrito = Actual().texto;
+        parametro.nombre = AMinusculas(parametro.escrito);
         ++i_;
         Aceptar("AS");
         QUIMO_TRY(parametro.tipo, LeerTipo(false));

@@ -158,7 +158,7 @@ Hecho Interprete::Argumentos(const tsql::Ejecutar& ejecutar, const tsql::CrearMo
     }
     for (const tsql::ParametroRutina& parametro : modulo.parametros) {
         if (nuevo.variables.count(parametro.nombre) > 0) continue;
-        if (!parametro.defecto) return tsql::CrearError(201, nombre, parametro.nombre);
+        if (!parametro.defecto) return tsql::CrearError(201, nombre, parametro.escrito);
         QUIMO_TRY(const ValorConTipo valor, Evaluar(*parametro.defecto, nuevo));
         QUIMO_TRY(const Valor convertido, Convertir(valor.valor, valor.tipo, parametro.tipo));
         nuevo.variables[parametro.nombre] = {parametro.tipo, convertido};
