@@ -149,6 +149,9 @@ bool ConexionSmb::Preparar(const AccesoRed& acceso) {
     smbc_setOptionUseCCache(contexto_, 0);
     // A wrong password must be told, not replaced by a nameless login that sees less.
     smbc_setOptionNoAutoAnonymousLogin(contexto_, 1);
+    // The library would look whether a connection is alive only now and then, and make a lost one
+    // again within an operation, with waits of its own.
+    smbc_setFunctionCheckServer(contexto_, [](SMBCCTX*, SMBCSRV*) { return 0; });
     if (smbc_init_context(contexto_) == nullptr) {
         smbc_free_context(contexto_, 1);
         contexto_ = nullptr;
@@ -178,6 +181,11 @@ QByteArray ConexionSmb::Url(const RutaRed& ruta) const {
         url += '/' + QUrl::toPercentEncoding(parte);
     }
     return url;
+}
+
+bool ConexionSmb::Viva(const RutaRed& ruta) {
+    const auto raiz = Mirar(ruta.Raiz());
+    return raiz || raiz.error().numero != FalloArchivo::kNombreIncorrecto;
 }
 
 ResultadoArchivo<std::optional<EstadoRemoto>> ConexionSmb::Mirar(const RutaRed& ruta) {

@@ -46,9 +46,9 @@ enum class Compartir { Todo, SoloLectura, Nada };
 
 class ArchivoSmb;
 
-/// One computer's shares over SMB 2 or 3, with its login. It connects when it is first asked, and
-/// again when the connection was lost. Each wait for the computer is bounded by `plazo_s`. Must
-/// outlive the files it opens; one thread only.
+/// One computer's shares over SMB 2 or 3, with its login. It connects when it is first asked; a
+/// connection that was lost is not made again. Each wait for the computer is bounded by `plazo_s`.
+/// Must outlive the files it opens; one thread only.
 ///
 /// Failures are the close's numbers: 70 a file that somebody holds open, 75 a refused login or
 /// path, 76 a folder in whose place a file lies, 61 a full disk, 53 a name that is not there;
@@ -62,6 +62,8 @@ public:
     ConexionSmb& operator=(const ConexionSmb&) = delete;
     ~ConexionSmb();
 
+    /// False when the connection to the path's share was lost.
+    bool Viva(const RutaRed& ruta);
     /// Nothing when neither the file nor, perhaps, its folder or share is there.
     ResultadoArchivo<std::optional<EstadoRemoto>> Mirar(const RutaRed& ruta);
     ResultadoArchivo<ArchivoSmb> AbrirArchivo(const RutaRed& ruta, int modo, Compartir compartir);

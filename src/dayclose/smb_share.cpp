@@ -94,12 +94,14 @@ auto SmbShare::Con(const QString& remoto, Operacion operacion)
     -> decltype(operacion(std::declval<ConexionSmb&>(), std::declval<const RutaRed&>())) {
     QUIMO_TRY(const RutaRed ruta, RutaRed::Leer(remoto));
     const std::string clave = ruta.equipo.toLower().toStdString();
+    const auto abierta = conexiones_.find(clave);
+    if (abierta != conexiones_.end() && !abierta->second->Viva(ruta)) conexiones_.erase(abierta);
     if (!conexiones_.contains(clave)) {
         QUIMO_TRY(auto nueva, ConexionSmb::Abrir(ruta, configuracion_.Para(ruta.equipo)));
         conexiones_.emplace(clave, std::move(nueva));
     }
     auto hecho = operacion(*conexiones_.at(clave), ruta);
-    if (!hecho && hecho.error().numero == FalloArchivo::kNombreIncorrecto) conexiones_.erase(clave);
+    if (!hecho && hecho.error().EsDeComunicacion()) conexiones_.erase(clave);
     return hecho;
 }
 

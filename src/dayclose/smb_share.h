@@ -13,9 +13,11 @@ namespace quimo::dayclose {
 ///
 /// 70 a file that somebody has open for writing (to fetch it) or at all (to replace it), or that
 /// changes while it is fetched; 52 a computer that is not found, does not answer or goes away; 76 a
-/// share or folder that is not there; 75 a login or path that is refused. A computer that failed
-/// with 52 is looked for again at the next operation, and only then. How long one operation may
-/// wait: for the name, for the connection and for each answer `plazo_s` each.
+/// share or folder that is not there; 75 a login or path that is refused. After 52, 75 or 76 the
+/// program hangs up, and the computer is looked for again at the next operation, and only then. A
+/// connection from before is tried first, so that a computer that was started again meanwhile is
+/// not taken for one that is gone. An operation waits for the name, for the connection and for
+/// each answer, `plazo_s` each; a computer that falls silent costs three or four such waits.
 ///
 /// A file is replaced so that the old or the new one is whole at every moment. The protocol as the
 /// library speaks it has no rename over an existing file (it deletes that first), hence:
@@ -37,7 +39,7 @@ public:
     ResultadoArchivo<void> Llevar(const QString& local, const QString& remoto) override;
 
 private:
-    /// Runs an operation on the connection to a computer, and hangs up when it cannot be reached.
+    /// Runs an operation on the connection to a computer, and hangs up when the share fails it.
     template <typename Operacion>
     auto Con(const QString& remoto, Operacion operacion)
         -> decltype(operacion(std::declval<ConexionSmb&>(), std::declval<const RutaRed&>()));

@@ -118,17 +118,20 @@ def check_point(r, delay, wanted, sold):
 
 
 def kill_many(make, points):
-    """An undisturbed close of the restaurant that `make` makes, then one killed at each point."""
-    calm = make()
-    files = {name: digest(calm.terminal(name)) for name in TERMINALS}
-    sold = {row[0] for row in calm.query(["SELECT ID_Comanda FROM Comanda"])[0]["rows"]}
-    begun = time.monotonic()
-    process = calm.close()
-    error = process.communicate(timeout=120)[1].decode()
-    span = time.monotonic() - begun
-    assert process.returncode == 0, error
-    wanted = {"central": calm.central(), "dumps": {name: calm.dump(name) for name in TERMINALS}, "files": files}
-    calm.remove()
+    """Undisturbed closes of the restaurant that `make` makes, then one killed at each point."""
+    spans = []
+    for _ in range(2):  # the shorter one counts: a busy machine makes the other long
+        calm = make()
+        files = {name: digest(calm.terminal(name)) for name in TERMINALS}
+        sold = {row[0] for row in calm.query(["SELECT ID_Comanda FROM Comanda"])[0]["rows"]}
+        begun = time.monotonic()
+        process = calm.close()
+        error = process.communicate(timeout=120)[1].decode()
+        spans.append(time.monotonic() - begun)
+        assert process.returncode == 0, error
+        wanted = {"central": calm.central(), "dumps": {name: calm.dump(name) for name in TERMINALS}, "files": files}
+        calm.remove()
+    span = min(spans)
     killed = sum(check_point(make(), span * (k + 0.5) / points, wanted, sold) for k in range(points))
     print(f"{killed} of {points} closes were killed on the way (an undisturbed one takes {span:.2f} s)")
     assert killed >= points // 2, "too few closes were still running when they were to be killed"

@@ -256,6 +256,32 @@ TEST_F(SmbShareTest, LoQueDejoUnReemplazoInterrumpidoSeArregla) {
     }
 }
 
+TEST_F(SmbShareTest, UnEquipoQueSeReinicioEntretantoSigueContestando) {
+    const std::function<ResultadoArchivo<void>()> operaciones[] = {
+        [&]() -> ResultadoArchivo<void> {
+            QUIMO_TRY_VOID(share_->Existe(kRemoto));
+            return {};
+        },
+        [&]() -> ResultadoArchivo<void> {
+            QUIMO_TRY_VOID(share_->Traer(kRemoto, Local()));
+            return {};
+        },
+        [&] { return share_->Llevar(Nueva(), kRemoto); },
+    };
+    for (const auto& operacion : operaciones) {
+        for (const bool todo : {false, true}) {
+            ASSERT_TRUE(share_->Existe(kRemoto));
+            if (todo) {
+                servidor_->Matar();
+                ASSERT_TRUE(servidor_->Arrancar());
+            } else {
+                servidor_->MatarConexiones();
+            }
+            EXPECT_EQ(NumeroDe(operacion()), 0) << todo;
+        }
+    }
+}
+
 TEST_F(SmbShareTest, UnaCopiaQueSeRompeNoTocaLaBuena) {
     const QString grande = Servida(u"grande.mdb"_s);
     QFile hueco(grande);
