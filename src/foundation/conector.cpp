@@ -1,8 +1,7 @@
 #include "foundation/conector.h"
 
 #include "foundation/embedded/conexion_embebida.h"
-
-using namespace Qt::StringLiterals;
+#include "foundation/odbc/conexion_odbc.h"
 
 namespace quimo::foundation {
 
@@ -13,11 +12,7 @@ Conector CrearConector(const Reloj& reloj, SiFalta si_falta) {
             if (datos.servidor.compare(QStringView(kServidorEmbebido), Qt::CaseInsensitive) == 0) {
                 return AbrirEmbebida(datos.base_de_datos, reloj, si_falta == SiFalta::Crear);
             }
-            return FalloSql{
-                FalloSql::kServidorAusente,
-                {ErrorProveedor{
-                    u"IM002"_s, 6, u"QUIMO"_s,
-                    u"Esta versión solo abre bases de datos con el servidor 'embebido'."_s}}};
+            return odbc::AbrirOdbc(datos);
         };
 }
 
