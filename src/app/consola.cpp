@@ -134,10 +134,8 @@ std::unique_ptr<Sesion> AbrirSesion(const Argumentos& argumentos, const Entorno&
         },
         *sesion->dialogos, *sesion->bitacora);
     sesion->ado->CpsTitulo = u"QUIMO"_s;
-    QString servidor = argumentos.palabras[0];
-    QString base = argumentos.palabras[1];
-    QString usuario = qEnvironmentVariable("QUIMO_BD_USUARIO");
-    QString clave = qEnvironmentVariable("QUIMO_BD_CLAVE");
+    auto [servidor, base, usuario, clave] =
+        foundation::AccesoDelPrograma(argumentos.palabras[0], argumentos.palabras[1]);
     if (sesion->ado->Conectar(servidor, base, usuario, clave)) return sesion;
     if (!motivo->isEmpty()) EscribirError(*motivo);
     return nullptr;

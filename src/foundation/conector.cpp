@@ -3,7 +3,14 @@
 #include "foundation/embedded/conexion_embebida.h"
 #include "foundation/odbc/conexion_odbc.h"
 
+using namespace Qt::StringLiterals;
+
 namespace quimo::foundation {
+
+DatosConexion AccesoDelPrograma(const QString& servidor, const QString& base_de_datos) {
+    return {servidor, base_de_datos, qEnvironmentVariable("QUIMO_BD_USUARIO", u"quimo_db"_s),
+            qEnvironmentVariable("QUIMO_BD_CLAVE", u"kobrin4821"_s)};
+}
 
 Conector CrearConector(const Reloj& reloj, SiFalta si_falta) {
     return
