@@ -18,6 +18,23 @@ const QByteArray& Intercalacion() {
 
 constexpr int kCaracteresMax = 4000;
 
+/// Code page 1252, which that collation keeps VARCHAR in; what it lacks is stored as '?'.
+QByteArray En1252(const QString& texto) {
+    static const QString kDesde80 = QString::fromUtf16(
+        u"\u20ac\ufffd\u201a\u0192\u201e\u2026\u2020\u2021\u02c6\u2030\u0160\u2039\u0152\ufffd\u017d"
+        u"\ufffd\ufffd\u2018\u2019\u201c\u201d\u2022\u2013\u2014\u02dc\u2122\u0161\u203a\u0153\ufffd"
+        u"\u017e\u0178");
+    QByteArray bytes;
+    for (const QChar c : texto) {
+        const qsizetype lugar = kDesde80.indexOf(c);
+        const bool sola = c.unicode() < 0x80 || (c.unicode() >= 0xA0 && c.unicode() <= 0xFF);
+        bytes.append(sola         ? static_cast<char>(c.unicode())
+                     : lugar >= 0 ? static_cast<char>(0x80 + lugar)
+                                  : '?');
+    }
+    return bytes;
+}
+
 /// Builds a message, little-endian.
 class Escritor {
 public:
@@ -131,7 +148,7 @@ void DescribirTipo(Escritor& a, const Columna& columna) {
 QByteArray BytesDeTexto(const QVariant& valor, char forma) {
     if (forma == 'b') return valor.toByteArray();
     const QString texto = valor.toString();
-    if (forma == 'c') return texto.toLatin1();
+    if (forma == 'c') return En1252(texto);
     return {reinterpret_cast<const char*>(texto.utf16()), texto.size() * 2};
 }
 
