@@ -141,19 +141,16 @@ void Enlace::Recoger(SQLHSTMT sentencia, SQLRETURN estado, RespuestaSql& respues
         const bool perdida =
             respuesta.fallo && respuesta.fallo->numero == FalloSql::kConexionPerdida;
         if (perdida || estado == SQL_INVALID_HANDLE) return;
-        if (SQL_SUCCEEDED(estado)) {
-            SQLSMALLINT columnas = 0;
-            const SQLRETURN contadas = SQLNumResultCols(sentencia, &columnas);
-            if (SQL_SUCCEEDED(contadas) && columnas > 0) {
-                LeerConjunto(sentencia, respuesta);
-            } else {
-                SQLLEN filas = -1;
-                if (SQL_SUCCEEDED(SQLRowCount(sentencia, &filas)) && filas >= 0) {
-                    respuesta.resultados.append({std::nullopt, static_cast<qint64>(filas)});
-                }
-            }
-        } else if (estado == SQL_NO_DATA && i == 0) {
-            respuesta.resultados.append({std::nullopt, 0});  // it wrote, and met no row
+        SQLSMALLINT columnas = 0;
+        SQLLEN filas = -1;
+        // A statement that met no row may answer that there is no data, and so may one that writes
+        // none: the count tells them apart.
+        if (SQL_SUCCEEDED(estado) && SQL_SUCCEEDED(SQLNumResultCols(sentencia, &columnas)) &&
+            columnas > 0) {
+            LeerConjunto(sentencia, respuesta);
+        } else if (estado != SQL_ERROR && SQL_SUCCEEDED(SQLRowCount(sentencia, &filas)) &&
+                   filas >= 0) {
+            respuesta.resultados.append({std::nullopt, static_cast<qint64>(filas)});
         }
         estado = SQLMoreResults(sentencia);
         if (estado == SQL_NO_DATA) {
