@@ -10,7 +10,7 @@ namespace quimo::foundation::odbc {
 
 namespace {
 
-/// "Word={value};". FreeTDS ends a value at a brace before a semicolon and knows no doubled one;
+/// "Word=value;" or "Word={value};". FreeTDS ends a value at a brace before a semicolon and knows no doubled one;
 /// the other drivers read two closing braces as one.
 class Texto {
 public:
@@ -21,14 +21,18 @@ public:
         const bool cortado =
             valor.contains(QChar(u'\0')) || (es_freetds_ && valor.contains(u"};"_s));
         if (cortado && imposible_.isEmpty()) imposible_ = palabra;
+        if (!NecesitaLlaves(valor)) return Fija(palabra, valor);
         QString entre_llaves = valor;
         if (!es_freetds_) entre_llaves.replace(u'}', u"}}"_s);
-        texto_ += palabra + u"={"_s + entre_llaves + u"};"_s;
+        Fija(palabra, u'{' + entre_llaves + u'}');
     }
-    /// A word whose value is ours.
-    void Fija(QLatin1StringView palabra, QLatin1StringView valor) {
+    /// The driver's name stands in braces whatever it is.
+    void Driver(const QString& nombre) { texto_ += u"Driver={"_s + nombre + u"};"_s; }
+    /// A word whose value is harmless.
+    void Fija(QLatin1StringView palabra, const QString& valor) {
         texto_ += palabra + u'=' + valor + u';';
     }
+    void Fija(QLatin1StringView palabra, QLatin1StringView valor) { Fija(palabra, QString(valor)); }
     void Tal(const QString& opciones) { texto_ += opciones; }
 
     base::Result<QString, FalloSql> Terminado() const {
@@ -40,6 +44,15 @@ public:
     }
 
 private:
+    /// Some drivers take braces for a part of a plain value.
+    static bool NecesitaLlaves(const QString& valor) {
+        static const QString kEspeciales = u"[]{}();?*=!@"_s;
+        return valor.front().isSpace() || valor.back().isSpace() ||
+               std::any_of(valor.begin(), valor.end(), [](QChar c) {
+                   return kEspeciales.contains(c) || c < u' ';
+               });
+    }
+
     bool es_freetds_;
     QString texto_;
     QString imposible_;
@@ -93,7 +106,7 @@ base::Result<QString, FalloSql> TextoDeConexion(const Controlador& controlador,
                                                 const DatosConexion& datos,
                                                 const OpcionesOdbc& opciones) {
     Texto texto(controlador.es_freetds);
-    texto.Agregar("Driver"_L1, controlador.nombre);
+    texto.Driver(controlador.nombre);
     const qsizetype coma = datos.servidor.lastIndexOf(u',');
     if (controlador.es_freetds && coma >= 0) {
         texto.Agregar("Server"_L1, datos.servidor.left(coma).trimmed());

@@ -5,4 +5,5 @@ set(QUIMO_ODBC_SOURCES
 # A server that speaks SQL Server's protocol, and what else several tests stand on.
 set(QUIMO_ODBC_APOYO
   odbc/tests/apoyo_odbc.cpp odbc/tests/tds_codigo.cpp odbc/tests/servidor_tds.cpp)
-set(QUIMO_ODBC_TESTS odbc/tests/freetds_test.cpp)
+set(QUIMO_ODBC_TESTS
+  odbc/tests/freetds_test.cpp odbc/tests/otros_controladores_test.cpp odbc/tests/servidor_pg.cpp)
