@@ -126,9 +126,11 @@ std::unique_ptr<Sesion> AbrirSesion(const Argumentos& argumentos, const Entorno&
     sesion->ado = std::make_unique<foundation::ClsAdo>(
         [conector, motivo](const foundation::DatosConexion& datos) {
             auto abierta = conector(datos);
-            // Of a missing server only a fixed text is shown: the reason is added.
+            // Of a missing server only a fixed text is shown, of a refused login nothing: the
+            // reason is added.
             const bool con_texto_fijo =
-                !abierta && (abierta.error().Nativo() == 6 || abierta.error().Nativo() == 0);
+                !abierta && (abierta.error().Nativo() == 6 || abierta.error().Nativo() == 0 ||
+                             abierta.error().numero == foundation::FalloSql::kAccesoNegado);
             *motivo = con_texto_fijo ? abierta.error().Descripcion() : QString();
             return abierta;
         },

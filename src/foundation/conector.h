@@ -15,7 +15,8 @@ enum class SiFalta { Fallar, Crear };
 /// name, or its own. The embedded engine takes any.
 DatosConexion AccesoDelPrograma(const QString& servidor, const QString& base_de_datos);
 
-/// Opens connections by their server word: the embedded engine, or SQL Server through ODBC. The clock must outlive the connections.
+/// Opens connections by their server word: the embedded engine, or SQL Server through ODBC. The
+/// clock must outlive the connections.
 Conector CrearConector(const Reloj& reloj, SiFalta si_falta = SiFalta::Fallar);
 
 }  // namespace quimo::foundation

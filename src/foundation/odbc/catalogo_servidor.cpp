@@ -86,7 +86,17 @@ QString ConsultaDeTabla(const QString& tabla) {
 
 base::Result<DefinicionTabla, FalloSql> LeerDefinicion(const QString& tabla,
                                                        const RespuestaSql& respuesta) {
-    enum Campo { kTabla, kColumna, kTipo, kBytes, kDigitos, kDecimales, kIdentidad, kLugar, kCampos };
+    enum Campo {
+        kTabla,
+        kColumna,
+        kTipo,
+        kBytes,
+        kDigitos,
+        kDecimales,
+        kIdentidad,
+        kLugar,
+        kCampos
+    };
     if (respuesta.fallo) return *respuesta.fallo;
     DefinicionTabla definicion;
     QMap<int, QString> clave;
@@ -109,9 +119,9 @@ base::Result<DefinicionTabla, FalloSql> LeerDefinicion(const QString& tabla,
     }
     if (definicion.columnas.isEmpty()) {
         constexpr int kSinObjeto = 208;
-        return FalloPropio(FalloSql::kSentencia, u"42S02"_s, kSinObjeto,
-                           ConPrefijoComun(u"[SQL Server]Invalid object name '%1'."_s.arg(tabla),
-                                           kSinObjeto));
+        return FalloPropio(
+            FalloSql::kSentencia, u"42S02"_s, kSinObjeto,
+            ConPrefijoComun(u"[SQL Server]Invalid object name '%1'."_s.arg(tabla), kSinObjeto));
     }
     // A temporary table's full name holds a number of its own: it is known by the short one.
     if (tabla.contains(u'#')) definicion.nombre = tabla.section(u'.', -1).remove(u'[').remove(u']');

@@ -41,9 +41,7 @@ bool SoloTerminaTransaccion(const QString& tsql) {
 class ConexionOdbc final : public SqlConnection {
 public:
     ConexionOdbc(DatosConexion datos, OpcionesOdbc opciones, FrasesDeSesion frases)
-        : datos_(std::move(datos)),
-          opciones_(std::move(opciones)),
-          frases_(std::move(frases)) {}
+        : datos_(std::move(datos)), opciones_(std::move(opciones)), frases_(std::move(frases)) {}
 
     base::Result<void, FalloSql> Abrir() {
         QUIMO_TRY(Enlace nuevo, Enlace::Abrir(datos_, opciones_));
@@ -77,9 +75,7 @@ public:
         return respuesta;
     }
 
-    base::Result<void, FalloSql> Iniciar() override {
-        return Mandar(u"BEGIN TRANSACTION"_s);
-    }
+    base::Result<void, FalloSql> Iniciar() override { return Mandar(u"BEGIN TRANSACTION"_s); }
     base::Result<void, FalloSql> Confirmar() override { return Terminar(u"COMMIT TRANSACTION"_s); }
     base::Result<void, FalloSql> Revertir() override { return Terminar(u"ROLLBACK TRANSACTION"_s); }
     bool EnTransaccion() const override { return transaccion_rota_ || transacciones_ > 0; }

@@ -11,8 +11,7 @@ namespace quimo::foundation::odbc {
 struct FrasesDeSesion {
     /// After opening. The language decides how errors are worded, and sets the order of dates: so
     /// it comes first.
-    QString al_abrir =
-        QStringLiteral("SET LANGUAGE us_english SET DATEFORMAT dmy SET NOCOUNT OFF");
+    QString al_abrir = QStringLiteral("SET LANGUAGE us_english SET DATEFORMAT dmy SET NOCOUNT OFF");
     /// Asks how many transactions are open; empty where only Iniciar and its like begin them.
     QString cuenta_transacciones = QStringLiteral("SELECT @@TRANCOUNT");
 };

@@ -10,8 +10,8 @@ namespace quimo::foundation::odbc {
 
 namespace {
 
-/// "Word=value;" or "Word={value};". FreeTDS ends a value at a brace before a semicolon and knows no doubled one;
-/// the other drivers read two closing braces as one.
+/// "Word=value;" or "Word={value};". FreeTDS ends a value at a brace before a semicolon and knows
+/// no doubled one; the other drivers read two closing braces as one.
 class Texto {
 public:
     explicit Texto(bool es_freetds) : es_freetds_(es_freetds) {}
@@ -48,9 +48,8 @@ private:
     static bool NecesitaLlaves(const QString& valor) {
         static const QString kEspeciales = u"[]{}();?*=!@"_s;
         return valor.front().isSpace() || valor.back().isSpace() ||
-               std::any_of(valor.begin(), valor.end(), [](QChar c) {
-                   return kEspeciales.contains(c) || c < u' ';
-               });
+               std::any_of(valor.begin(), valor.end(),
+                           [](QChar c) { return kEspeciales.contains(c) || c < u' '; });
     }
 
     bool es_freetds_;
@@ -93,8 +92,8 @@ QVector<Controlador> ElegirControladores(const QStringList& nombres,
                                          const QVector<Controlador>& instalados) {
     QVector<Controlador> elegidos;
     for (const QString& nombre : nombres) {
-        const auto hallado = std::find_if(
-            instalados.begin(), instalados.end(), [&](const Controlador& instalado) {
+        const auto hallado =
+            std::find_if(instalados.begin(), instalados.end(), [&](const Controlador& instalado) {
                 return instalado.nombre.compare(nombre, Qt::CaseInsensitive) == 0;
             });
         if (hallado != instalados.end()) elegidos.append(*hallado);

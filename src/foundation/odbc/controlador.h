@@ -35,8 +35,8 @@ QVector<Controlador> ElegirControladores(const QStringList& nombres,
                                          const QVector<Controlador>& instalados);
 
 /// The text that opens a connection. A value with signs that mean something there stands in
-/// braces, so that none can bring in words of its own. Fails with a Spanish text when the driver has no way to write a value. Server words:
-/// `host`, `host\instance`, `host,port`.
+/// braces, so that none can bring in words of its own. Fails with a Spanish text when the driver
+/// has no way to write a value. Server words: `host`, `host\instance`, `host,port`.
 base::Result<QString, FalloSql> TextoDeConexion(const Controlador& controlador,
                                                 const DatosConexion& datos,
                                                 const OpcionesOdbc& opciones);

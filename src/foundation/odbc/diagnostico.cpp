@@ -62,16 +62,14 @@ QVector<ErrorProveedor> LeerDiagnosticos(SQLSMALLINT tipo, SQLHANDLE handle,
         const qsizetype cabe = std::min<qsizetype>(largo, texto.size() - 1);
         const QString descripcion = QString::fromUtf16(
             reinterpret_cast<const char16_t*>(texto.constData()), std::max<qsizetype>(cabe, 0));
-        errores.append(
-            {QString::fromUtf16(reinterpret_cast<const char16_t*>(estado.data()), 5), nativo,
-             origen, ConPrefijoComun(descripcion, nativo)});
+        errores.append({QString::fromUtf16(reinterpret_cast<const char16_t*>(estado.data()), 5),
+                        nativo, origen, ConPrefijoComun(descripcion, nativo)});
     }
     return errores;
 }
 
 QString ConPrefijoComun(const QString& descripcion, int nativo) {
-    static const QRegularExpression kDelServidor(
-        u"^(?:\\[[^\\]]*\\])*?\\[SQL Server\\]"_s);
+    static const QRegularExpression kDelServidor(u"^(?:\\[[^\\]]*\\])*?\\[SQL Server\\]"_s);
     const QRegularExpressionMatch prefijo = kDelServidor.match(descripcion);
     const bool de_freetds = nativo >= kFreeTdsDesde && nativo <= kFreeTdsHasta;
     if (!prefijo.hasMatch() || de_freetds) return descripcion;
@@ -101,8 +99,8 @@ bool EsConexionPerdida(const QVector<ErrorProveedor>& errores) {
 FalloSql FalloDeSentencia(QVector<ErrorProveedor> errores, bool conexion_perdida) {
     FalloSql fallo;
     if (errores.isEmpty()) {
-        errores.append({u"HY000"_s, -1, u"ODBC"_s,
-                        u"El controlador ODBC falló sin decir por qué."_s});
+        errores.append(
+            {u"HY000"_s, -1, u"ODBC"_s, u"El controlador ODBC falló sin decir por qué."_s});
     }
     if (!conexion_perdida) {
         // A warning must not pass for the failure, and the server's word comes before the driver's.

@@ -37,12 +37,13 @@ QVector<Controlador> ControladoresInstalados(SQLHENV entorno) {
         std::array<SQLWCHAR, 2048> atributos = {};
         SQLSMALLINT largo_nombre = 0;
         SQLSMALLINT largo_atributos = 0;
-        const SQLRETURN leido = SQLDriversW(
-            entorno, i == 0 ? SQL_FETCH_FIRST : SQL_FETCH_NEXT, nombre.data(),
-            static_cast<SQLSMALLINT>(nombre.size()), &largo_nombre, atributos.data(),
-            static_cast<SQLSMALLINT>(atributos.size()), &largo_atributos);
+        const SQLRETURN leido =
+            SQLDriversW(entorno, i == 0 ? SQL_FETCH_FIRST : SQL_FETCH_NEXT, nombre.data(),
+                        static_cast<SQLSMALLINT>(nombre.size()), &largo_nombre, atributos.data(),
+                        static_cast<SQLSMALLINT>(atributos.size()), &largo_atributos);
         if (!SQL_SUCCEEDED(leido)) break;
-        const QString llamado = QString::fromUtf16(reinterpret_cast<const char16_t*>(nombre.data()));
+        const QString llamado =
+            QString::fromUtf16(reinterpret_cast<const char16_t*>(nombre.data()));
         const QString dice =
             QString::fromUtf16(reinterpret_cast<const char16_t*>(atributos.data()),
                                std::clamp<qsizetype>(largo_atributos, 0, atributos.size()));
@@ -77,9 +78,10 @@ base::Result<Enlace, FalloSql> Enlace::Abrir(const DatosConexion& datos,
                            u"El administrador de controladores ODBC no responde."_s);
     }
     const QStringList nombres = NombresDeControladores(opciones);
-    FalloSql fallo = FalloPropio(
-        FalloSql::kServidorAusente, u"IM002"_s, 0,
-        u"No hay un controlador ODBC para SQL Server instalado; se buscó: "_s + nombres.join(u", "_s));
+    FalloSql fallo =
+        FalloPropio(FalloSql::kServidorAusente, u"IM002"_s, 0,
+                    u"No hay un controlador ODBC para SQL Server instalado; se buscó: "_s +
+                        nombres.join(u", "_s));
     for (const Controlador& controlador :
          ElegirControladores(nombres, ControladoresInstalados(entorno.Crudo()))) {
         QUIMO_TRY(const QString texto, TextoDeConexion(controlador, datos, opciones));
@@ -87,10 +89,9 @@ base::Result<Enlace, FalloSql> Enlace::Abrir(const DatosConexion& datos,
         if (!enlace) break;
         SQLSetConnectAttrW(enlace.Crudo(), SQL_ATTR_LOGIN_TIMEOUT,
                            ComoAtributo(static_cast<SQLULEN>(opciones.plazo_s)), 0);
-        const SQLRETURN hecho =
-            SQLDriverConnectW(enlace.Crudo(), nullptr, Ancho(texto),
-                              static_cast<SQLSMALLINT>(texto.size()), nullptr, 0, nullptr,
-                              SQL_DRIVER_NOPROMPT);
+        const SQLRETURN hecho = SQLDriverConnectW(enlace.Crudo(), nullptr, Ancho(texto),
+                                                  static_cast<SQLSMALLINT>(texto.size()), nullptr,
+                                                  0, nullptr, SQL_DRIVER_NOPROMPT);
         if (SQL_SUCCEEDED(hecho)) {
             return Enlace(std::move(entorno), std::move(enlace), controlador.nombre);
         }
@@ -212,7 +213,8 @@ void Enlace::LeerConjunto(SQLHSTMT sentencia, RespuestaSql& respuesta) {
         Fila fila;
         fila.reserve(conjunto.columnas.size());
         for (qsizetype i = 0; i < conjunto.columnas.size(); ++i) {
-            auto valor = LeerValor(sentencia, static_cast<SQLUSMALLINT>(i + 1), conjunto.columnas[i]);
+            auto valor =
+                LeerValor(sentencia, static_cast<SQLUSMALLINT>(i + 1), conjunto.columnas[i]);
             if (!valor) return romper(valor.error());
             fila.append(std::move(valor).value());
         }

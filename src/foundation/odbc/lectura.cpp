@@ -104,9 +104,8 @@ base::Result<std::optional<Destino>, LecturaRota> LeerPorPartes(SQLHSTMT sentenc
         if (leido == SQL_NO_DATA && !primera) return std::optional<Destino>(todo);
         if (!SQL_SUCCEEDED(leido)) return LecturaRota{};
         if (indicador == SQL_NULL_DATA) return std::optional<Destino>();
-        const SQLLEN quedan = indicador == SQL_NO_TOTAL
-                                  ? kCabe
-                                  : indicador / static_cast<SQLLEN>(sizeof(T));
+        const SQLLEN quedan =
+            indicador == SQL_NO_TOTAL ? kCabe : indicador / static_cast<SQLLEN>(sizeof(T));
         todo.append(reinterpret_cast<typename Destino::const_pointer>(parte.data()),
                     static_cast<qsizetype>(std::clamp<SQLLEN>(quedan, 0, kCabe)));
         if (leido == SQL_SUCCESS && indicador != SQL_NO_TOTAL && quedan <= kCabe) {

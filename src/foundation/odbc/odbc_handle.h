@@ -1,9 +1,9 @@
 #pragma once
 
+#include <utility>
+
 #include <sql.h>
 #include <sqlext.h>
-
-#include <utility>
 
 namespace quimo::foundation::odbc {
 
@@ -20,8 +20,7 @@ public:
         if (!SQL_SUCCEEDED(hecho)) nuevo.handle_ = nullptr;
         return nuevo;
     }
-    OdbcHandle(OdbcHandle&& otro) noexcept
-        : handle_(std::exchange(otro.handle_, nullptr)) {}
+    OdbcHandle(OdbcHandle&& otro) noexcept : handle_(std::exchange(otro.handle_, nullptr)) {}
     OdbcHandle& operator=(OdbcHandle&& otro) noexcept {
         std::swap(handle_, otro.handle_);
         return *this;

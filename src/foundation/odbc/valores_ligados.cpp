@@ -50,7 +50,8 @@ Forma DeTexto(const QString& texto) {
     const SQLULEN medida = texto.size() > kCaracteresMax
                                ? 0
                                : static_cast<SQLULEN>(std::max<qsizetype>(texto.size(), 1));
-    Forma forma{SQL_C_WCHAR, medida == 0 ? SQLSMALLINT{SQL_WLONGVARCHAR} : SQLSMALLINT{SQL_WVARCHAR},
+    Forma forma{SQL_C_WCHAR,
+                medida == 0 ? SQLSMALLINT{SQL_WLONGVARCHAR} : SQLSMALLINT{SQL_WVARCHAR},
                 medida == 0 ? static_cast<SQLULEN>(texto.size()) : medida};
     forma.bytes = QByteArray(reinterpret_cast<const char*>(texto.utf16()), texto.size() * 2);
     return forma;
@@ -72,10 +73,10 @@ Forma DeDigitos(const std::string& digitos, SQLULEN precision, int escala) {
 
 Forma DeDecimal(const base::Decimal& decimal) {
     const std::string digitos = decimal.ATexto();
-    const auto cifras = std::count_if(digitos.begin(), digitos.end(),
-                                      [](char c) { return c >= '0' && c <= '9'; });
-    const auto precision = std::clamp<std::ptrdiff_t>(cifras, std::max(decimal.escala, 1),
-                                                      base::Decimal::kDigitosMax);
+    const auto cifras =
+        std::count_if(digitos.begin(), digitos.end(), [](char c) { return c >= '0' && c <= '9'; });
+    const auto precision =
+        std::clamp<std::ptrdiff_t>(cifras, std::max(decimal.escala, 1), base::Decimal::kDigitosMax);
     return DeDigitos(digitos, static_cast<SQLULEN>(precision), decimal.escala);
 }
 
@@ -195,10 +196,10 @@ base::Result<void, FalloSql> ValoresLigados::Ligar(SQLHSTMT sentencia,
         ligado.bytes = std::move(forma->bytes);
         ligado.indicador =
             forma->nulo ? SQLLEN{SQL_NULL_DATA} : static_cast<SQLLEN>(ligado.bytes.size());
-        const SQLRETURN hecho = SQLBindParameter(
-            sentencia, numero, SQL_PARAM_INPUT, forma->tipo_c, forma->tipo_sql, forma->medida,
-            forma->escala, ligado.bytes.data(), static_cast<SQLLEN>(ligado.bytes.size()),
-            &ligado.indicador);
+        const SQLRETURN hecho =
+            SQLBindParameter(sentencia, numero, SQL_PARAM_INPUT, forma->tipo_c, forma->tipo_sql,
+                             forma->medida, forma->escala, ligado.bytes.data(),
+                             static_cast<SQLLEN>(ligado.bytes.size()), &ligado.indicador);
         if (!SQL_SUCCEEDED(hecho)) {
             return FalloDeSentencia(LeerDiagnosticos(SQL_HANDLE_STMT, sentencia, origen), false);
         }

@@ -19,15 +19,28 @@ public:
 
 /// What the server's own catalogue would say of a table, out of the embedded engine's.
 RespuestaSql Describir(SqlConnection& conexion, const QString& tabla) {
-    static const QStringList kTipos = {
-        QStringLiteral("bit"),      QStringLiteral("tinyint"),       QStringLiteral("smallint"),
-        QStringLiteral("int"),      QStringLiteral("bigint"),        QStringLiteral("money"),
-        QStringLiteral("smallmoney"), QStringLiteral("numeric"),     QStringLiteral("float"),
-        QStringLiteral("real"),     QStringLiteral("datetime"),      QStringLiteral("smalldatetime"),
-        QStringLiteral("char"),     QStringLiteral("varchar"),       QStringLiteral("text"),
-        QStringLiteral("nchar"),    QStringLiteral("nvarchar"),      QStringLiteral("ntext"),
-        QStringLiteral("uniqueidentifier"), QStringLiteral("binary"), QStringLiteral("varbinary"),
-        QStringLiteral("image")};
+    static const QStringList kTipos = {QStringLiteral("bit"),
+                                       QStringLiteral("tinyint"),
+                                       QStringLiteral("smallint"),
+                                       QStringLiteral("int"),
+                                       QStringLiteral("bigint"),
+                                       QStringLiteral("money"),
+                                       QStringLiteral("smallmoney"),
+                                       QStringLiteral("numeric"),
+                                       QStringLiteral("float"),
+                                       QStringLiteral("real"),
+                                       QStringLiteral("datetime"),
+                                       QStringLiteral("smalldatetime"),
+                                       QStringLiteral("char"),
+                                       QStringLiteral("varchar"),
+                                       QStringLiteral("text"),
+                                       QStringLiteral("nchar"),
+                                       QStringLiteral("nvarchar"),
+                                       QStringLiteral("ntext"),
+                                       QStringLiteral("uniqueidentifier"),
+                                       QStringLiteral("binary"),
+                                       QStringLiteral("varbinary"),
+                                       QStringLiteral("image")};
     Conjunto conjunto;
     for (const char* nombre : {"tabla", "columna", "tipo"}) {
         conjunto.columnas.append({QString::fromLatin1(nombre), TipoSql::NVarChar, 128});
@@ -59,11 +72,11 @@ void PrepararControladores() {
     static const bool kHecho = [] {
         QFile archivo(kCarpeta.filePath(QStringLiteral("odbcinst.ini")));
         QUIMO_CHECK(archivo.open(QIODevice::WriteOnly));
-        archivo.write(
-            "[FreeTDS]\nDriver=" QUIMO_CONTROLADORES
-            "/libtdsodbc.so\n[PostgreSQL]\nDriver=" QUIMO_CONTROLADORES
-            "/psqlodbcw.so\n[SQLite3]\nDriver=" QUIMO_CONTROLADORES
-            "/libsqlite3odbc.so\n[Sin biblioteca]\nDriver=" QUIMO_CONTROLADORES "/no_existe.so\n");
+        archivo.write("[FreeTDS]\nDriver=" QUIMO_CONTROLADORES
+                      "/libtdsodbc.so\n[PostgreSQL]\nDriver=" QUIMO_CONTROLADORES
+                      "/psqlodbcw.so\n[SQLite3]\nDriver=" QUIMO_CONTROLADORES
+                      "/libsqlite3odbc.so\n[Sin biblioteca]\nDriver=" QUIMO_CONTROLADORES
+                      "/no_existe.so\n");
         qputenv("ODBCSYSINI", kCarpeta.path().toUtf8());
         qputenv("ODBCINSTINI", "odbcinst.ini");
         qputenv("ODBCINI", "/dev/null");
@@ -89,8 +102,8 @@ ServidorTds::NuevaSesion DeEmbebida(const QString& archivo) {
         QUIMO_CHECK(abierta.has_value());
         const std::shared_ptr<SqlConnection> conexion = std::move(abierta).value();
         return [conexion](const QString& texto, const QVector<QVariant>& parametros) {
-            static const QRegularExpression kObjeto(
-                QStringLiteral("sys\\.index_columns.*OBJECT_ID\\(N'(?:tempdb\\.\\.)?\\[?([^']*?)\\]?'\\)"));
+            static const QRegularExpression kObjeto(QStringLiteral(
+                "sys\\.index_columns.*OBJECT_ID\\(N'(?:tempdb\\.\\.)?\\[?([^']*?)\\]?'\\)"));
             const auto descripcion = kObjeto.match(texto);
             if (descripcion.hasMatch()) return Describir(*conexion, descripcion.captured(1));
             if (texto == FrasesDeSesion().al_abrir) return RespuestaSql();

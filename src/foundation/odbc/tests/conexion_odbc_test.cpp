@@ -50,19 +50,23 @@ TEST(ControladorTest, TextoDeConexion) {
          "Driver={D};Server=10.0.0.5,1444;Database=b;UID=u;PWD={a}}b;Server=otro};APP=QUIMO;"
          "Encrypt=no;Timeout=9"},
         {true, "10.0.0.5,1444", "a}b", cifrada,
-         "Driver={D};Server=10.0.0.5;Port=1444;Database=b;UID=u;PWD={a}b};APP=QUIMO;TDS_Version=7.4;"
+         "Driver={D};Server=10.0.0.5;Port=1444;Database=b;UID=u;PWD={a}b};APP=QUIMO;TDS_Version=7."
+         "4;"
          "ClientCharset=UTF-8;Encryption=require;"},
         {true, "caja", "", clara,
          "Driver={D};Server=caja;Port=1433;Database=b;UID=u;APP=QUIMO;TDS_Version=7.4;"
          "ClientCharset=UTF-8;Encryption=off;Timeout=9"},
-        {true, "caja\\SQL", "", {},
+        {true,
+         "caja\\SQL",
+         "",
+         {},
          "Driver={D};Server=caja\\SQL;Database=b;UID=u;APP=QUIMO;TDS_Version=7.4;"
          "ClientCharset=UTF-8;"},
     };
     for (const CasoTexto& caso : casos) {
-        const auto texto = TextoDeConexion({U("D"), caso.es_freetds},
-                                           {U(caso.servidor), U("b"), U("u"), U(caso.clave)},
-                                           caso.opciones);
+        const auto texto =
+            TextoDeConexion({U("D"), caso.es_freetds},
+                            {U(caso.servidor), U("b"), U("u"), U(caso.clave)}, caso.opciones);
         ASSERT_TRUE(texto.has_value()) << caso.texto;
         EXPECT_EQ(*texto, U(caso.texto));
     }
@@ -82,9 +86,11 @@ TEST(DiagnosticoTest, ElFalloAlAbrirTomaSuNumeroDelRegistroQueDiceElMotivo) {
     const CasoAlAbrir casos[] = {
         {{Registro("IM002", 0)}, FalloSql::kServidorAusente, 0},
         {{Registro("01000", 0, "Can't open lib"), Registro("IM003", 0)},
-         FalloSql::kServidorAusente, 0},
+         FalloSql::kServidorAusente,
+         0},
         {{Registro("08001", 10061), Registro("HYT00", 0), Registro("08001", 258)},
-         FalloSql::kServidorAusente, 6},
+         FalloSql::kServidorAusente,
+         6},
         {{Registro("01S00", 0), Registro("08001", 17)}, FalloSql::kServidorAusente, 6},
         {{Registro("08S01", 20004)}, FalloSql::kServidorAusente, 6},
         {{Registro("08004", 0)}, FalloSql::kServidorAusente, 6},
@@ -123,10 +129,14 @@ TEST(DiagnosticoTest, ElFalloDeSentenciaYSuTexto) {
     EXPECT_EQ(FalloDeSentencia({}, true).numero, FalloSql::kConexionPerdida);
     EXPECT_FALSE(FalloDeSentencia({}, false).Descripcion().isEmpty());
     const QString prefijo = U("[Microsoft][ODBC SQL Server Driver][SQL Server]");
-    const auto comun = [](const char* texto, int nativo) { return ConPrefijoComun(U(texto), nativo); };
+    const auto comun = [](const char* texto, int nativo) {
+        return ConPrefijoComun(U(texto), nativo);
+    };
     EXPECT_EQ(comun("[FreeTDS][SQL Server]No [x]", 50000), prefijo + U("No [x]"));
-    EXPECT_EQ(comun("[Microsoft][ODBC Driver 17 for SQL Server][SQL Server]A", 1), prefijo + U("A"));
-    EXPECT_EQ(comun("[FreeTDS][SQL Server]Read failed", 20004), U("[FreeTDS][SQL Server]Read failed"));
+    EXPECT_EQ(comun("[Microsoft][ODBC Driver 17 for SQL Server][SQL Server]A", 1),
+              prefijo + U("A"));
+    EXPECT_EQ(comun("[FreeTDS][SQL Server]Read failed", 20004),
+              U("[FreeTDS][SQL Server]Read failed"));
     EXPECT_EQ(comun("[Microsoft][ODBC Driver 17 for SQL Server]Login timeout expired", 0),
               U("[Microsoft][ODBC Driver 17 for SQL Server]Login timeout expired"));
     EXPECT_EQ(comun("[unixODBC][Driver Manager]Can't open lib", 0),
@@ -135,14 +145,13 @@ TEST(DiagnosticoTest, ElFalloDeSentenciaYSuTexto) {
 }
 
 TEST(ValoresLigadosTest, LiteralesDeCadaTipo) {
-    const QVector<QVariant> valores = {
-        QVariant::fromValue(base::Dinero::DeDiezmilesimas(-12345)),
-        QVariant::fromValue(base::Decimal{12345, 3}),
-        QDateTime(QDate(2026, 11, 14), QTime(21, 36, 8, 3), Qt::UTC),
-        QVariant(),
-        false,
-        QByteArray("\x01z", 2),
-        U("o'é")};
+    const QVector<QVariant> valores = {QVariant::fromValue(base::Dinero::DeDiezmilesimas(-12345)),
+                                       QVariant::fromValue(base::Decimal{12345, 3}),
+                                       QDateTime(QDate(2026, 11, 14), QTime(21, 36, 8, 3), Qt::UTC),
+                                       QVariant(),
+                                       false,
+                                       QByteArray("\x01z", 2),
+                                       U("o'é")};
     EXPECT_EQ(ConLiterales(U("?,?,?,?,?,?,?"), valores),
               U("CAST('-1.2345' AS MONEY),CAST('12.345' AS NUMERIC(38,3)),CAST('20261114 "
                 "21:36:08.003' AS DATETIME),NULL,CAST('0' AS BIT),0x017A,N'o''é'"));
@@ -246,7 +255,8 @@ TEST_F(ServidaTest, LasTransaccionesSonLasDelServidor) {
 // database. What it makes it takes away.
 TEST(ServidorRealTest, TiposTransaccionesYTemporales) {
     const QStringList partes = qEnvironmentVariable("QUIMO_TEST_MSSQL").split(u'/');
-    if (partes.size() < 4) GTEST_SKIP() << "QUIMO_TEST_MSSQL=HOST,PORT/database/user/password is not set";
+    if (partes.size() < 4)
+        GTEST_SKIP() << "QUIMO_TEST_MSSQL=HOST,PORT/database/user/password is not set";
     const QString clave = partes.mid(3).join(u'/');
     auto abierta = AbrirOdbc({partes[0], partes[1], partes[2], clave});
     ASSERT_TRUE(abierta.has_value()) << abierta.error().Descripcion().toStdString();
@@ -257,8 +267,9 @@ TEST(ServidorRealTest, TiposTransaccionesYTemporales) {
         return Escrito(respuesta);
     };
     ASSERT_TRUE(conexion.Iniciar().has_value());
-    bien("CREATE TABLE T (ID INT IDENTITY(1,1) PRIMARY KEY,M MONEY,N NUMERIC(30,4),D DATETIME,B "
-         "BIT,V NVARCHAR(MAX),C VARCHAR(10),G UNIQUEIDENTIFIER)");
+    bien(
+        "CREATE TABLE T (ID INT IDENTITY(1,1) PRIMARY KEY,M MONEY,N NUMERIC(30,4),D DATETIME,B "
+        "BIT,V NVARCHAR(MAX),C VARCHAR(10),G UNIQUEIDENTIFIER)");
     const QVector<QVariant> valores = {
         QVariant::fromValue(base::Dinero::DeDiezmilesimas(-12345)),
         QVariant::fromValue(*base::Decimal::DeTexto("-12345678901234567890.1234")),
@@ -268,7 +279,8 @@ TEST(ServidorRealTest, TiposTransaccionesYTemporales) {
         QVariant(),
         U("6F9619FF-8B86-D011-B42D-00C04FC964FF")};
     EXPECT_EQ(bien("INSERT INTO T VALUES (?,?,?,?,?,?,?)", valores), U("filas 1"));
-    const RespuestaSql leida = conexion.Ejecutar(U("SELECT M,N,D,B,V,C FROM T WHERE M=?"), {valores[0]});
+    const RespuestaSql leida =
+        conexion.Ejecutar(U("SELECT M,N,D,B,V,C FROM T WHERE M=?"), {valores[0]});
     ASSERT_FALSE(leida.fallo.has_value()) << Escrito(leida).toStdString();
     for (int i = 0; i < 6; ++i)
         EXPECT_EQ(Escrito(leida.resultados[0].conjunto->filas[0][i]), Escrito(valores[i])) << i;

@@ -91,8 +91,8 @@ TEST_F(FreeTdsTest, CadaTipoLlegaEnteroYExacto) {
                                                                            : columnas[i].tipo;
         EXPECT_EQ(static_cast<int>(columna.tipo), static_cast<int>(dicho))
             << columnas[i].nombre.toStdString();
-        EXPECT_EQ(columna.escala, columnas[i].tipo == TipoSql::Numeric ? columnas[i].escala
-                                                                        : columna.escala);
+        EXPECT_EQ(columna.escala,
+                  columnas[i].tipo == TipoSql::Numeric ? columnas[i].escala : columna.escala);
     }
 }
 
@@ -105,17 +105,17 @@ TEST_F(FreeTdsTest, TextosLargosLleganEnteros) {
     for (int i = 0; i < 100'000; ++i)
         bytes.append(static_cast<char>(i * 7));
     const QString latino = QString(100'001, u'é');
-    const RespuestaSql dicha = UnConjunto({{U("n"), TipoSql::NVarChar, -1},
-                                           {U("nt"), TipoSql::NText, -1},
-                                           {U("v"), TipoSql::VarChar, -1},
-                                           {U("t"), TipoSql::Text, -1},
-                                           {U("b"), TipoSql::VarBinary, -1},
-                                           {U("i"), TipoSql::Image, -1},
-                                           {U("fin"), TipoSql::Int}},
-                                          {{largo, largo.mid(1), latino, latino, bytes, bytes, 1},
-                                           Fila(7),
-                                           {U(""), U("x"), U(""), U("y"), QByteArray(""),
-                                            QByteArray("z"), 2}});
+    const RespuestaSql dicha =
+        UnConjunto({{U("n"), TipoSql::NVarChar, -1},
+                    {U("nt"), TipoSql::NText, -1},
+                    {U("v"), TipoSql::VarChar, -1},
+                    {U("t"), TipoSql::Text, -1},
+                    {U("b"), TipoSql::VarBinary, -1},
+                    {U("i"), TipoSql::Image, -1},
+                    {U("fin"), TipoSql::Int}},
+                   {{largo, largo.mid(1), latino, latino, bytes, bytes, 1},
+                    Fila(7),
+                    {U(""), U("x"), U(""), U("y"), QByteArray(""), QByteArray("z"), 2}});
     const ServidorTds servidor(Siempre(dicha));
     const auto conexion = AbrirEn(servidor);
     ASSERT_NE(conexion, nullptr);
@@ -269,7 +269,8 @@ TEST_F(FreeTdsTest, LoQueHaceUnaTemporalVaEnLaSesion) {
     const ServidorTds servidor(Siempre({}));
     const auto conexion = AbrirEn(servidor);
     ASSERT_NE(conexion, nullptr);
-    const QString texto = U("SELECT a,'?' AS [?] /* ? /* ? */ */ INTO #T FROM C WHERE b=? AND c=? -- ?");
+    const QString texto =
+        U("SELECT a,'?' AS [?] /* ? /* ? */ */ INTO #T FROM C WHERE b=? AND c=? -- ?");
     EXPECT_FALSE(conexion->Ejecutar(texto, {U("d'o 🍷"), -5}).fallo.has_value());
     EXPECT_EQ(servidor.Textos().last(),
               U("SELECT a,'?' AS [?] /* ? /* ? */ */ INTO #T FROM C WHERE b=N'd''o 🍷' AND c=(-5) "
@@ -282,14 +283,12 @@ struct CasoClave {
 };
 TEST_F(FreeTdsTest, UsuarioYClaveLleganTalCualONoLlegan) {
     const ServidorTds servidor(Siempre({}));
-    for (const CasoClave& caso :
-         {CasoClave{"sencilla", true}, CasoClave{"con;punto=y coma", true},
-          CasoClave{"{llave", true}, CasoClave{"a}b}", true}, CasoClave{"}", true},
-          CasoClave{" blanco ", true}, CasoClave{"ñ€🍷\"'", true},
-          CasoClave{"x};Server=otro", false}}) {
-        const auto abierta =
-            AbrirOdbc({servidor.Palabra(), U("ba;se}"), U("us;ua}rio"), U(caso.clave)},
-                      Con(U("FreeTDS")));
+    for (const CasoClave& caso : {CasoClave{"sencilla", true}, CasoClave{"con;punto=y coma", true},
+                                  CasoClave{"{llave", true}, CasoClave{"a}b}", true},
+                                  CasoClave{"}", true}, CasoClave{" blanco ", true},
+                                  CasoClave{"ñ€🍷\"'", true}, CasoClave{"x};Server=otro", false}}) {
+        const auto abierta = AbrirOdbc(
+            {servidor.Palabra(), U("ba;se}"), U("us;ua}rio"), U(caso.clave)}, Con(U("FreeTDS")));
         EXPECT_EQ(abierta.has_value(), caso.se_puede) << caso.clave;
         if (!caso.se_puede) {
             EXPECT_FALSE(abierta.error().Descripcion().contains(U(caso.clave)));

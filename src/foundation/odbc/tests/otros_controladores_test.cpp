@@ -1,9 +1,9 @@
 // The engine's way through the driver manager against other real drivers and databases: what it
 // reads and sends must not depend on the habits of one driver. And a real server that dies.
 
-#include <signal.h>
-
 #include <thread>
+
+#include <signal.h>
 
 #include <QThread>
 #include <QUuid>
@@ -45,8 +45,8 @@ protected:
     }
     RespuestaSql Bien(const QString& texto, const QVector<QVariant>& valores = {}) {
         RespuestaSql respuesta = conexion_->Ejecutar(texto, valores);
-        EXPECT_FALSE(respuesta.fallo.has_value())
-            << texto.left(200).toStdString() << '\n' << Escrito(respuesta).toStdString();
+        EXPECT_FALSE(respuesta.fallo.has_value()) << texto.left(200).toStdString() << '\n'
+                                                  << Escrito(respuesta).toStdString();
         return respuesta;
     }
 
@@ -75,8 +75,9 @@ TEST_F(PostgresTest, ValoresParametrosConjuntosYDiagnosticos) {
         QByteArray(100'000, '\xfe'),
         QVariant(),
     };
-    Bien(U("CREATE TABLE T (i int4 PRIMARY KEY,l int8,n numeric(30,2),f float8,d timestamp,t text,"
-           "x bytea,u int4)"));
+    Bien(
+        U("CREATE TABLE T (i int4 PRIMARY KEY,l int8,n numeric(30,2),f float8,d timestamp,t text,"
+          "x bytea,u int4)"));
     EXPECT_EQ(Escrito(Bien(U("INSERT INTO T VALUES (?,?,?,?,?,?,?,?)"), valores)), U("filas 1"));
     const RespuestaSql leida = Bien(U("SELECT * FROM T WHERE i=?"), {-7});
     ASSERT_EQ(leida.resultados.size(), 1);
@@ -139,11 +140,13 @@ TEST_F(PostgresTest, ElServidorQueMuereEnMedioRompeLaTransaccionYSeRepone) {
 TEST(SqliteOdbcTest, ValoresYFallos) {
     PrepararControladores();
     const QTemporaryDir carpeta;
-    auto abierta = AbrirOdbc({{}, carpeta.filePath(U("ñ.db")), {}, {}}, Con(U("SQLite3")), {{}, {}});
+    auto abierta =
+        AbrirOdbc({{}, carpeta.filePath(U("ñ.db")), {}, {}}, Con(U("SQLite3")), {{}, {}});
     ASSERT_TRUE(abierta.has_value()) << abierta.error().Descripcion().toStdString();
     SqlConnection& conexion = **abierta;
-    EXPECT_FALSE(conexion.Ejecutar(U("CREATE TABLE T (i INTEGER PRIMARY KEY,f DOUBLE,t TEXT,x BLOB,"
-                                     "d TIMESTAMP,u INTEGER)"))
+    EXPECT_FALSE(conexion
+                     .Ejecutar(U("CREATE TABLE T (i INTEGER PRIMARY KEY,f DOUBLE,t TEXT,x BLOB,"
+                                 "d TIMESTAMP,u INTEGER)"))
                      .fallo.has_value());
     const QVector<QVariant> valores = {
         5,

@@ -21,8 +21,10 @@ constexpr int kCaracteresMax = 4000;
 /// Code page 1252, which that collation keeps VARCHAR in; what it lacks is stored as '?'.
 QByteArray En1252(const QString& texto) {
     static const QString kDesde80 = QString::fromUtf16(
-        u"\u20ac\ufffd\u201a\u0192\u201e\u2026\u2020\u2021\u02c6\u2030\u0160\u2039\u0152\ufffd\u017d"
-        u"\ufffd\ufffd\u2018\u2019\u201c\u201d\u2022\u2013\u2014\u02dc\u2122\u0161\u203a\u0153\ufffd"
+        u"\u20ac\ufffd\u201a\u0192\u201e\u2026\u2020\u2021\u02c6\u2030\u0160\u2039\u0152\ufffd"
+        u"\u017d"
+        u"\ufffd\ufffd\u2018\u2019\u201c\u201d\u2022\u2013\u2014\u02dc\u2122\u0161\u203a\u0153"
+        u"\ufffd"
         u"\u017e\u0178");
     QByteArray bytes;
     for (const QChar c : texto) {
@@ -87,8 +89,9 @@ void DescribirTexto(Escritor& a, const Columna& columna) {
                       columna.tipo == TipoSql::Binary;
     const int unidades = columna.longitud * (ancho ? 2 : 1);
     const bool sin_limite = columna.longitud <= 0 || unidades > 2 * kCaracteresMax;
-    const int token = ancho ? (fijo ? 0xEF : 0xE7) : forma == 'c' ? (fijo ? 0xAF : 0xA7)
-                                                                  : (fijo ? 0xAD : 0xA5);
+    const int token = ancho          ? (fijo ? 0xEF : 0xE7)
+                      : forma == 'c' ? (fijo ? 0xAF : 0xA7)
+                                     : (fijo ? 0xAD : 0xA5);
     a.Entero(static_cast<quint64>(token), 1)
         .Entero(sin_limite ? 0xFFFF : static_cast<quint64>(unidades), 2);
     if (forma != 'b') a.Bytes(Intercalacion());
@@ -219,8 +222,7 @@ void EscribirValor(Escritor& a, const QVariant& valor, const Columna& columna) {
         return;
     }
     if (columna.tipo == TipoSql::Money || columna.tipo == TipoSql::SmallMoney) {
-        const auto digitos =
-            static_cast<quint64>(valor.value<base::Dinero>().Diezmilesimas());
+        const auto digitos = static_cast<quint64>(valor.value<base::Dinero>().Diezmilesimas());
         if (columna.tipo == TipoSql::SmallMoney) {
             a.Entero(4, 1).Entero(digitos, 4);
         } else {
@@ -235,8 +237,11 @@ void EscribirValor(Escritor& a, const QVariant& valor, const Columna& columna) {
         EscribirFecha(a, valor.toDateTime(), columna.tipo == TipoSql::DateTime);
     } else if (columna.tipo == TipoSql::UniqueIdentifier) {
         const QUuid id = valor.toUuid();
-        a.Entero(16, 1).Entero(id.data1, 4).Entero(id.data2, 2).Entero(id.data3, 2).Bytes(
-            {reinterpret_cast<const char*>(id.data4), 8});
+        a.Entero(16, 1)
+            .Entero(id.data1, 4)
+            .Entero(id.data2, 2)
+            .Entero(id.data3, 2)
+            .Bytes({reinterpret_cast<const char*>(id.data4), 8});
     } else {
         const int largo = columna.tipo == TipoSql::BigInt     ? 8
                           : columna.tipo == TipoSql::Int      ? 4
@@ -279,8 +284,10 @@ void EscribirAviso(Escritor& a, const ErrorProveedor& error, bool es_error) {
 }
 
 void EscribirHecho(Escritor& a, int estado, qint64 filas) {
-    a.Entero(0xFD, 1).Entero(static_cast<quint64>(estado), 2).Entero(0xC1, 2).Entero(
-        static_cast<quint64>(filas), 8);
+    a.Entero(0xFD, 1)
+        .Entero(static_cast<quint64>(estado), 2)
+        .Entero(0xC1, 2)
+        .Entero(static_cast<quint64>(filas), 8);
 }
 
 QVariant LeerNumeric(LectorTds& lector, int escala) {
