@@ -157,6 +157,17 @@ private:
 base::Result<std::unique_ptr<SqlConnection>, FalloSql> AbrirOdbc(const DatosConexion& datos,
                                                                  const OpcionesOdbc& opciones,
                                                                  const FrasesDeSesion& frases) {
+    // A driver would take another server or database for the one that is missing.
+    constexpr int kServidorNoHallado = 6;
+    constexpr int kSinBaseDeDatos = 4060;
+    if (datos.servidor.trimmed().isEmpty()) {
+        return FalloPropio(FalloSql::kServidorAusente, u"08001"_s, kServidorNoHallado,
+                           u"Falta el nombre del servidor."_s);
+    }
+    if (datos.base_de_datos.trimmed().isEmpty()) {
+        return FalloPropio(FalloSql::kServidorAusente, u"08004"_s, kSinBaseDeDatos,
+                           u"Falta el nombre de la base de datos."_s);
+    }
     auto conexion = std::make_unique<ConexionOdbc>(datos, opciones, frases);
     QUIMO_TRY_VOID(conexion->Abrir());
     return std::unique_ptr<SqlConnection>(std::move(conexion));

@@ -114,7 +114,9 @@ RespuestaSql Enlace::Correr(const QString& tsql, const QVector<QVariant>& parame
         return respuesta;
     }
     SQLSetStmtAttrW(sentencia.Crudo(), SQL_ATTR_QUERY_TIMEOUT, ComoAtributo(kPlazoSentencia_s), 0);
-    SQLSetStmtAttrW(sentencia.Crudo(), SQL_ATTR_NOSCAN, ComoAtributo(SQL_NOSCAN_ON), 0);
+    if (parametros.isEmpty()) {  // nothing in the text is for the driver
+        SQLSetStmtAttrW(sentencia.Crudo(), SQL_ATTR_NOSCAN, ComoAtributo(SQL_NOSCAN_ON), 0);
+    }
     if (!parametros.isEmpty() && CreaTemporal(tsql)) {
         if (const auto con_literales = ConLiterales(tsql, parametros)) {
             Recoger(sentencia.Crudo(), Lanzar(sentencia.Crudo(), *con_literales), respuesta);

@@ -20,8 +20,6 @@ private:
     Enlace(EntornoOdbc entorno, EnlaceOdbc enlace, QString origen)
         : entorno_(std::move(entorno)), enlace_(std::move(enlace)), origen_(std::move(origen)) {}
 
-    /// What one execution or its continuation left.
-    struct Recoleccion;
     SQLRETURN Lanzar(SQLHSTMT sentencia, const QString& texto);
     void Recoger(SQLHSTMT sentencia, SQLRETURN estado, RespuestaSql& respuesta);
     void Anotar(SQLHSTMT sentencia, SQLRETURN estado, RespuestaSql& respuesta);

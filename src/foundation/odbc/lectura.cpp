@@ -14,7 +14,7 @@ namespace quimo::foundation::odbc {
 namespace {
 
 constexpr int kSinLimite = -1;
-// Types of SQL Server beside the standard's; they are read as text.
+// Drivers tell a text without limit by 0 or by a size that no other has.
 constexpr SQLULEN kLargoMaximo = 8000;
 
 QString NombreDeTipo(SQLHSTMT sentencia, SQLUSMALLINT numero) {
@@ -71,7 +71,7 @@ TipoSql TipoDe(SQLSMALLINT tipo, const QString& nombre) {
         case SQL_LONGVARBINARY:
             return TipoSql::Image;
         default:
-            return TipoSql::VarChar;
+            return TipoSql::VarChar;  // of the server's own types too: they are read as text
     }
 }
 

@@ -361,13 +361,18 @@ TEST_F(FreeTdsTest, SinServidorNiNombreNiControlador) {
         AbrirOdbc({U("no-existe.invalid"), U("b"), U("u"), U("c")}, Con(U("FreeTDS")));
     EXPECT_EQ(sin_nombre.error().numero, FalloSql::kServidorAusente);
     EXPECT_EQ(sin_nombre.error().Nativo(), 6);
+    for (const DatosConexion& incompletos : {DatosConexion{{}, U("b"), U("u"), U("c")},
+                                             DatosConexion{U("h"), U(" "), U("u"), U("c")}}) {
+        EXPECT_EQ(AbrirOdbc(incompletos, Con(U("FreeTDS"))).error().numero,
+                  FalloSql::kServidorAusente);
+    }
     // A driver without its library lets the next one try.
     const auto sin_biblioteca = AbrirOdbc(nadie, Con(U("Sin biblioteca")));
     EXPECT_EQ(sin_biblioteca.error().Nativo(), 6);
 }
 
 TEST_F(FreeTdsTest, LaConexionPerdidaSeDiceYSeRepone) {
-    const RespuestaSql uno = UnConjunto({{{}, TipoSql::Int}}, {{0}});
+    const RespuestaSql uno = UnConjunto({{{}, TipoSql::Int}}, QVector<Fila>(5000, {0}));
     const ServidorTds servidor(Siempre(uno));
     const auto conexion = AbrirEn(servidor);
     ASSERT_NE(conexion, nullptr);
@@ -375,13 +380,35 @@ TEST_F(FreeTdsTest, LaConexionPerdidaSeDiceYSeRepone) {
         const RespuestaSql respuesta = conexion->Ejecutar(texto);
         return respuesta.fallo ? respuesta.fallo->numero : 0;
     };
-    EXPECT_EQ(numero(U("SELECT 1 /*corta*/")), FalloSql::kConexionPerdida);
-    EXPECT_TRUE(conexion->Abierta());
-    EXPECT_FALSE(conexion->EnTransaccion());
-    EXPECT_EQ(numero(U("SELECT 1")), 0);
-    EXPECT_EQ(servidor.Accesos().size(), 2);
+    int accesos = 1;
+    for (const char16_t* corte : {ServidorTds::kCorta, ServidorTds::kCortaEnMedio}) {
+        const RespuestaSql cortada = conexion->Ejecutar(U("SELECT 1 ") + QString::fromUtf16(corte));
+        ASSERT_TRUE(cortada.fallo.has_value());
+        EXPECT_EQ(cortada.fallo->numero, FalloSql::kConexionPerdida);
+        EXPECT_TRUE(cortada.resultados.isEmpty());
+        EXPECT_TRUE(conexion->Abierta());
+        EXPECT_FALSE(conexion->EnTransaccion());
+        EXPECT_EQ(numero(U("SELECT 1")), 0);
+        EXPECT_EQ(servidor.Accesos().size(), ++accesos);
+    }
     conexion->Cerrar();
     EXPECT_EQ(numero(U("SELECT 1")), FalloSql::kConexionCerrada);
+}
+
+// Rows before a failure are no answer to what was asked.
+TEST_F(FreeTdsTest, ElConjuntoQueFallaEnMedioNoSeEntrega) {
+    const RespuestaSql filas = UnConjunto({{U("a"), TipoSql::Int}}, {{1}, {2}, {3}});
+    const ServidorTds servidor(Siempre(filas));
+    const auto conexion = AbrirEn(servidor);
+    ASSERT_NE(conexion, nullptr);
+    const RespuestaSql rota =
+        conexion->Ejecutar(U("SELECT ") + QString::fromUtf16(ServidorTds::kFallaEnMedio));
+    ASSERT_TRUE(rota.fallo.has_value()) << Escrito(rota).toStdString();
+    EXPECT_EQ(rota.fallo->Nativo(), 8134);
+    for (const ResultadoSql& resultado : rota.resultados)
+        EXPECT_FALSE(resultado.conjunto.has_value());
+    EXPECT_EQ(Escrito(conexion->Ejecutar(U("SELECT 1"))), Escrito(filas));
+    EXPECT_EQ(servidor.Accesos().size(), 1);
 }
 
 // Nothing of a transaction may be written on a connection that did not see its beginning.

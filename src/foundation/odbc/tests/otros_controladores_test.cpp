@@ -141,7 +141,7 @@ TEST(SqliteOdbcTest, ValoresYFallos) {
     PrepararControladores();
     const QTemporaryDir carpeta;
     auto abierta =
-        AbrirOdbc({{}, carpeta.filePath(U("ñ.db")), {}, {}}, Con(U("SQLite3")), {{}, {}});
+        AbrirOdbc({U("local"), carpeta.filePath(U("ñ.db")), {}, {}}, Con(U("SQLite3")), {{}, {}});
     ASSERT_TRUE(abierta.has_value()) << abierta.error().Descripcion().toStdString();
     SqlConnection& conexion = **abierta;
     EXPECT_FALSE(conexion

@@ -19,17 +19,11 @@ namespace {
 
 constexpr int kPlazo_ms = 30'000;
 
-sockaddr_in EnLoopback(int puerto) {
-    sockaddr_in direccion = {};
-    direccion.sin_family = AF_INET;
-    direccion.sin_port = htons(static_cast<in_port_t>(puerto));
-    direccion.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    return direccion;
-}
-
 int PuertoLibre() {
     const int enchufe = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in direccion = EnLoopback(0);
+    sockaddr_in direccion = {};
+    direccion.sin_family = AF_INET;
+    direccion.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     socklen_t largo = sizeof direccion;
     QUIMO_CHECK(bind(enchufe, reinterpret_cast<sockaddr*>(&direccion), largo) == 0);
     QUIMO_CHECK(getsockname(enchufe, reinterpret_cast<sockaddr*>(&direccion), &largo) == 0);
@@ -37,13 +31,14 @@ int PuertoLibre() {
     return ntohs(direccion.sin_port);
 }
 
-bool Contesta(int puerto) {
-    const int enchufe = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    const sockaddr_in direccion = EnLoopback(puerto);
-    const int hecho =
-        connect(enchufe, reinterpret_cast<const sockaddr*>(&direccion), sizeof direccion);
-    close(enchufe);
-    return hecho == 0;
+/// Whether it takes logins: a while after it listens.
+bool Contesta(const QString& programas, int puerto) {
+    QProcess pregunta;
+    pregunta.setStandardOutputFile(QProcess::nullDevice());
+    pregunta.start(programas + QStringLiteral("pg_isready"),
+                   {QStringLiteral("-h"), QStringLiteral("127.0.0.1"), QStringLiteral("-p"),
+                    QString::number(puerto)});
+    return pregunta.waitForFinished(kPlazo_ms) && pregunta.exitCode() == 0;
 }
 
 /// The server refuses to run as root.
@@ -108,7 +103,7 @@ bool ServidorPg::Arrancar() {
                     opcion("fsync", QStringLiteral("off"))});
     constexpr int kVuelta_ms = 50;
     for (int pasado = 0; pasado < kPlazo_ms; pasado += kVuelta_ms) {
-        if (Contesta(puerto_)) return true;
+        if (Contesta(programas_, puerto_)) return true;
         if (proceso_.waitForFinished(kVuelta_ms)) return false;
     }
     return false;

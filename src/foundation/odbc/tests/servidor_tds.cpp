@@ -53,12 +53,12 @@ Mensaje Recibir(int enlace) {
     }
 }
 
-void Enviar(int enlace, const QByteArray& tokens) {
+void Enviar(int enlace, const QByteArray& tokens, bool entera = true) {
     int numero = 1;
     for (qsizetype i = 0; i < tokens.size(); i += kPaquete - kCabecera) {
         const QByteArray parte = tokens.mid(i, kPaquete - kCabecera);
         const auto largo = static_cast<int>(parte.size()) + kCabecera;
-        const bool ultimo = i + parte.size() == tokens.size();
+        const bool ultimo = entera && i + parte.size() == tokens.size();
         QByteArray paquete;
         for (const int byte :
              {int{kRespuesta}, ultimo ? 1 : 0, largo / 256, largo % 256, 0, 51, numero++ % 256, 0})
@@ -235,8 +235,22 @@ void ServidorTds::Conversar(int enlace, const Contestar& contestar) {
             const std::lock_guard guardia(candado_);
             textos_ << pedido.texto;
         }
-        if (pedido.texto.contains(QString::fromUtf16(kCorta))) return;
-        Enviar(enlace, TokensDeRespuesta(contestar(pedido.texto, pedido.parametros)));
+        const auto pide = [&](const char16_t* clave) {
+            return pedido.texto.contains(QString::fromUtf16(clave));
+        };
+        if (pide(kCorta)) return;
+        QByteArray tokens = TokensDeRespuesta(contestar(pedido.texto, pedido.parametros));
+        if (pide(kCortaEnMedio)) {
+            Enviar(enlace, tokens.left(tokens.size() / 2), false);
+            return;
+        }
+        if (pide(kFallaEnMedio)) {
+            constexpr int kHecho = 13;  // what tells that the set is at its end
+            tokens.chop(kHecho);
+            tokens += TokensDeRespuesta(
+                Rechazo({{{}, 8134, {}, QStringLiteral("Divide by zero error encountered.")}}));
+        }
+        Enviar(enlace, tokens);
     }
 }
 

@@ -26,8 +26,11 @@ public:
         QString base;
         QString aplicacion;
     };
-    /// A text that closes the connection in the middle of its answer, wherever it stands.
+    /// Texts that hold these: the connection is closed instead of an answer, in the middle of it,
+    /// or the answer's last set breaks off with a division by zero.
     static constexpr char16_t kCorta[] = u"/*corta*/";
+    static constexpr char16_t kCortaEnMedio[] = u"/*corta en medio*/";
+    static constexpr char16_t kFallaEnMedio[] = u"/*falla en medio*/";
     /// Users whose login is refused: wrong password (18456), no such database (4060).
     static constexpr char16_t kUsuarioMalo[] = u"malo";
     static constexpr char16_t kUsuarioSinBase[] = u"sinbase";
