@@ -82,6 +82,9 @@ void PrepararControladores() {
         qputenv("ODBCINI", "/dev/null");
         qputenv("FREETDSCONF", "/dev/null");
         qputenv("FREETDS", "/dev/null");
+        for (const char* ajuste :
+             {"QUIMO_ODBC_DRIVER", "QUIMO_ODBC_CIFRADO", "QUIMO_ODBC_OPCIONES"})
+            qunsetenv(ajuste);
         return true;
     }();
     QUIMO_CHECK(kHecho);
