@@ -46,13 +46,9 @@ Forma Nulo() {
 }
 
 Forma DeTexto(const QString& texto) {
-    // 0 asks for the type without limit.
-    const SQLULEN medida = texto.size() > kCaracteresMax
-                               ? 0
-                               : static_cast<SQLULEN>(std::max<qsizetype>(texto.size(), 1));
-    Forma forma{SQL_C_WCHAR,
-                medida == 0 ? SQLSMALLINT{SQL_WLONGVARCHAR} : SQLSMALLINT{SQL_WVARCHAR},
-                medida == 0 ? static_cast<SQLULEN>(texto.size()) : medida};
+    const bool largo = texto.size() > kCaracteresMax;
+    Forma forma{SQL_C_WCHAR, largo ? SQLSMALLINT{SQL_WLONGVARCHAR} : SQLSMALLINT{SQL_WVARCHAR},
+                static_cast<SQLULEN>(std::max<qsizetype>(texto.size(), 1))};
     forma.bytes = QByteArray(reinterpret_cast<const char*>(texto.utf16()), texto.size() * 2);
     return forma;
 }

@@ -1,6 +1,7 @@
 // The data-access object over a driver for SQL Server: what the user is told when the server
 // refuses, answers nothing or goes away.
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -16,7 +17,10 @@ QString U(const char* texto) { return QString::fromUtf8(texto); }
 
 class AdoOdbcTest : public testing::Test {
 protected:
-    static void SetUpTestSuite() { PrepararControladores(); }
+    static void SetUpTestSuite() {
+        PrepararControladores();
+        qunsetenv("QUIMO_BD_USUARIO");
+    }
 
     /// Opens with whichever engine the server word names, as the program does.
     bool Conectar(const QString& servidor, const QString& usuario = U("quien")) {
@@ -100,6 +104,29 @@ TEST_F(AdoOdbcTest, LoQueNoAbreSeDiceSinRepetirYSinLaClave) {
     EXPECT_FALSE(ado_.Conectado());
     EXPECT_FALSE(Bitacora().isEmpty());
     EXPECT_FALSE(Bitacora().contains(U("secreto9")));
+}
+
+// A failure to open that names nothing is tried again with the second login, until it is another.
+TEST_F(AdoOdbcTest, ElFalloSinMotivoSeReintentaConElSegundoAcceso) {
+    QStringList usuarios;
+    const QString carpeta = carpeta_.filePath(U("nueva"));
+    ClsAdo ado(
+        [&](const DatosConexion& datos) {
+            constexpr int kIntentos = 3;
+            usuarios << datos.usuario;
+            if (usuarios.size() == kIntentos) QDir().mkpath(carpeta);
+            return AbrirOdbc({U("local"), carpeta + U("/c.db"), datos.usuario, datos.clave},
+                             Con(U("SQLite3")), {{}, {}});
+        },
+        dialogos_, bitacora_);
+    QString servidor = U("local");
+    QString base = U("c");
+    QString usuario = U("quien");
+    QString clave = U("x");
+    EXPECT_TRUE(ado.Conectar(servidor, base, usuario, clave));
+    EXPECT_EQ(usuarios.join(u'|'), U("quien|norsa|norsa"));
+    EXPECT_EQ(usuario, U("norsa"));
+    EXPECT_TRUE(dialogos_.Mostrados().isEmpty());
 }
 
 }  // namespace

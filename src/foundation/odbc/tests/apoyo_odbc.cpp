@@ -73,6 +73,7 @@ void PrepararControladores() {
         QFile archivo(kCarpeta.filePath(QStringLiteral("odbcinst.ini")));
         QUIMO_CHECK(archivo.open(QIODevice::WriteOnly));
         archivo.write("[FreeTDS]\nDriver=" QUIMO_CONTROLADORES
+                      "/libtdsodbc.so\n[Con otro nombre]\nDriver=" QUIMO_CONTROLADORES
                       "/libtdsodbc.so\n[PostgreSQL]\nDriver=" QUIMO_CONTROLADORES
                       "/psqlodbcw.so\n[SQLite3]\nDriver=" QUIMO_CONTROLADORES
                       "/libsqlite3odbc.so\n[Sin biblioteca]\nDriver=" QUIMO_CONTROLADORES

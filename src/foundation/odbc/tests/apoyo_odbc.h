@@ -10,8 +10,9 @@ inline void PrintTo(const QString& texto, std::ostream* salida) { *salida << tex
 
 namespace quimo::foundation::odbc {
 
-/// Names the drivers of these tests in an odbcinst.ini of their own: "FreeTDS", "PostgreSQL",
-/// "SQLite3" and "Sin biblioteca", whose library does not exist. Call it before anything else.
+/// Names the drivers of these tests in an odbcinst.ini of their own: "FreeTDS", the same as "Con
+/// otro nombre", "PostgreSQL", "SQLite3" and "Sin biblioteca", whose library does not exist. Call
+/// it before anything else.
 void PrepararControladores();
 
 /// Options that try this driver first, with a short time to connect.
