@@ -14,7 +14,7 @@ namespace quimo::foundation::odbc {
 namespace {
 
 /// Without a practical limit: a close of a busy day may think for long.
-constexpr SQLULEN kPlazoSentencia_s = 100000;
+constexpr SQLULEN kSegundosPorSentencia = 100000;
 constexpr int kControladoresMax = 1000;
 constexpr int kResultadosMax = 100000;
 
@@ -113,7 +113,7 @@ RespuestaSql Enlace::Correr(const QString& tsql, const QVector<QVariant>& parame
         Fallar(LeerDiagnosticos(SQL_HANDLE_DBC, enlace_.Crudo(), origen_), respuesta);
         return respuesta;
     }
-    SQLSetStmtAttrW(sentencia.Crudo(), SQL_ATTR_QUERY_TIMEOUT, ComoAtributo(kPlazoSentencia_s), 0);
+    SQLSetStmtAttrW(sentencia.Crudo(), SQL_ATTR_QUERY_TIMEOUT, ComoAtributo(kSegundosPorSentencia), 0);
     if (parametros.isEmpty()) {  // nothing in the text is for the driver
         SQLSetStmtAttrW(sentencia.Crudo(), SQL_ATTR_NOSCAN, ComoAtributo(SQL_NOSCAN_ON), 0);
     }
