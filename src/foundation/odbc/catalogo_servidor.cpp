@@ -119,9 +119,10 @@ base::Result<DefinicionTabla, FalloSql> LeerDefinicion(const QString& tabla,
     }
     if (definicion.columnas.isEmpty()) {
         constexpr int kSinObjeto = 208;
-        return FalloPropio(
-            FalloSql::kSentencia, u"42S02"_s, kSinObjeto,
-            ConPrefijoComun(u"[SQL Server]Invalid object name '%1'."_s.arg(tabla), kSinObjeto));
+        const QString estado = u"42S02"_s;
+        return FalloPropio(FalloSql::kSentencia, estado, kSinObjeto,
+                           ConPrefijoComun(u"[SQL Server]Invalid object name '%1'."_s.arg(tabla),
+                                           estado, kSinObjeto));
     }
     // A temporary table's full name holds a number of its own: it is known by the short one.
     if (tabla.contains(u'#')) definicion.nombre = tabla.section(u'.', -1).remove(u'[').remove(u']');

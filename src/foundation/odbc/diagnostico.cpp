@@ -62,16 +62,20 @@ QVector<ErrorProveedor> LeerDiagnosticos(SQLSMALLINT tipo, SQLHANDLE handle,
         const qsizetype cabe = std::min<qsizetype>(largo, texto.size() - 1);
         const QString descripcion = QString::fromUtf16(
             reinterpret_cast<const char16_t*>(texto.constData()), std::max<qsizetype>(cabe, 0));
-        errores.append({QString::fromUtf16(reinterpret_cast<const char16_t*>(estado.data()), 5),
-                        nativo, origen, ConPrefijoComun(descripcion, nativo)});
+        const QString sqlstate =
+            QString::fromUtf16(reinterpret_cast<const char16_t*>(estado.data()), 5);
+        errores.append({sqlstate, nativo, origen, ConPrefijoComun(descripcion, sqlstate, nativo)});
     }
     return errores;
 }
 
-QString ConPrefijoComun(const QString& descripcion, int nativo) {
+QString ConPrefijoComun(const QString& descripcion, const QString& sqlstate, int nativo) {
     static const QRegularExpression kDelServidor(u"^(?:\\[[^\\]]*\\])*?\\[SQL Server\\]"_s);
     const QRegularExpressionMatch prefijo = kDelServidor.match(descripcion);
-    const bool de_freetds = nativo >= kFreeTdsDesde && nativo <= kFreeTdsHasta;
+    // FreeTDS puts the server's name before its own words too. An error of the server has a number;
+    // what PRINT says has none.
+    const bool de_freetds = (nativo >= kFreeTdsDesde && nativo <= kFreeTdsHasta) ||
+                            (nativo == 0 && !sqlstate.startsWith(u"01"_s));
     if (!prefijo.hasMatch() || de_freetds) return descripcion;
     QString texto = descripcion.mid(prefijo.capturedLength());
     if (nativo == kReferencia) {

@@ -13,7 +13,7 @@ QVector<ErrorProveedor> LeerDiagnosticos(SQLSMALLINT tipo, SQLHANDLE handle, con
 /// the one of 47 characters that whoever shows a raised message takes off. The name of the table in
 /// a refused reference stands between single quotes and without its schema. What a driver says
 /// about itself stays.
-QString ConPrefijoComun(const QString& descripcion, int nativo);
+QString ConPrefijoComun(const QString& descripcion, const QString& sqlstate, int nativo);
 
 /// Whether these records tell that there is no connection any more.
 bool EsConexionPerdida(const QVector<ErrorProveedor>& errores);

@@ -113,7 +113,8 @@ RespuestaSql Enlace::Correr(const QString& tsql, const QVector<QVariant>& parame
         Fallar(LeerDiagnosticos(SQL_HANDLE_DBC, enlace_.Crudo(), origen_), respuesta);
         return respuesta;
     }
-    SQLSetStmtAttrW(sentencia.Crudo(), SQL_ATTR_QUERY_TIMEOUT, ComoAtributo(kSegundosPorSentencia), 0);
+    SQLSetStmtAttrW(sentencia.Crudo(), SQL_ATTR_QUERY_TIMEOUT, ComoAtributo(kSegundosPorSentencia),
+                    0);
     if (parametros.isEmpty()) {  // nothing in the text is for the driver
         SQLSetStmtAttrW(sentencia.Crudo(), SQL_ATTR_NOSCAN, ComoAtributo(SQL_NOSCAN_ON), 0);
     }

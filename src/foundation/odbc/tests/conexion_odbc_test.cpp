@@ -129,9 +129,12 @@ TEST(DiagnosticoTest, ElFalloDeSentenciaYSuTexto) {
     EXPECT_EQ(FalloDeSentencia({}, true).numero, FalloSql::kConexionPerdida);
     EXPECT_FALSE(FalloDeSentencia({}, false).Descripcion().isEmpty());
     const QString prefijo = U("[Microsoft][ODBC SQL Server Driver][SQL Server]");
-    const auto comun = [](const char* texto, int nativo) {
-        return ConPrefijoComun(U(texto), nativo);
+    const auto comun = [](const char* texto, int nativo, const char* estado = "HY000") {
+        return ConPrefijoComun(U(texto), U(estado), nativo);
     };
+    EXPECT_EQ(comun("[FreeTDS][SQL Server]Listo", 0, "01000"), prefijo + U("Listo"));
+    EXPECT_EQ(comun("[FreeTDS][SQL Server]Unable to connect", 0, "08001"),
+              U("[FreeTDS][SQL Server]Unable to connect"));
     EXPECT_EQ(comun("[FreeTDS][SQL Server]No [x]", 50000), prefijo + U("No [x]"));
     EXPECT_EQ(comun("[Microsoft][ODBC Driver 17 for SQL Server][SQL Server]A", 1),
               prefijo + U("A"));
