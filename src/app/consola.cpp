@@ -126,18 +126,18 @@ std::unique_ptr<Sesion> AbrirSesion(const Argumentos& argumentos, const Entorno&
     sesion->ado = std::make_unique<foundation::ClsAdo>(
         [conector, motivo](const foundation::DatosConexion& datos) {
             auto abierta = conector(datos);
-            // Of a missing server only a fixed text is shown: the reason is added.
+            // Of a missing server only a fixed text is shown, of a refused login nothing: the
+            // reason is added.
             const bool con_texto_fijo =
-                !abierta && (abierta.error().Nativo() == 6 || abierta.error().Nativo() == 0);
+                !abierta && (abierta.error().Nativo() == 6 || abierta.error().Nativo() == 0 ||
+                             abierta.error().numero == foundation::FalloSql::kAccesoNegado);
             *motivo = con_texto_fijo ? abierta.error().Descripcion() : QString();
             return abierta;
         },
         *sesion->dialogos, *sesion->bitacora);
     sesion->ado->CpsTitulo = u"QUIMO"_s;
-    QString servidor = argumentos.palabras[0];
-    QString base = argumentos.palabras[1];
-    QString usuario = qEnvironmentVariable("QUIMO_BD_USUARIO");
-    QString clave = qEnvironmentVariable("QUIMO_BD_CLAVE");
+    auto [servidor, base, usuario, clave] =
+        foundation::AccesoDelPrograma(argumentos.palabras[0], argumentos.palabras[1]);
     if (sesion->ado->Conectar(servidor, base, usuario, clave)) return sesion;
     if (!motivo->isEmpty()) EscribirError(*motivo);
     return nullptr;

@@ -10,13 +10,26 @@ namespace quimo::app {
 
 namespace {
 
+bool EsEmbebido(const QString& servidor) {
+    return servidor.compare(QString::fromUtf16(foundation::kServidorEmbebido),
+                            Qt::CaseInsensitive) == 0;
+}
+
+/// What the program's login needs of a server's database, and no more.
+const QString kConsejo =
+    u"Si el programa entra con otro usuario, un administrador debe darle en esta base estos "
+    u"permisos "
+    "y ninguno más\n(aquí para quimo_db; la guía está en docs/sqlserver.md):\n"
+    "  CREATE USER [quimo_db] FOR LOGIN [quimo_db]\n"
+    "  ALTER ROLE db_datareader ADD MEMBER [quimo_db]\n"
+    "  ALTER ROLE db_datawriter ADD MEMBER [quimo_db]\n"
+    "  GRANT EXECUTE ON SCHEMA::dbo TO [quimo_db]"_s;
+
 /// An embedded file that this command made is not left behind half-filled.
 class BaseNuevaEnDisco {
 public:
     BaseNuevaEnDisco(const QString& servidor, QString base) : base_(std::move(base)) {
-        nueva_ = servidor.compare(QString::fromUtf16(foundation::kServidorEmbebido),
-                                  Qt::CaseInsensitive) == 0 &&
-                 !QFileInfo::exists(base_);
+        nueva_ = EsEmbebido(servidor) && !QFileInfo::exists(base_);
     }
     BaseNuevaEnDisco(const BaseNuevaEnDisco&) = delete;
     BaseNuevaEnDisco& operator=(const BaseNuevaEnDisco&) = delete;
@@ -56,6 +69,7 @@ Estado OrdenCrear(const Argumentos& argumentos, const Entorno& entorno) {
     }
     en_disco.Conservar();
     Escribir(u"Base de datos creada: "_s + argumentos.palabras[1]);
+    if (!EsEmbebido(argumentos.palabras[0])) Escribir(kConsejo);
     return kHecho;
 }
 

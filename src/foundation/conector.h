@@ -11,7 +11,12 @@ inline constexpr char16_t kServidorEmbebido[] = u"embebido";
 /// Whether a missing embedded database is made.
 enum class SiFalta { Fallar, Crear };
 
-/// Opens connections by their server word. The clock must outlive the connections.
+/// What the program opens its database with: the login that QUIMO_BD_USUARIO and QUIMO_BD_CLAVE
+/// name, or its own. The embedded engine takes any.
+DatosConexion AccesoDelPrograma(const QString& servidor, const QString& base_de_datos);
+
+/// Opens connections by their server word: the embedded engine, or SQL Server through ODBC. The
+/// clock must outlive the connections.
 Conector CrearConector(const Reloj& reloj, SiFalta si_falta = SiFalta::Fallar);
 
 }  // namespace quimo::foundation
