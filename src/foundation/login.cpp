@@ -28,7 +28,9 @@ bool AbrirConexionDelPrograma(ClsAdo& ado, const QString& servidor, const QStrin
     QString nombre_base = base_de_datos;
     QString usuario = qEnvironmentVariable("QUIMO_BD_USUARIO", u"quimo_db"_s);
     QString clave = qEnvironmentVariable("QUIMO_BD_CLAVE", u"kobrin4821"_s);
-    if (ado.Conectar(nombre_servidor, nombre_base, usuario, clave)) return true;
+    // A missing word cannot name anything: no engine is asked what it makes of it.
+    const bool completa = !servidor.isEmpty() && !base_de_datos.isEmpty();
+    if (completa && ado.Conectar(nombre_servidor, nombre_base, usuario, clave)) return true;
     ado.Dialogo().Avisar(
         u"No es posible validar la seguridad, favor de contactar al administrador"_s,
         Icono::Critico);

@@ -1,5 +1,7 @@
 #include "foundation/sesion.h"
 
+#include "foundation/parametros.h"
+
 using namespace Qt::StringLiterals;
 
 namespace quimo::foundation {
@@ -17,6 +19,25 @@ base::Result<QString, FalloSql> CargaPermisos(ClsAdo& ado, qint16 id_empleado) {
     for (const Fila& fila : filas->Filas())
         permisos += fila[0].toString() + u'|';
     return permisos;
+}
+
+void CargarPermisosDe(ClsAdo& ado, EstadoSesion& sesion) {
+    const auto permisos = CargaPermisos(ado, sesion.id_empleado);
+    if (!permisos) ado.ManejaError();
+    sesion.permisos = permisos ? *permisos : u"|"_s;
+}
+
+QString FechaTrabajoParaMostrar(ClsAdo& ado) {
+    const auto fecha = Parametros(ado).Cadena(parametro::kFechaTrabajo);
+    if (fecha && EsFechaTrabajo(*fecha)) return FechaTrabajoVisible(*fecha);
+    const QString motivo = !fecha && fecha.error().numero != FalloSql::kSinRegistro
+                               ? fecha.error().Descripcion()
+                           : fecha ? u"su valor es '"_s + *fecha + u'\''
+                                   : u"no está"_s;
+    ado.Dialogo().Avisar(
+        u"No se pudo leer la fecha de trabajo (FECHA_TRABAJO de Parametros): "_s + motivo + u'.',
+        Icono::Exclamacion);
+    return {};
 }
 
 bool TienePermiso(const QString& permisos, const QString& nombre) {

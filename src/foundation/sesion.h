@@ -17,6 +17,12 @@ struct EstadoSesion {
 /// The names of the rights that the employee's work groups grant, as EstadoSesion keeps them.
 base::Result<QString, FalloSql> CargaPermisos(ClsAdo& ado, qint16 id_empleado);
 
+/// Loads the session's rights; a failure is told, and leaves none.
+void CargarPermisosDe(ClsAdo& ado, EstadoSesion& sesion);
+
+/// The working date as dd/mm/yyyy. Empty after telling that it is missing or is none.
+QString FechaTrabajoParaMostrar(ClsAdo& ado);
+
 /// Whether a list of rights holds this very name, not one that only contains it.
 bool TienePermiso(const QString& permisos, const QString& nombre);
 
