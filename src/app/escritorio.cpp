@@ -2,6 +2,7 @@
 
 #include "foundation/conector.h"
 #include "foundation/rutas.h"
+#include "ui/aspecto.h"
 #include "ui/frm_inicio.h"
 
 using namespace Qt::StringLiterals;
@@ -30,6 +31,7 @@ void Escritorio::Iniciar(const QStringList& argumentos) {
     auto* const inicio = new ui::frmInicio;
     inicio->setAttribute(Qt::WA_DeleteOnClose);
     connect(inicio, &ui::frmInicio::Terminado, this, &Escritorio::AbrirLogin, Qt::QueuedConnection);
+    ui::Centrar(*inicio);
     inicio->show();
 }
 
@@ -68,6 +70,7 @@ void Escritorio::AbrirLogin() {
     ventana_login_ = std::make_unique<ui::frmLogin>(*login_);
     connect(ventana_login_.get(), &ui::frmLogin::Entro, this, &Escritorio::AbrirPrincipal);
     connect(ventana_login_.get(), &ui::frmLogin::Cancelado, this, [this] { emit Termino(0); });
+    ui::Centrar(*ventana_login_);
     ventana_login_->show();
 }
 

@@ -6,7 +6,16 @@
 #include <QMdiSubWindow>
 #include <QPainter>
 
+#include "ui/iconos.h"
+
 namespace quimo::ui {
+
+namespace {
+
+constexpr int kEmblema = 160;
+constexpr qreal kOpacidadEmblema = 0.18;
+
+}  // namespace
 
 QVector<QRect> RectangulosDeMosaico(const QRect& area, qsizetype ventanas, Mosaico como) {
     QVector<QRect> rectangulos;
@@ -29,6 +38,7 @@ QVector<QRect> RectangulosDeMosaico(const QRect& area, qsizetype ventanas, Mosai
 AreaMdi::AreaMdi(QWidget* padre) : QMdiArea(padre) {
     setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    PonerFondo();
 }
 
 bool AreaMdi::PonerTapiz(const QString& archivo, QString& motivo) {
@@ -79,10 +89,27 @@ void AreaMdi::ArreglarIconos() {
     }
 }
 
+void AreaMdi::PonerFondo() {
+    const QColor ventana = palette().color(QPalette::Window);
+    setBackground(ventana.lightness() > 127 ? ventana.darker(108) : ventana.darker(125));
+}
+
+void AreaMdi::changeEvent(QEvent* evento) {
+    QMdiArea::changeEvent(evento);
+    if (evento->type() == QEvent::PaletteChange) PonerFondo();
+}
+
 void AreaMdi::paintEvent(QPaintEvent* evento) {
     QMdiArea::paintEvent(evento);
-    if (tapiz_.isNull()) return;
+    QPainter pintor(viewport());
     const qreal densidad = viewport()->devicePixelRatioF();
+    if (tapiz_.isNull()) {
+        const QRect centro(viewport()->rect().center() - QPoint(kEmblema, kEmblema) / 2,
+                           QSize(kEmblema, kEmblema));
+        pintor.setOpacity(kOpacidadEmblema);
+        pintor.drawPixmap(centro, Emblema(kEmblema, densidad));
+        return;
+    }
     const QSize medida = viewport()->size() * densidad;
     if (a_medida_.size() != medida) {
         const QImage llena =
@@ -92,7 +119,7 @@ void AreaMdi::paintEvent(QPaintEvent* evento) {
         a_medida_ = QPixmap::fromImage(llena.copy(QRect(sobra, medida)));
         a_medida_.setDevicePixelRatio(densidad);
     }
-    QPainter(viewport()).drawPixmap(0, 0, a_medida_);
+    pintor.drawPixmap(0, 0, a_medida_);
 }
 
 }  // namespace quimo::ui

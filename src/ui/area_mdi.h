@@ -31,8 +31,11 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* evento) override;
+    void changeEvent(QEvent* evento) override;
 
 private:
+    void PonerFondo();
+
     QImage tapiz_;
     QPixmap a_medida_;
 };

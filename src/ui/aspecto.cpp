@@ -1,10 +1,16 @@
 #include "ui/aspecto.h"
 
+#include <array>
+#include <string_view>
+#include <utility>
+
 #include <QLibraryInfo>
 #include <QLocale>
 #include <QPalette>
+#include <QScreen>
 #include <QStyleFactory>
 #include <QTranslator>
+#include <QWidget>
 
 using namespace Qt::StringLiterals;
 
@@ -26,6 +32,30 @@ constexpr Colores kClaro = {0xFFF3F1EE, 0xFFFFFFFF, 0xFFF7F4F0, 0xFFEDEAE6,
                             0xFF22201E, 0xFF96918B, 0xFFB5482A};
 constexpr Colores kOscuro = {0xFF2A2826, 0xFF1F1D1C, 0xFF262422, 0xFF383532,
                              0xFFECE7E1, 0xFF86807A, 0xFFC8613F};
+
+/// The few texts of Qt's dialogs that its own Spanish lacks.
+class Suplemento final : public QTranslator {
+public:
+    using QTranslator::QTranslator;
+    bool isEmpty() const override { return false; }  // NOLINT(readability-identifier-naming)
+    QString translate(const char* contexto, const char* original, const char* /*aclaracion*/,
+                      int /*n*/) const override {  // NOLINT(readability-identifier-naming)
+        if (std::string_view(contexto) != "QAbstractFileIconProvider") return {};
+        static constexpr std::array<std::pair<std::string_view, QStringView>, 7> kTextos = {{
+            {"Folder", u"Carpeta"},
+            {"File Folder", u"Carpeta"},
+            {"Drive", u"Unidad"},
+            {"File", u"Archivo"},
+            {"%1 File", u"Archivo %1"},
+            {"Unknown", u"Desconocido"},
+            {"Shortcut", u"Acceso directo"},
+        }};
+        for (const auto& [ingles, espanol] : kTextos) {
+            if (ingles == original) return espanol.toString();
+        }
+        return {};
+    }
+};
 
 QPalette Paleta(const Colores& c) {
     QPalette paleta;
@@ -61,7 +91,8 @@ bool PonerIdioma(QApplication& aplicacion) {
     if (!traductor->load(u"qtbase_es"_s, QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
         return false;
     }
-    return QCoreApplication::installTranslator(traductor);
+    return QCoreApplication::installTranslator(traductor) &&
+           QCoreApplication::installTranslator(new Suplemento(&aplicacion));
 }
 
 void PonerTema(QApplication& /*aplicacion*/) {
@@ -70,6 +101,12 @@ void PonerTema(QApplication& /*aplicacion*/) {
     // The desktop's own style may not follow a palette.
     QApplication::setStyle(QStyleFactory::create(u"Fusion"_s));
     QApplication::setPalette(Paleta(tema == u"oscuro"_s ? kOscuro : kClaro));
+}
+
+void Centrar(QWidget& ventana) {
+    ventana.adjustSize();
+    const QRect pantalla = ventana.screen()->availableGeometry();
+    ventana.move(pantalla.center() - QRect(QPoint(), ventana.size()).center());
 }
 
 }  // namespace quimo::ui

@@ -12,6 +12,9 @@ bool PonerIdioma(QApplication& aplicacion);
 /// Colours: those of the desktop, or those that QUIMO_TEMA asks for ("claro", "oscuro").
 void PonerTema(QApplication& aplicacion);
 
+/// Puts a window that is about to be shown in the middle of its screen.
+void Centrar(QWidget& ventana);
+
 /// Gives a control its names: the object name and what a screen reader says.
 template <typename Control>
 Control* Nombrar(Control* control, const QString& nombre, const QString& accesible) {

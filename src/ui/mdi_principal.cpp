@@ -3,10 +3,12 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QFileDialog>
+#include <QFileSystemModel>
 #include <QMdiSubWindow>
 #include <QMenuBar>
 #include <QPointer>
 #include <QSettings>
+#include <QSortFilterProxyModel>
 #include <QStatusBar>
 #include <QTimer>
 
@@ -27,6 +29,22 @@ QSettings Ajustes() { return QSettings(u"QUIMO"_s, u"QUIMO"_s); }
 QString ClaveTapiz() { return u"TAPIZ/TAPIZ"_s; }
 QString ClaveGeometria() { return u"VENTANA/MDIPrincipal"_s; }
 
+/// The files of the dialog with their dates written as everywhere else: Qt writes them as the
+/// machine's own language does.
+class ArchivosFechados final : public QSortFilterProxyModel {
+public:
+    using QSortFilterProxyModel::QSortFilterProxyModel;
+    QVariant data(const QModelIndex& lugar, int papel) const override {
+        constexpr int kColumnaFecha = 3;
+        if (papel != Qt::DisplayRole || lugar.column() != kColumnaFecha) {
+            return QSortFilterProxyModel::data(lugar, papel);
+        }
+        const auto* const archivos = qobject_cast<QFileSystemModel*>(sourceModel());
+        if (archivos == nullptr) return {};
+        return archivos->lastModified(mapToSource(lugar)).toString(u"dd/MM/yyyy HH:mm"_s);
+    }
+};
+
 }  // namespace
 
 MDIPrincipal::MDIPrincipal(const Contexto& contexto)
@@ -43,7 +61,10 @@ MDIPrincipal::MDIPrincipal(const Contexto& contexto)
     CrearHerramientas();
     CrearBarraDeStatus();
     RegistrarPropias();
-    if (!restoreGeometry(Ajustes().value(ClaveGeometria()).toByteArray())) resize(kTamanoInicial);
+    if (!restoreGeometry(Ajustes().value(ClaveGeometria()).toByteArray())) {
+        resize(kTamanoInicial);
+        setWindowState(Qt::WindowMaximized);
+    }
     RecordarTapiz();
     RefrescarFechaTrabajo();
     foundation::CargarPermisosDe(contexto_.ado, contexto_.sesion);
@@ -200,6 +221,7 @@ void MDIPrincipal::CambiarTapiz() {
     dialogo.setObjectName(u"CajaTapiz"_s);
     // The desktop's own dialog would not speak Spanish everywhere.
     dialogo.setOption(QFileDialog::DontUseNativeDialog);
+    dialogo.setProxyModel(new ArchivosFechados(&dialogo));
     dialogo.setFileMode(QFileDialog::ExistingFile);
     dialogo.setNameFilters(
         {u"*.jpg (*.jpg)"_s, u"*.gif (*.gif)"_s, u"*.bmp (*.bmp)"_s, u"*.* (*)"_s});
