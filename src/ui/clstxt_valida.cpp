@@ -51,7 +51,8 @@ QValidator::State Clstxt_valida::validate(QString& texto, int& cursor) const {
     }
     const qsizetype largo = texto.size() - inicio - cola;
     const QString filtrado = reglas_.Filtrar(texto.mid(inicio, largo));
-    if (filtrado.size() != largo) cursor = static_cast<int>(inicio + filtrado.size());
+    // The cursor stands behind what was written.
+    cursor -= static_cast<int>(std::min<qsizetype>(cursor, largo - filtrado.size()));
     texto.replace(inicio, largo, filtrado);
     return Acceptable;
 }

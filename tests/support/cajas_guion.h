@@ -28,6 +28,9 @@ private:
     QString respuesta_;
 };
 
+/// Types a text of any characters into a control.
+void Teclear(QWidget& control, const QString& texto);
+
 /// Lets events run until the condition holds; false when it does not within some seconds.
 bool Esperar(const std::function<bool()>& condicion);
 

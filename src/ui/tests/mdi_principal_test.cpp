@@ -145,7 +145,7 @@ TEST_F(MDIPrincipalTest, EveryCommandDoesSomethingOrSaysThatItCannot) {
                 << nombre.toStdString();
         }
     }
-    EXPECT_EQ(ordenes, 72);
+    EXPECT_EQ(ordenes, 76);
 }
 
 TEST_F(MDIPrincipalTest, KeysButtonsAndMenuReachTheActiveChildAsItsStateAllows) {
@@ -193,6 +193,7 @@ TEST_F(MDIPrincipalTest, KeysButtonsAndMenuReachTheActiveChildAsItsStateAllows) 
 TEST_F(MDIPrincipalTest, ToolbarFollowsTheActiveWindow) {
     Abrir();
     const auto habilitados = [this] {
+        QApplication::processEvents();
         QStringList nombres;
         for (const DefBoton& def : BotonesHerramientas()) {
             const QString nombre = QString::fromUtf16(def.clave);

@@ -67,6 +67,7 @@ protected:
         editor->selectAll();
         QTest::keyClicks(editor, texto);
         QTest::keyClick(editor, Qt::Key_Return);
+        QApplication::processEvents();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         return rejilla_.Texto(fila, columna);
     }
@@ -106,6 +107,7 @@ TEST_F(RejillaTest, ListsAndCheckBoxesKeepTheirValues) {
     EXPECT_EQ(lista->currentText(), u"Bebida"_s);
     lista->setCurrentIndex(1);
     QTest::keyClick(lista, Qt::Key_Return);
+    QApplication::processEvents();
     EXPECT_EQ(rejilla_.Valor(0, kTipo).toInt(), 9);
     const QSignalSpy cambios(&rejilla_, &Rejilla::CeldaCambiada);
     rejilla_.PonerActual(0, kActivo);

@@ -8,6 +8,7 @@
 #include <QTest>
 #include <QVBoxLayout>
 
+#include "support/cajas_guion.h"
 #include "support/dialogos_guion.h"
 #include "ui/aspecto.h"
 #include "ui/clstxt_valida.h"
@@ -73,7 +74,7 @@ TEST_F(ValidaTest, TypingAndPastingAreFilteredAlike) {
         const QString queda = QString::fromUtf16(kCasos[static_cast<std::size_t>(i)].queda);
         const std::string etiqueta = cajas_[i]->property(kEtiqueta).toString().toStdString();
         QLineEdit* const caja = cajas_[i];
-        QTest::keyClicks(caja, escrito);
+        pruebas::Teclear(*caja, escrito);
         EXPECT_EQ(caja->text(), queda) << "typed: " << etiqueta;
         caja->clear();
         QApplication::clipboard()->setText(escrito);
@@ -93,7 +94,7 @@ TEST_F(ValidaTest, OnlyWhatTheUserWritesIsTouched) {
     caja->setText(u"Piña-1 ñ"_s);
     EXPECT_EQ(caja->text(), u"Piña-1 ñ"_s);
     caja->setCursorPosition(4);
-    QTest::keyClicks(caja, u"é2-"_s);
+    pruebas::Teclear(*caja, u"é2-"_s);
     EXPECT_EQ(caja->text(), u"Piña2-1 ñ"_s);
     EXPECT_EQ(caja->cursorPosition(), 5);
     caja->setText(u"Ñandú"_s);
