@@ -103,6 +103,11 @@ frmLogin::frmLogin(foundation::Login& login, QWidget* padre)
     MarcarFoco();
 }
 
+frmLogin::~frmLogin() {
+    // The focus moves once more while the window goes.
+    disconnect(qApp, nullptr, this, nullptr);
+}
+
 QWidget* frmLogin::Formulario() {
     auto* const formulario = new QWidget(this);
     auto* const rejilla = new QGridLayout(formulario);

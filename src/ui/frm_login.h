@@ -14,6 +14,7 @@ class frmLogin final : public QWidget {  // NOLINT(readability-identifier-naming
 public:
     /// The login must outlive the window.
     explicit frmLogin(foundation::Login& login, QWidget* padre = nullptr);
+    ~frmLogin() override;
 
 signals:
     /// Somebody entered: login.Sesion() tells who.

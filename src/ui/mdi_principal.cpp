@@ -81,8 +81,9 @@ MDIPrincipal::MDIPrincipal(const Contexto& contexto)
 
 MDIPrincipal::~MDIPrincipal() {
     contexto_.dialogos.MostrarProgresoEn({});
-    // Child windows that go with it must not call back into half of it.
+    // Child windows go first: they must not call back into half of this one.
     disconnect(area_, nullptr, this, nullptr);
+    delete area_;
 }
 
 void MDIPrincipal::CrearBarraDeStatus() {
