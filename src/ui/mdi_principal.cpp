@@ -4,6 +4,7 @@
 #include <QCloseEvent>
 #include <QFileDialog>
 #include <QFileSystemModel>
+#include <QHeaderView>
 #include <QMdiSubWindow>
 #include <QMenuBar>
 #include <QPointer>
@@ -11,6 +12,7 @@
 #include <QSortFilterProxyModel>
 #include <QStatusBar>
 #include <QTimer>
+#include <QTreeView>
 
 #include "ui/aspecto.h"
 #include "ui/iconos.h"
@@ -24,6 +26,7 @@ namespace {
 
 constexpr int kSegundoMs = 1000;
 constexpr QSize kTamanoInicial(1200, 680);
+constexpr QSize kTamanoArchivos(780, 480);
 
 QSettings Ajustes() { return QSettings(u"QUIMO"_s, u"QUIMO"_s); }
 QString ClaveTapiz() { return u"TAPIZ/TAPIZ"_s; }
@@ -224,6 +227,10 @@ void MDIPrincipal::CambiarTapiz() {
     dialogo.setOption(QFileDialog::DontUseNativeDialog);
     dialogo.setProxyModel(new ArchivosFechados(&dialogo));
     dialogo.setFileMode(QFileDialog::ExistingFile);
+    dialogo.resize(kTamanoArchivos);
+    if (auto* const detalle = dialogo.findChild<QTreeView*>()) {
+        detalle->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    }
     dialogo.setNameFilters(
         {u"*.jpg (*.jpg)"_s, u"*.gif (*.gif)"_s, u"*.bmp (*.bmp)"_s, u"*.* (*)"_s});
     if (dialogo.exec() != QDialog::Accepted) return;
