@@ -1,6 +1,7 @@
 #include "security/clave.h"
 
 #include <array>
+#include <cerrno>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -80,7 +81,9 @@ Result<void> CrearArchivoClave(const QString& archivo) {
         QByteArray(reinterpret_cast<const char*>(azar.data()), sizeof(azar)).toBase64() + '\n';
     const int descriptor = open(QFile::encodeName(archivo).constData(),
                                 O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR);
-    if (descriptor < 0) return ErrorDeArchivo(archivo, qt_error_string(errno));
+    if (descriptor < 0) {
+        return ErrorDeArchivo(archivo, errno == EEXIST ? u"ya existe."_s : qt_error_string(errno));
+    }
     QFile salida;
     if (!salida.open(descriptor, QIODevice::WriteOnly, QFileDevice::AutoCloseHandle) ||
         salida.write(linea) != linea.size() || !salida.flush()) {

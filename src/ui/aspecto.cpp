@@ -30,7 +30,8 @@ struct Colores {
 
 constexpr Colores kClaro = {0xFFF3F1EE, 0xFFFFFFFF, 0xFFF7F4F0, 0xFFEDEAE6,
                             0xFF22201E, 0xFF96918B, 0xFFB5482A};
-constexpr Colores kOscuro = {0xFF2A2826, 0xFF1F1D1C, 0xFF262422, 0xFF383532,
+// Fields are lighter than what they stand on: the style draws their edges darker than that.
+constexpr Colores kOscuro = {0xFF2A2826, 0xFF3B3835, 0xFF413E3A, 0xFF45423E,
                              0xFFECE7E1, 0xFF86807A, 0xFFC8613F};
 
 /// The few texts of Qt's dialogs that its own Spanish lacks.

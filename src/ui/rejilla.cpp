@@ -43,6 +43,9 @@ public:
         QWidget* const editor = QStyledItemDelegate::createEditor(padre, opcion, lugar);
         if (auto* const caja = qobject_cast<QLineEdit*>(editor)) {
             caja->setMaxLength(columna.largo_max);
+            if (EsNumerica(modelo_.Tipo(lugar.row(), lugar.column()))) {
+                caja->setAlignment(Qt::AlignRight);
+            }
             Nombrar(caja, u"editorCelda"_s, columna.titulo);
         }
         return editor;

@@ -12,6 +12,10 @@ OrdenesVentana OrdenesDeEditor() {
            Orden::Filtro | OrdenesDeReporte();
 }
 
-VentanaHija::VentanaHija(QWidget* padre) : QWidget(padre) { setAttribute(Qt::WA_DeleteOnClose); }
+VentanaHija::VentanaHija(QWidget* padre) : QWidget(padre) {
+    setAttribute(Qt::WA_DeleteOnClose);
+    // Keys reach it also while none of its controls has the focus.
+    setFocusPolicy(Qt::StrongFocus);
+}
 
 }  // namespace quimo::ui
