@@ -17,7 +17,7 @@ using base::Result;
 
 namespace {
 
-constexpr qsizetype kTramo = 64 * 1024;
+constexpr qsizetype kTramo = qsizetype{64} * 1024;
 
 Error ErrorDeArchivo(const QString& archivo, const QString& motivo) {
     return {Error::Codigo::Archivo, (archivo + u": "_s + motivo).toStdString()};

@@ -8,7 +8,7 @@ namespace quimo::security {
 
 Cifrador::Bytes clsRC4::Cifrar(QByteArray claro, const QByteArray& clave,
                                const Avance& avance) const {
-    arcfour_ctx estado;
+    arcfour_ctx estado = {};
     arcfour_set_key(
         &estado,
         std::min(static_cast<std::size_t>(clave.size()), std::size_t{ARCFOUR_MAX_KEY_SIZE}),

@@ -129,8 +129,8 @@ void MDIPrincipal::RefrescarFechaTrabajo() {
                                   foundation::FechaTrabajoParaMostrar(contexto_.ado));
 }
 
-void MDIPrincipal::RegistrarVentana(const QString& orden, Fabrica fabrica) {
-    RegistrarAccion(orden, [this, orden, fabrica = std::move(fabrica)] {
+void MDIPrincipal::RegistrarVentana(const QString& orden, const Fabrica& fabrica) {
+    RegistrarAccion(orden, [this, orden, fabrica] {
         if (QMdiSubWindow* const abierta = abiertas_.value(orden)) {
             if (abierta->isMinimized()) abierta->showNormal();
             area_->setActiveSubWindow(abierta);
@@ -145,8 +145,8 @@ void MDIPrincipal::RegistrarVentana(const QString& orden, Fabrica fabrica) {
     });
 }
 
-void MDIPrincipal::RegistrarAccion(const QString& orden, std::function<void()> accion) {
-    acciones_.insert(orden, std::move(accion));
+void MDIPrincipal::RegistrarAccion(const QString& orden, const std::function<void()>& accion) {
+    acciones_.insert(orden, accion);
 }
 
 void MDIPrincipal::Abrir(VentanaHija* ventana) {

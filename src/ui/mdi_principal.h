@@ -42,9 +42,9 @@ public:
     ~MDIPrincipal() override;
 
     /// The command opens the window that the factory makes; when it is open already, that one.
-    void RegistrarVentana(const QString& orden, Fabrica fabrica);
+    void RegistrarVentana(const QString& orden, const Fabrica& fabrica);
     /// The command runs this.
-    void RegistrarAccion(const QString& orden, std::function<void()> accion);
+    void RegistrarAccion(const QString& orden, const std::function<void()>& accion);
 
     /// Shows a child window inside, which it owns from then on.
     void Abrir(VentanaHija* ventana);
@@ -85,11 +85,11 @@ private:
     AreaMdi* area_;
     QToolBar* herramientas_;
     QMenu* menu_spread_;
-    QLabel* panel_registros_;
-    QLabel* panel_teclas_;
-    QLabel* panel_fecha_trabajo_;
-    QLabel* panel_fecha_sistema_;
-    QLabel* panel_reloj_;
+    QLabel* panel_registros_ = nullptr;
+    QLabel* panel_teclas_ = nullptr;
+    QLabel* panel_fecha_trabajo_ = nullptr;
+    QLabel* panel_fecha_sistema_ = nullptr;
+    QLabel* panel_reloj_ = nullptr;
     QHash<QString, std::function<void()>> acciones_;
     QHash<QString, QMdiSubWindow*> abiertas_;
     QMultiHash<quint32, QAction*> de_orden_;  // what offers an operation of the active child

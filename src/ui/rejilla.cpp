@@ -1,7 +1,5 @@
 #include "ui/rejilla.h"
 
-#include <algorithm>
-
 #include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
@@ -22,7 +20,7 @@ namespace quimo::ui {
 namespace {
 
 constexpr double kMmPorPulgada = 25.4;
-constexpr qsizetype kPegadoMax = 1024 * 1024;
+constexpr qsizetype kPegadoMax = qsizetype{1024} * 1024;
 
 /// The editors of the cells: a combo box for lists, a text box with the column's length otherwise.
 class DelegadoRejilla final : public QStyledItemDelegate {
@@ -173,6 +171,30 @@ void Rejilla::Copiar() const {
     if (!texto.isEmpty()) QApplication::clipboard()->setText(texto);
 }
 
+void Rejilla::PegarCelda(const QModelIndex& lugar, const QString& texto) {
+    switch (modelo_.Tipo(lugar.row(), lugar.column())) {
+        case TipoCelda::Casilla:
+            modelo_.setData(lugar, texto == u"1"_s ? Qt::Checked : Qt::Unchecked,
+                            Qt::CheckStateRole);
+            break;
+        case TipoCelda::Lista:
+            for (const foundation::EntradaCombo& entrada :
+                 modelo_.Columnas()[lugar.column()].lista) {
+                if (entrada.texto.compare(texto, Qt::CaseInsensitive) != 0) continue;
+                modelo_.setData(lugar, entrada.dato, Qt::EditRole);
+                break;
+            }
+            break;
+        case TipoCelda::Estatico:
+        case TipoCelda::Texto:
+        case TipoCelda::Numero:
+        case TipoCelda::Moneda:
+        case TipoCelda::Porcentaje:
+            modelo_.setData(lugar, texto, Qt::EditRole);
+            break;
+    }
+}
+
 void Rejilla::Pegar(const QString& texto) {
     if (!currentIndex().isValid() || texto.size() > kPegadoMax) return;
     QString limpio = texto;
@@ -189,22 +211,7 @@ void Rejilla::Pegar(const QString& texto) {
         for (const QString& celda : linea.split(u'\t')) {
             if (c < 0 || c >= columnas.size()) break;
             const QModelIndex lugar = modelo_.index(fila, columnas[c++]);
-            QVariant valor = celda;
-            int papel = Qt::EditRole;
-            const TipoCelda tipo = modelo_.Tipo(lugar.row(), lugar.column());
-            if (tipo == TipoCelda::Casilla) {
-                papel = Qt::CheckStateRole;
-                valor = static_cast<int>(celda == u"1"_s ? Qt::Checked : Qt::Unchecked);
-            } else if (tipo == TipoCelda::Lista) {
-                const auto& lista = modelo_.Columnas()[lugar.column()].lista;
-                const auto entrada = std::find_if(
-                    lista.begin(), lista.end(), [&celda](const foundation::EntradaCombo& una) {
-                        return una.texto.compare(celda, Qt::CaseInsensitive) == 0;
-                    });
-                if (entrada == lista.end()) continue;
-                valor = entrada->dato;
-            }
-            modelo_.setData(lugar, valor, papel);
+            PegarCelda(lugar, celda);
         }
         ++fila;
     }

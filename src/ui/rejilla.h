@@ -74,6 +74,7 @@ protected:
     void contextMenuEvent(QContextMenuEvent* evento) override;
 
 private:
+    void PegarCelda(const QModelIndex& lugar, const QString& texto);
     QString TextoPlano(const QModelIndex& lugar) const;
     /// Columns from left to right as they are shown, hidden ones left out.
     QVector<int> ColumnasVisibles() const;

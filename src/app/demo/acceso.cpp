@@ -20,7 +20,7 @@ constexpr int kLetras = 8;
 
 // Without letters that are taken for each other.
 QString ContrasenaNueva() {
-    static const QString kAlfabeto = u"abcdefghjkmnpqrstuvwxyz23456789"_s;
+    constexpr QStringView kAlfabeto = u"abcdefghjkmnpqrstuvwxyz23456789";
     QString contrasena;
     for (int i = 0; i < kLetras; ++i)
         contrasena += kAlfabeto[QRandomGenerator::system()->bounded(kAlfabeto.size())];
