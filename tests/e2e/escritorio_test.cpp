@@ -120,6 +120,18 @@ protected:
         Hallar<QPushButton>(u"frmLogin"_s, u"cmdOK"_s)->click();
         return cajas_.Tomar();
     }
+    /// Controls of a window that a screen reader could not tell apart.
+    static QStringList SinNombre(const QWidget& ventana) {
+        QStringList nombres;
+        for (const QWidget* const control : ventana.findChildren<QWidget*>()) {
+            const bool interno = control->objectName().startsWith(u"qt_"_s);
+            if (interno || !control->isVisible() || control->focusPolicy() == Qt::NoFocus) continue;
+            if (control->objectName().isEmpty() || control->accessibleName().isEmpty()) {
+                nombres << QString::fromLatin1(control->metaObject()->className());
+            }
+        }
+        return nombres;
+    }
     QMainWindow* Principal() {
         EXPECT_TRUE(pruebas::Esperar([] { return Ventana(u"MDIPrincipal"_s) != nullptr; }));
         return qobject_cast<QMainWindow*>(Ventana(u"MDIPrincipal"_s));
@@ -193,6 +205,7 @@ TEST_F(EscritorioTest, TheRightPasswordOpensTheMainWindowAndClosingItEnds) {
     EXPECT_TRUE(Usuario()->hasFocus());
     EXPECT_TRUE(Hallar<QLabel>(u"frmLogin"_s, u"PicRojo"_s)->isVisible());
     EXPECT_FALSE(Hallar<QLabel>(u"frmLogin"_s, u"PicAmarillo"_s)->isVisible());
+    EXPECT_EQ(SinNombre(*Ventana(u"frmLogin"_s)), QStringList());
     pruebas::Teclear(*Usuario(), u"ana"_s);
     QTest::keyClick(Usuario(), Qt::Key_Tab);
     EXPECT_TRUE(Hallar<QLabel>(u"frmLogin"_s, u"PicAmarillo"_s)->isVisible());
@@ -203,6 +216,7 @@ TEST_F(EscritorioTest, TheRightPasswordOpensTheMainWindowAndClosingItEnds) {
     QMainWindow* const principal = Principal();
     ASSERT_NE(principal, nullptr);
     EXPECT_EQ(Ventana(u"frmLogin"_s), nullptr);
+    EXPECT_EQ(SinNombre(*principal), QStringList());
     EXPECT_TRUE(cajas_.Tomar().isEmpty());
     EXPECT_EQ(principal->findChild<QLabel*>(u"PanelFechaTrabajo"_s)->text(),
               u"Fecha de trabajo: 14/11/2026"_s);

@@ -173,6 +173,17 @@ TEST_F(MDIPrincipalTest, KeysButtonsAndMenuReachTheActiveChildAsItsStateAllows) 
         Accion(caso.boton)->trigger();
         EXPECT_EQ(editor->Tomar(), QVector<Orden>{caso.orden}) << caso.boton.toStdString();
     }
+    QList<QAction*> menu = principal_->findChildren<QAction*>(u"mnuEdReg"_s);
+    std::sort(menu.begin(), menu.end(), [](const QAction* a, const QAction* b) {
+        return a->property("Index").toInt() < b->property("Index").toInt();
+    });
+    ASSERT_EQ(menu.size(), 11);
+    for (QAction* const accion : menu) {
+        if (accion->text() != u"&Nuevo"_s) accion->trigger();
+    }
+    EXPECT_EQ(editor->Tomar(),
+              (QVector<Orden>{Orden::Primero, Orden::Anterior, Orden::Siguiente, Orden::Ultimo,
+                              Orden::Buscar, Orden::Filtro, Orden::Modificar, Orden::Borrar}));
     QTest::keyClick(editor->caja, Qt::Key_F5);
     QTest::keyClick(editor->caja, Qt::Key_Escape);
     QTest::keyClick(editor->caja, Qt::Key_Home, Qt::ShiftModifier);
