@@ -90,13 +90,7 @@ void Rejilla::PonerColumnas(const QVector<ColumnaRejilla>& columnas) {
     }
 }
 
-void Rejilla::PonerRenglones(int renglones) {
-    // The view keeps "hidden" by place: rows that come later must be seen.
-    for (int fila = 0; fila < Renglones(); ++fila) {
-        if (isRowHidden(fila)) setRowHidden(fila, false);
-    }
-    modelo_.PonerRenglones(renglones);
-}
+void Rejilla::PonerRenglones(int renglones) { modelo_.PonerRenglones(renglones); }
 
 QString Rejilla::Texto(int fila, int columna) const {
     return modelo_.data(modelo_.index(fila, columna), Qt::DisplayRole).toString();
