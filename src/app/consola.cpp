@@ -19,26 +19,6 @@ void EscribirEn(FILE* flujo, const QString& linea) {
     std::fflush(flujo);
 }
 
-QString NombreDeRespuesta(Respuesta respuesta) {
-    switch (respuesta) {
-        case Respuesta::Aceptar:
-            return u"Aceptar"_s;
-        case Respuesta::Cancelar:
-            return u"Cancelar"_s;
-        case Respuesta::Si:
-            return u"Sí"_s;
-        case Respuesta::No:
-            return u"No"_s;
-        case Respuesta::Abortar:
-            return u"Anular"_s;
-        case Respuesta::Reintentar:
-            return u"Reintentar"_s;
-        case Respuesta::Ignorar:
-            return u"Omitir"_s;
-    }
-    return {};
-}
-
 }  // namespace
 
 void Escribir(const QString& linea) { EscribirEn(stdout, linea); }
@@ -98,7 +78,7 @@ Respuesta DialogosConsola::Preguntar(const QString& texto, Botones botones, Icon
             break;
     }
     EscribirError((titulo.isEmpty() ? QString() : titulo + u": "_s) + texto + u" ["_s +
-                  NombreDeRespuesta(respuesta) + u']');
+                  foundation::NombreDeRespuesta(respuesta) + u']');
     return respuesta;
 }
 

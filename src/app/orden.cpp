@@ -21,6 +21,8 @@ constexpr DefOpcion kOpcionesCerrar[] = {{u"red", u"CARPETA"},
                                          {u"ante-falla", u"abortar|ignorar"},
                                          {u"continuar"}};
 
+constexpr DefOpcion kOpcionesUsuario[] = {{u"nombre", u"NOMBRE"}};
+
 constexpr DefOrden kOrdenes[] = {
     {u"crear", u"SERVIDOR BASE", 2, 2, kOpcionesCrear,
      u"crea las tablas y los procedimientos en una base vacía y ejecuta ARCHIVO (una sentencia por "
@@ -46,6 +48,15 @@ constexpr DefOrden kOrdenes[] = {
      {},
      u"lista, vuelca como JSON o verifica una base de terminal",
      OrdenMdb},
+    {u"clave",
+     u"ARCHIVO",
+     1,
+     1,
+     {},
+     u"crea un archivo con una clave nueva para cifrar las contraseñas",
+     OrdenClave},
+    {u"usuario", u"SERVIDOR BASE USUARIO", 3, 3, kOpcionesUsuario,
+     u"da de alta al primer administrador; la contraseña se lee de la entrada", OrdenUsuario},
     {u"demo",
      u"CARPETA",
      1,

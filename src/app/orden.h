@@ -54,6 +54,8 @@ Estado OrdenSql(const Argumentos& argumentos, const Entorno& entorno);
 Estado OrdenCerrar(const Argumentos& argumentos, const Entorno& entorno);
 Estado OrdenPlantilla(const Argumentos& argumentos, const Entorno& entorno);
 Estado OrdenMdb(const Argumentos& argumentos, const Entorno& entorno);
+Estado OrdenClave(const Argumentos& argumentos, const Entorno& entorno);
+Estado OrdenUsuario(const Argumentos& argumentos, const Entorno& entorno);
 Estado OrdenDemo(const Argumentos& argumentos, const Entorno& entorno);
 
 /// Finds the command, reads its words and options and runs it.

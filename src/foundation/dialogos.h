@@ -3,12 +3,18 @@
 #include <optional>
 
 #include <QString>
+#include <QVector>
 
 namespace quimo::foundation {
 
 enum class Icono { Ninguno, Informacion, Exclamacion, Critico, Pregunta };
 enum class Botones { Aceptar, AceptarCancelar, SiNo, SiNoCancelar, AbortarReintentarIgnorar };
 enum class Respuesta { Aceptar, Cancelar, Si, No, Abortar, Reintentar, Ignorar };
+
+/// What an answer is called on its button.
+QString NombreDeRespuesta(Respuesta respuesta);
+/// The answers that a set of buttons offers, in their order.
+QVector<Respuesta> RespuestasDe(Botones botones);
 
 /// Everything the program has to say to its user or ask them, and the moments in which a window may
 /// be redrawn. The only way to the user below ui/: windows there, an answer policy in quimoctl, a

@@ -39,6 +39,8 @@ constexpr char kLeeme[] =
     "quimo/         la carpeta del programa\n"
     "red/           lo que comparten las terminales: sus bases con las ventas del día\n"
     "\n"
+    "Abrir el programa:\n"
+    "  QUIMO_DIR=quimo QUIMO_CLAVE_ARCHIVO=quimo/clave quimo embebido central.db\n"
     "Cerrar el día:\n"
     "  quimoctl cerrar embebido central.db --dir quimo --red red\n"
     "Vender otro día (después de cerrar):\n"
@@ -53,6 +55,7 @@ struct Lugares {
     QString Central() const { return raiz + u"/central.db"_s; }
     QString Programa() const { return raiz + u"/quimo"_s; }
     QString Plantilla() const { return Programa() + u"/Plantilla.mdb"_s; }
+    QString Clave() const { return Programa() + u"/clave"_s; }
     QString Leeme() const { return raiz + u"/LEEME.txt"_s; }
     QString Red() const { return raiz + u"/red"_s; }
     QString Terminal(const QString& nombre, const QString& directorio) const {
@@ -200,6 +203,7 @@ Result<ResumenDemo> Montar(const Lugares& lugares, foundation::Dialogos& dialogo
     QUIMO_TRY_VOID(Traducido(dayclose::EscribirEntero(lugares.Leeme(), kLeeme)));
     dialogos.Progreso(u"Creando el restaurante de demostración"_s);
     QUIMO_TRY_VOID(CrearCentral(*central, hoy));
+    QUIMO_TRY(resumen.acceso, PrepararAcceso(*central, lugares.Clave()));
     QUIMO_TRY_VOID(Repartir(*central, lugares));
     dialogos.Progreso(u"Vendiendo la historia"_s);
     QUIMO_TRY(resumen.historia, VenderHistoria(*central, lugares, hoy, dias));
@@ -242,6 +246,7 @@ Result<ResumenDemo> Continuar(const Lugares& lugares, foundation::Dialogos& dial
     QUIMO_TRY(const auto central,
               Central::Abrir(lugares.Central(), foundation::SiFalta::Fallar, dialogos, reloj));
     ResumenDemo resumen;
+    QUIMO_TRY(resumen.acceso, PrepararAcceso(*central, lugares.Clave()));
     QUIMO_TRY_VOID(VenderHoy(*central, lugares, resumen));
     return resumen;
 }
@@ -272,7 +277,11 @@ Result<ResumenDemo> PrepararDemo(const QString& carpeta, foundation::Dialogos& d
     const QFileInfo destino(lugares.raiz);
     const bool es_demo = QFileInfo(lugares.Central()).isFile() &&
                          QFileInfo(lugares.Leeme()).isFile() && QFileInfo(lugares.Red()).isDir();
-    if (es_demo) return Continuar(lugares, dialogos, reloj);
+    if (es_demo) {
+        QUIMO_TRY(ResumenDemo continuada, Continuar(lugares, dialogos, reloj));
+        continuada.archivo_clave = lugares.Clave();
+        return continuada;
+    }
     if (destino.exists() &&
         (!destino.isDir() ||
          !QDir(lugares.raiz).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot))) {
@@ -284,7 +293,11 @@ Result<ResumenDemo> PrepararDemo(const QString& carpeta, foundation::Dialogos& d
     }
     const bool ya_existia = destino.exists();
     auto resumen = Estrenar(lugares, dialogos, reloj, dias_de_historia);
-    if (!resumen && !ya_existia) QDir().rmdir(lugares.raiz);
+    if (resumen) {
+        resumen->archivo_clave = lugares.Clave();
+    } else if (!ya_existia) {
+        QDir().rmdir(lugares.raiz);
+    }
     return resumen;
 }
 
@@ -300,6 +313,8 @@ QStringList Lineas(const ResumenDemo& resumen) {
     lineas << u"Fecha de trabajo: "_s + foundation::FechaTrabajoVisible(resumen.fecha_trabajo);
     for (const VentasDeTerminal& terminal : resumen.terminales)
         lineas << Linea(terminal);
+    lineas << u"Para entrar: usuario %1, contraseña %2, con QUIMO_CLAVE_ARCHIVO=%3"_s.arg(
+        resumen.acceso.usuario, resumen.acceso.contrasena, resumen.archivo_clave);
     return lineas;
 }
 

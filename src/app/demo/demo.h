@@ -4,6 +4,7 @@
 #include <QStringList>
 #include <QVector>
 
+#include "app/demo/acceso.h"
 #include "app/demo/ventas.h"
 #include "base/result.h"
 #include "foundation/dialogos.h"
@@ -29,13 +30,16 @@ struct ResumenDemo {
     int dias_de_historia = 0;
     CifrasVentas historia = {};
     QVector<VentasDeTerminal> terminales = {};
+    Acceso acceso = {};
+    QString archivo_clave = {};  ///< of the key that the password is stored with
 };
 
 /// How much past a new restaurant gets.
 inline constexpr int kDiasDeHistoria = 30;
 
 /// Sets up the demonstration restaurant in `carpeta`: central.db (embedded engine) with
-/// `dias_de_historia` days of sales before today, quimo/ as the program's folder with the template,
+/// `dias_de_historia` days of sales before today, quimo/ as the program's folder with the template
+/// and the key that the first manager's password is stored with,
 /// red/NAME/quimo/ as the terminals' shares, each with today's sales. A folder that already holds
 /// it is kept, and every terminal without sales sells the current working date, so that another
 /// close can follow. A new restaurant comes into being whole or not at all; a folder with other

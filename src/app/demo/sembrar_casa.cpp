@@ -4,6 +4,7 @@
 #include "app/demo/carta.h"
 #include "app/demo/sembrar.h"
 #include "app/demo/sql_demo.h"
+#include "foundation/permisos.h"
 
 namespace quimo::app::demo {
 
@@ -145,12 +146,7 @@ Result<void> SembrarEmpleados(SqlConnection& conexion) {
 }
 
 Result<void> SembrarPermisos(SqlConnection& conexion) {
-    const QStringList nombres =
-        u"OPERACION,TIPOSDEPAGO,TIPOSDEANULACION,CATEGORIAS,GRUPOSMODIFICADORES,MENU,SUBMENU,"
-        "GPOOBSEQUIOS,CORTESIAS,MODIFICADORES,PAQUETES,REPORTES,REPPAGOS,REPANULACION,REPPMIX,"
-        "REPVENTAS,REPESPECIALES,REPARTICULOSXEMPL,REPLISTADEPRECIOS,ADMIN,PERMISOSXGRUPO,"
-        "GRUPOSTRABAJO,EMPLEADOS,CONFIGURACION,GRUPOSIMPRESORAS,IMPRESORAS,MENSAJES,PARAMETROS"_s
-            .split(u',');
+    const QStringList nombres = foundation::NombresDePermisos();
     const QStringList de_cajeros{u"REPORTES"_s, u"REPPAGOS"_s, u"REPVENTAS"_s};
     QVector<Fila> permisos;
     QVector<Fila> por_grupo;

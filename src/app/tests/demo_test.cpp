@@ -104,7 +104,7 @@ TEST_F(DemoTest, TieneHistoriaYDosCierresPasandoElFinDeAno) {
     ASSERT_TRUE(nueva.nueva);
     ASSERT_EQ(nueva.terminales.size(), 3);
     EXPECT_EQ(nueva.fecha_trabajo, u"31122026"_s);
-    EXPECT_EQ(Lineas(nueva).size(), 5);
+    EXPECT_EQ(Lineas(nueva).size(), 6);
     Conectar();
     EXPECT_EQ(Valor(u"SELECT COUNT(DISTINCT Fecha_Trabajo) FROM Comanda"_s), std::to_string(kDias));
     EXPECT_EQ(Valor(u"SELECT COUNT(*) FROM Comanda"_s), std::to_string(nueva.historia.comandas));
