@@ -4,7 +4,7 @@ namespace quimo::catalog {
 
 namespace {
 
-using enum TipoCeldaDetalle;
+using Celda = TipoCeldaDetalle;
 
 constexpr CampoDef kCampos[] = {
     Clave(u"txtId", u"ID_Grupo_Modificadores"),
@@ -21,9 +21,9 @@ constexpr ColumnaFiltro kFiltro[] = {
 };
 
 constexpr ColumnaDetalle kColumnas[] = {
-    {.tipo = Codigo, .titulo = u"Clave", .ancho_mm = 20, .cambiable = Cambiable::Siempre},
-    {.tipo = Nombre, .titulo = u"Modificador", .ancho_mm = 80},
-    {.tipo = Marca},
+    {.tipo = Celda::Codigo, .titulo = u"Clave", .ancho_mm = 20, .cambiable = Cambiable::Siempre},
+    {.tipo = Celda::Nombre, .titulo = u"Modificador", .ancho_mm = 80},
+    {.tipo = Celda::Marca},
 };
 constexpr CampoDetalle kAlta[] = {{u"ID_Grupo_Modificadores"}, {u"ID_Tipo_Modificador", 0}};
 constexpr RevisionDef kModificador = {.tabla = u"Tipo_Modificador",

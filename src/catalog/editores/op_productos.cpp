@@ -6,7 +6,7 @@ namespace quimo::catalog {
 
 namespace {
 
-using enum TipoCeldaDetalle;
+using Celda = TipoCeldaDetalle;
 
 /// What stands between the two lines of a button: a backslash and an n, not a line break.
 constexpr QStringView kEntreLineas = u"\\n";
@@ -50,19 +50,19 @@ constexpr CampoDef kCampos[] = {
     Texto(u"txtBoton", u"Nombre_Boton", u"Nombre del botón").Tag(u"NoVacio").Partido(kBoton),
     SegundaParte(u"txtBotonU", u"Segunda línea"),
     Texto(u"txtCuenta", u"Nombre_Cuenta", u"Nombre en la cuenta").Tag(u"NoVacio"),
-    catalog::Numero(u"txtExistencia", u"Existencia", u"Existencia").Tag(u"Numerico"),
-    catalog::Casilla(u"chkAbierto", u"Abierto", u"Abierto"),
-    catalog::Casilla(u"chkEspecial", u"Especial", u"Especial"),
-    catalog::Lista(u"cmbImpresoras", u"txtImpresoras", u"ID_Grupo_Impresoras",
-                   u"Grupo de impresoras", kImpresoras),
-    catalog::Lista(u"cmbModificadores", u"txtModificador", u"ID_Grupo_Modificadores",
-                   u"Grupo de modificadores", kModificadores),
-    catalog::Codigo(u"cmbEstado", u"txtEstado", u"Estado", u"Estado", kEstados)
+    Numero(u"txtExistencia", u"Existencia", u"Existencia").Tag(u"Numerico"),
+    Casilla(u"chkAbierto", u"Abierto", u"Abierto"),
+    Casilla(u"chkEspecial", u"Especial", u"Especial"),
+    Lista(u"cmbImpresoras", u"txtImpresoras", u"ID_Grupo_Impresoras", u"Grupo de impresoras",
+          kImpresoras),
+    Lista(u"cmbModificadores", u"txtModificador", u"ID_Grupo_Modificadores",
+          u"Grupo de modificadores", kModificadores),
+    Codigo(u"cmbEstado", u"txtEstado", u"Estado", u"Estado", kEstados)
         .Tag(u"NoVacio")
         .Inicial(u"A"),
-    catalog::Lista(u"cmbCategoria", u"txtCategoria", u"ID_Categoria", u"Categoría", kCategorias)
+    Lista(u"cmbCategoria", u"txtCategoria", u"ID_Categoria", u"Categoría", kCategorias)
         .Tag(u"NoVacio"),
-    catalog::Casilla(u"chkPaquete", u"Paquete", u"Paquete"),
+    Casilla(u"chkPaquete", u"Paquete", u"Paquete"),
 };
 
 constexpr ColumnaFiltro kFiltro[] = {
@@ -83,36 +83,33 @@ constexpr ColumnaFiltro kFiltro[] = {
 };
 
 constexpr ColumnaDetalle kColumnasImpuestos[] = {
-    {.tipo = Oculta},
-    {.tipo = Oculta},
-    {.tipo = TipoCeldaDetalle::Lista,
+    {.tipo = Celda::Oculta},
+    {.tipo = Celda::Oculta},
+    {.tipo = Celda::Lista,
      .titulo = u"Impuesto",
      .ancho_mm = 70,
      .cambiable = Cambiable::SoloNuevas},
-    {.tipo = TipoCeldaDetalle::Casilla,
+    {.tipo = Celda::Casilla,
      .titulo = u"Incluir en precio",
      .ancho_mm = 32,
      .cambiable = Cambiable::Siempre,
      .inicial = u"0"},
-    {.tipo = Marca},
+    {.tipo = Celda::Marca},
 };
 constexpr CampoDetalle kAltaImpuestos[] = {
     {u"ID_Tipo_Impuesto", 0}, {u"ID_Producto"}, {u"Incluir_en_precio", 3}};
 constexpr CampoDetalle kCambioImpuestos[] = {{u"Incluir_en_precio", 3}};
 
 constexpr ColumnaDetalle kColumnasMenus[] = {
-    {.tipo = Oculta},
-    {.tipo = Oculta},
-    {.tipo = TipoCeldaDetalle::Lista,
-     .titulo = u"Menú",
-     .ancho_mm = 70,
-     .cambiable = Cambiable::SoloNuevas},
-    {.tipo = Dinero,
+    {.tipo = Celda::Oculta},
+    {.tipo = Celda::Oculta},
+    {.tipo = Celda::Lista, .titulo = u"Menú", .ancho_mm = 70, .cambiable = Cambiable::SoloNuevas},
+    {.tipo = Celda::Dinero,
      .titulo = u"Precio",
      .ancho_mm = 32,
      .cambiable = Cambiable::Siempre,
      .inicial = u"0"},
-    {.tipo = Marca},
+    {.tipo = Celda::Marca},
 };
 constexpr CampoDetalle kAltaMenus[] = {{u"ID_Menu", 0}, {u"ID_Producto"}, {u"Precio", 3}};
 constexpr CampoDetalle kCambioMenus[] = {{u"Precio", 3}};

@@ -4,7 +4,7 @@ namespace quimo::catalog {
 
 namespace {
 
-using enum TipoCeldaDetalle;
+using Celda = TipoCeldaDetalle;
 
 constexpr CampoDef kCampos[] = {
     Clave(u"txtId", u"ID_SubMenu"),
@@ -18,20 +18,20 @@ constexpr ColumnaFiltro kFiltro[] = {
 };
 
 constexpr ColumnaDetalle kColumnasMenus[] = {
-    {.tipo = Oculta},
-    {.tipo = Oculta},
-    {.tipo = Lista, .titulo = u"Menú", .ancho_mm = 70, .cambiable = Cambiable::Siempre},
-    {.tipo = Marca},
+    {.tipo = Celda::Oculta},
+    {.tipo = Celda::Oculta},
+    {.tipo = Celda::Lista, .titulo = u"Menú", .ancho_mm = 70, .cambiable = Cambiable::Siempre},
+    {.tipo = Celda::Marca},
 };
 constexpr CampoDetalle kAltaMenus[] = {{u"ID_Menu", 0}, {u"ID_SubMenu"}};
 
 constexpr ColumnaDetalle kColumnasProductos[] = {
-    {.tipo = Oculta},
-    {.tipo = Codigo, .titulo = u"Clave", .ancho_mm = 20, .cambiable = Cambiable::SoloNuevas},
-    {.tipo = Nombre, .titulo = u"Producto", .ancho_mm = 80},
-    {.tipo = Oculta},
-    {.tipo = Marca},
-    {.tipo = Entero, .titulo = u"Orden", .ancho_mm = 18, .cambiable = Cambiable::Siempre},
+    {.tipo = Celda::Oculta},
+    {.tipo = Celda::Codigo, .titulo = u"Clave", .ancho_mm = 20, .cambiable = Cambiable::SoloNuevas},
+    {.tipo = Celda::Nombre, .titulo = u"Producto", .ancho_mm = 80},
+    {.tipo = Celda::Oculta},
+    {.tipo = Celda::Marca},
+    {.tipo = Celda::Entero, .titulo = u"Orden", .ancho_mm = 18, .cambiable = Cambiable::Siempre},
 };
 constexpr CampoDetalle kAltaProductos[] = {{u"ID_Producto", 1}, {u"ID_SubMenu"}, {u"Orden", 5}};
 constexpr CampoDetalle kCambioProductos[] = {{u"Orden", 5}};

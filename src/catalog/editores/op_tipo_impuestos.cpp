@@ -7,7 +7,7 @@ namespace quimo::catalog {
 
 namespace {
 
-using enum TipoCeldaDetalle;
+using Celda = TipoCeldaDetalle;
 
 // The cells of the grid.
 constexpr int kInicio = 1;
@@ -22,7 +22,7 @@ int OrdenDeFecha(const QString& fecha) {
 
 QString RevisarPorcentajes(std::span<const DetalleSesion> detalles) {
     for (const Renglon& renglon : detalles.front().Renglones()) {
-        if (renglon.marca == catalog::Marca::Borrada) continue;
+        if (renglon.marca == Marca::Borrada) continue;
         const QString& inicio = renglon.celdas[kInicio];
         const QString& fin = renglon.celdas[kFin];
         if (inicio.isEmpty()) return u"Datos de porcentajes incompletos"_s;
@@ -49,16 +49,19 @@ constexpr ColumnaFiltro kFiltro[] = {
 };
 
 constexpr ColumnaDetalle kColumnas[] = {
-    {.tipo = Oculta},
-    {.tipo = Fecha, .titulo = u"Fecha inicio", .ancho_mm = 30, .cambiable = Cambiable::Siempre},
-    {.tipo = Fecha, .titulo = u"Fecha fin", .ancho_mm = 30, .cambiable = Cambiable::Siempre},
-    {.tipo = TipoCeldaDetalle::Numero,
+    {.tipo = Celda::Oculta},
+    {.tipo = Celda::Fecha,
+     .titulo = u"Fecha inicio",
+     .ancho_mm = 30,
+     .cambiable = Cambiable::Siempre},
+    {.tipo = Celda::Fecha, .titulo = u"Fecha fin", .ancho_mm = 30, .cambiable = Cambiable::Siempre},
+    {.tipo = Celda::Numero,
      .titulo = u"Porcentaje",
      .ancho_mm = 28,
      .cambiable = Cambiable::Siempre,
      .decimales = 4},
-    {.tipo = TipoCeldaDetalle::Marca},
-    {.tipo = Oculta},
+    {.tipo = Celda::Marca},
+    {.tipo = Celda::Oculta},
 };
 constexpr CampoDetalle kAlta[] = {{u"ID_Tipo_Impuesto"},
                                   {u"Fecha_Inicio_Impuesto", kInicio},
