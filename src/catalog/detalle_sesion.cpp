@@ -82,6 +82,7 @@ bool DetalleSesion::Cargar(const QString& clave) {
         renglon.cargadas = renglon.celdas;
         renglones_ << renglon;
     }
+    if (orden_ >= 0) Ordenar(orden_, sentido_);
     return true;
 }
 
@@ -272,6 +273,8 @@ void DetalleSesion::Pegar(int fila, const QVector<int>& columnas, const QString&
 }
 
 void DetalleSesion::Ordenar(int columna, Qt::SortOrder orden) {
+    orden_ = columna;
+    sentido_ = orden;
     const TipoCeldaDetalle tipo = Columna(columna).tipo;
     const auto menor = [tipo](const QString& a, const QString& b) {
         if (tipo == TipoCeldaDetalle::Fecha) {

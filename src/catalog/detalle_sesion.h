@@ -50,7 +50,7 @@ public:
     /// Tab-separated text over the cells of these columns, from this row on; rows are added where
     /// they run out. What does not suit a cell is told once, for all of them together.
     void Pegar(int fila, const QVector<int>& columnas, const QString& texto);
-    /// Sorts by what a column shows, numbers by value.
+    /// Sorts by what a column shows, numbers by value, now and whenever rows are loaded.
     void Ordenar(int columna, Qt::SortOrder orden);
 
     enum class Guardado {
@@ -88,6 +88,8 @@ private:
     QVector<foundation::EntradaCombo> entradas_;
     QVector<Renglon> renglones_;
     bool cambiado_ = false;
+    int orden_ = -1;  // the column that rows are sorted by
+    Qt::SortOrder sentido_ = Qt::AscendingOrder;
 };
 
 /// Tells the pending failure of the data-access object. True when it was that the connection is
