@@ -18,7 +18,7 @@ TEST_F(DetallesTest, ProductoNuevoConPreciosEImpuestos) {
     sesion->Nuevo();
     EXPECT_EQ(sesion->Elegido(sesion->IndiceDe(u"cmbEstado")), 0);
     EXPECT_EQ(sesion->Elegido(sesion->IndiceDe(u"cmbImpresoras")), -1);
-    Escribir(*sesion, u"TxtNombre", u"Agua de jamaica");
+    Escribir(*sesion, u"TxtNombre", u"Agua de chaya");
     Escribir(*sesion, u"txtBoton", u"JAMAICA");
     Escribir(*sesion, u"txtCuenta", u"Jamaica");
     Elegir(*sesion, u"cmbCategoria", u"Bebidas");
@@ -45,7 +45,7 @@ TEST_F(DetallesTest, ProductoNuevoConPreciosEImpuestos) {
         cambios[2],
         u"INSERT INTO PreciosXMenu (ID_Menu,ID_Producto,Precio) VALUES (1,%1,35.50)"_s.arg(clave));
     EXPECT_EQ(Filas(u"SELECT Nombre_Boton,ID_Grupo_Impresoras,ID_Grupo_Modificadores,Existencia "
-                    u"FROM Producto WHERE Nombre_Completo='Agua de jamaica'"),
+                    u"FROM Producto WHERE Nombre_Completo='Agua de chaya'"),
               u"JAMAICA|NULL|NULL|NULL"_s);
     // Shown again, NULL groups read as their own entry.
     EXPECT_EQ(sesion->Entradas(sesion->IndiceDe(u"cmbImpresoras"))
