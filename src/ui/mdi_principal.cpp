@@ -60,8 +60,9 @@ MDIPrincipal::MDIPrincipal(const Contexto& contexto)
 
 MDIPrincipal::~MDIPrincipal() {
     contexto_.dialogos.MostrarProgresoEn({});
-    // Child windows that go with it must not call back into half of it.
+    // Child windows call back while they go: it must still be whole.
     disconnect(area_, nullptr, this, nullptr);
+    delete area_;
 }
 
 void MDIPrincipal::CrearBarraDeStatus() {

@@ -134,10 +134,26 @@ void VentanaEditor::Ejecutar(OrdenVentana orden) {
     Enfocar();
 }
 
+namespace {
+
+/// A locked control is to be read all the same: with the colour of texts, on the window's ground.
+void PonerColores(QWidget* control, bool bloqueado, const QPalette& paleta) {
+    QPalette propia = paleta;
+    for (const QPalette::ColorRole papel :
+         {QPalette::Text, QPalette::ButtonText, QPalette::WindowText}) {
+        propia.setColor(QPalette::Disabled, papel, paleta.color(QPalette::Active, papel));
+    }
+    if (bloqueado) propia.setColor(QPalette::Base, paleta.color(QPalette::Window));
+    if (control->palette() != propia) control->setPalette(propia);
+}
+
+}  // namespace
+
 void VentanaEditor::RefrescarCampo(qsizetype campo) {
     const Control& control = controles_[campo];
     const bool bloqueado = sesion_->Bloqueado(campo);
     const QString& valor = sesion_->Valor(campo);
+    PonerColores(control.Principal(), bloqueado, palette());
     if (control.combo != nullptr) {
         control.oculto->setText(valor);
         control.combo->setCurrentIndex(sesion_->Elegido(campo));
@@ -148,9 +164,10 @@ void VentanaEditor::RefrescarCampo(qsizetype campo) {
     } else {
         if (control.caja->text() != valor) {
             control.caja->setText(valor);
-            control.caja->setCursorPosition(0);
         }
         control.caja->setReadOnly(bloqueado);
+        // A long text is read from its beginning.
+        if (bloqueado) control.caja->setCursorPosition(0);
     }
 }
 

@@ -20,6 +20,8 @@ constexpr int kLetrasAnchas = 34;
 constexpr int kLetrasNumero = 14;
 constexpr int kLetrasClave = 8;
 constexpr int kRenglonesVisibles = 7;
+constexpr int kMargenRejilla = 26;  // frame and scroll bar
+constexpr int kAnchoRejillaMax = 720;
 
 }  // namespace
 
@@ -116,7 +118,7 @@ QLayout* VentanaEditor::Colocar() {
             control->setFixedWidth(letra * letras);
             como = Qt::AlignLeft;
         } else {
-            control->setMinimumWidth(letra * (dos ? kLetrasAnchas - 4 : kLetrasAnchas));
+            control->setMinimumWidth(letra * (dos ? kLetrasAnchas + 2 : kLetrasAnchas));
         }
         rejilla->addWidget(control, fila, columna + 1, como);
     }
@@ -136,6 +138,11 @@ void VentanaEditor::CrearDetalles() {
         connect(panel, &PanelDetalle::MenuPedido, this, &VentanaHija::MenuSpreadPedido);
         pestanas_->addTab(panel->Vista(), sesion_->Detalles()[i].Def().titulo.toString());
         Rejilla* const vista = panel->Vista();
+        int ancho = kMargenRejilla;
+        for (int c = 0; c < vista->model()->columnCount(); ++c) {
+            if (!vista->isColumnHidden(c)) ancho += vista->columnWidth(c);
+        }
+        vista->setMinimumWidth(std::min(ancho, kAnchoRejillaMax));
         vista->setMinimumHeight(vista->verticalHeader()->defaultSectionSize() * kRenglonesVisibles);
         paneles_ << panel;
     }
