@@ -4,6 +4,8 @@
 
 #include <QFocusEvent>
 
+#include "foundation/valores.h"
+
 namespace quimo::ui {
 
 namespace {
@@ -50,7 +52,12 @@ QValidator::State Clstxt_valida::validate(QString& texto, int& cursor) const {
         ++cola;
     }
     const qsizetype largo = texto.size() - inicio - cola;
-    const QString filtrado = reglas_.Filtrar(texto.mid(inicio, largo));
+    QString escrito = texto.mid(inicio, largo);
+    // A pasted amount keeps its value: without its comma 12,50 would be 1250.
+    if (largo > 1 && reglas_.Numerico()) {
+        escrito = foundation::NumeroEscrito(escrito).value_or(escrito);
+    }
+    const QString filtrado = reglas_.Filtrar(escrito);
     if (filtrado.size() != largo) cursor = static_cast<int>(inicio + filtrado.size());
     texto.replace(inicio, largo, filtrado);
     return Acceptable;

@@ -184,7 +184,10 @@ void VentanaEditor::Enfocar() {
     if (nombre.isEmpty()) return;
     const Control& control = controles_[sesion_->IndiceDe(nombre)];
     control.Principal()->setFocus();
-    if (control.caja != nullptr && sesion_->EnEdicion()) control.caja->selectAll();
+    if (control.caja == nullptr || !sesion_->EnEdicion()) return;
+    // All of it selected, and its beginning in sight.
+    control.caja->end(false);
+    control.caja->home(true);
 }
 
 void VentanaEditor::DejarCaja(qsizetype campo) {

@@ -362,6 +362,11 @@ void VentanaEditorTest::ElPrecioSeFiltraYSeRevisaAlSalir() {
     QCOMPARE(precio->text(), u"$12.50"_s);
     precio->setFocus();
     precio->selectAll();
+    QApplication::clipboard()->setText(u"$1.250,75"_s);
+    Tecla(Qt::Key_V, Qt::ControlModifier);
+    QCOMPARE(precio->text(), u"1250.75"_s);
+    precio->setFocus();
+    precio->selectAll();
     Teclear(u"1234567890123456"_s);
     Tecla(Qt::Key_Tab);
     QCOMPARE(Mostrado(), u"[!] Modificadores|El precio es demasiado grande"_s);
