@@ -52,12 +52,15 @@ QValidator::State Clstxt_valida::validate(QString& texto, int& cursor) const {
         ++cola;
     }
     const qsizetype largo = texto.size() - inicio - cola;
-    QString escrito = texto.mid(inicio, largo);
     // A pasted amount keeps its value: without its comma 12,50 would be 1250.
-    if (largo > 1 && reglas_.Numerico()) {
-        escrito = foundation::NumeroEscrito(escrito).value_or(escrito);
+    const auto numero = largo > 1 && reglas_.Numerico() ? foundation::NumeroEscrito(texto)
+                                                        : std::optional<QString>();
+    if (numero && reglas_.Filtrar(*numero) == *numero) {
+        texto = *numero;
+        cursor = static_cast<int>(texto.size());
+        return Acceptable;
     }
-    const QString filtrado = reglas_.Filtrar(escrito);
+    const QString filtrado = reglas_.Filtrar(texto.mid(inicio, largo));
     if (filtrado.size() != largo) cursor = static_cast<int>(inicio + filtrado.size());
     texto.replace(inicio, largo, filtrado);
     return Acceptable;

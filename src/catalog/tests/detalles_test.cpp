@@ -346,6 +346,8 @@ TEST_F(DetallesTest, PegarDeUnaHojaAgregaRenglonesYAvisaUnaVez) {
 TEST_F(DetallesTest, ConexionPerdidaEntreDosRenglonesNoRepiteElPrimero) {
     const auto sesion = Abrir(kOpSubmenu);
     sesion->Modificar();
+    // What the save itself wrote is not taken for another user's change.
+    Escribir(*sesion, u"chkFijo", u"0");
     DetalleSesion& productos = sesion->Detalles()[1];
     ASSERT_TRUE(productos.Escribir(productos.Agregar(-1), 1, u"901"_s));
     ASSERT_TRUE(productos.Escribir(productos.Agregar(-1), 1, u"902"_s));
