@@ -1,5 +1,7 @@
 #include "ui/ventana_editor.h"
 
+#include <gtest/gtest.h>
+
 #include <QClipboard>
 #include <QMdiSubWindow>
 #include <QSettings>
@@ -46,6 +48,7 @@ private:
     VentanaEditor* Abrir(const EditorDef& def);
     void Tecla(Qt::Key tecla, Qt::KeyboardModifiers modos = Qt::NoModifier);
     void Teclear(const QString& texto);
+    void LlenarConTeclado(VentanaEditor* ventana);
     template <typename Control>
     Control* Hijo(VentanaEditor* ventana, const char16_t* nombre) {
         auto* const hijo = ventana->findChild<Control*>(QString::fromUtf16(nombre));
@@ -110,6 +113,7 @@ void VentanaEditorTest::cleanup() {
     ado_.reset();
     bitacora_.reset();
     guion_.reset();
+    QVERIFY2(!testing::Test::HasFailure(), "the scripted user was asked something else");
 }
 
 VentanaEditor* VentanaEditorTest::Abrir(const EditorDef& def) {
@@ -138,12 +142,31 @@ void VentanaEditorTest::Teclear(const QString& texto) {
     QCoreApplication::processEvents();
 }
 
+/// A new row, its name typed into the box that has the focus.
+void VentanaEditorTest::LlenarConTeclado(VentanaEditor* ventana) {
+    const EditorDef& def = ventana->Sesion().Def();
+    Teclear(u"Ñandú D'Or"_s);
+    for (std::size_t i = 2; i < def.campos.size(); ++i) {
+        const QString control = def.campos[i].control.toString();
+        if (auto* const combo = ventana->findChild<QComboBox*>(control)) {
+            combo->setFocus();
+            Tecla(Qt::Key_End);
+        } else if (auto* const caja = ventana->findChild<QLineEdit*>(control)) {
+            caja->setFocus();
+            Teclear(def.campos[i].tipo == TipoCampo::Numero ? u"12.5"_s : u"x"_s);
+        }
+    }
+}
+
 void VentanaEditorTest::TodosSeManejanConElTeclado_data() {
     QTest::addColumn<int>("cual");
+    QTest::addColumn<bool>("en_uso");  // other tables need the first row
+    const QStringList en_uso = {u"OpCategoria"_s,     u"OpMenu"_s,
+                                u"OpProductos"_s,     u"OpTipoModificador"_s,
+                                u"OpTipoImpuestos"_s, u"OpGpoModificadores"_s};
     for (int i = 0; i < std::ssize(catalog::Editores()); ++i) {
-        QTest::addRow(
-            "%s", qPrintable(catalog::Editores()[static_cast<std::size_t>(i)]->nombre.toString()))
-            << i;
+        const QString nombre = catalog::Editores()[static_cast<std::size_t>(i)]->nombre.toString();
+        QTest::addRow("%s", qPrintable(nombre)) << i << en_uso.contains(nombre);
     }
 }
 
@@ -168,17 +191,7 @@ void VentanaEditorTest::TodosSeManejanConElTeclado() {
     QVERIFY(!nombre->text().contains(u"nada"_s));
 
     Tecla(Qt::Key_Insert);
-    Teclear(u"Ñandú D'Or"_s);
-    for (std::size_t i = 2; i < def.campos.size(); ++i) {
-        const QString control = def.campos[i].control.toString();
-        if (auto* const combo = ventana->findChild<QComboBox*>(control)) {
-            combo->setFocus();
-            Tecla(Qt::Key_End);
-        } else if (auto* const caja = ventana->findChild<QLineEdit*>(control)) {
-            caja->setFocus();
-            Teclear(def.campos[i].tipo == TipoCampo::Numero ? u"12.5"_s : u"x"_s);
-        }
-    }
+    LlenarConTeclado(ventana);
     Tecla(Qt::Key_F5);
     QCOMPARE(Mostrado(), QString());
     QVERIFY(!ventana->Sesion().EnEdicion());
@@ -186,8 +199,26 @@ void VentanaEditorTest::TodosSeManejanConElTeclado() {
     QCOMPARE(nombre->text(), u"Ñandú D'Or"_s);
     const QString clave = Hijo<QLineEdit>(ventana, u"txtId")->text();
 
+    Tecla(Qt::Key_Insert);
+    LlenarConTeclado(ventana);
+    Tecla(Qt::Key_F5);
+    QVERIFY(Mostrado().endsWith(def.repetido.toString()));
+    QVERIFY(ventana->Sesion().EnEdicion());
+    Tecla(Qt::Key_Escape);
+    QCOMPARE(Hijo<QLineEdit>(ventana, u"txtId")->text(), clave);
+
     Tecla(Qt::Key_Home);
-    QVERIFY(Hijo<QLineEdit>(ventana, u"txtId")->text() != clave);
+    const QString primera = Hijo<QLineEdit>(ventana, u"txtId")->text();
+    QVERIFY(primera != clave);
+    QFETCH(bool, en_uso);
+    if (en_uso) {
+        guion_->Responder(u"¿Esta seguro de borrar el registro?"_s, Respuesta::Si);
+        Tecla(Qt::Key_Delete);
+        QVERIFY(Mostrado().contains(
+            u"No se puede borrar este registro por estar en uso en la tabla "_s));
+        QCOMPARE(Hijo<QLineEdit>(ventana, u"txtId")->text(), primera);
+        QCOMPARE(panel->text(), u"Registros: %1"_s.arg(habia + 1));
+    }
     Tecla(Qt::Key_End);
     Tecla(Qt::Key_F6);
     Tecla(Qt::Key_End);
