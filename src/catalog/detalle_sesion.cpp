@@ -67,11 +67,13 @@ bool DetalleSesion::CargarLista() {
 
 bool DetalleSesion::Cargar(const QString& clave) {
     Vaciar();
+    cargado_ = false;
     foundation::RecordsetPtr filas;
     if (!ado_->Consultar(filas, def_->consulta % clave)) {
         ContarFallo(*ado_);
         return false;
     }
+    cargado_ = true;
     columnas_ = filas->Columnas();
     for (const foundation::Fila& fila : filas->Filas()) {
         Renglon renglon;
@@ -89,6 +91,7 @@ bool DetalleSesion::Cargar(const QString& clave) {
 void DetalleSesion::Vaciar() {
     renglones_.clear();
     cambiado_ = false;
+    cargado_ = true;
 }
 
 bool DetalleSesion::PuedeAgregar(int fila_actual) const {

@@ -30,6 +30,8 @@ public:
     const QVector<foundation::EntradaCombo>& Entradas() const { return entradas_; }
     /// Something was typed, added or deleted since it was loaded.
     bool Cambiado() const { return cambiado_; }
+    /// False while the rows of the record that is shown could not be read.
+    bool Cargado() const { return cargado_; }
 
     /// Reads the entries of the combo cells. False after telling why not.
     bool CargarLista();
@@ -88,6 +90,7 @@ private:
     QVector<foundation::EntradaCombo> entradas_;
     QVector<Renglon> renglones_;
     bool cambiado_ = false;
+    bool cargado_ = true;
     int orden_ = -1;  // the column that rows are sorted by
     Qt::SortOrder sentido_ = Qt::AscendingOrder;
 };

@@ -158,6 +158,10 @@ void EditorSesion::Nuevo() {
 void EditorSesion::Modificar() {
     if (EnEdicion() || Clave().isEmpty() || Clave() == u"0"_s) return;
     Servir();
+    // Rows that could not be read must not be taken for rows that are not there.
+    for (DetalleSesion& detalle : detalles_) {
+        if (!detalle.Cargado() && !detalle.Cargar(Clave())) return;
+    }
     vista_ = conjunto_->Filas().value(conjunto_->Bookmark() ? *conjunto_->Bookmark() - 1 : -1);
     LigarCampos(false);
     Empezar(Estado::Modificacion);

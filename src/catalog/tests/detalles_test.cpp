@@ -326,6 +326,24 @@ TEST_F(DetallesTest, ElGrupoSeReemplaza) {
     EXPECT_EQ(miembros.Renglones().size(), 0);
 }
 
+TEST_F(DetallesTest, ElGrupoCuyosMiembrosNoSePudieronLeerNoLosPierde) {
+    const auto sesion = Abrir(kOpGpoModificadores);
+    cinta_->falla = [](const QString& sentencia) -> std::optional<foundation::FalloSql> {
+        if (sentencia.contains(u"FROM TiposXGrupo"_s)) return pruebas::ConexionRota();
+        return std::nullopt;
+    };
+    sesion->Mover(u"SIGUIENTE"_s);
+    sesion->Modificar();
+    EXPECT_FALSE(sesion->EnEdicion());
+    EXPECT_EQ(Mostrado(),
+              u"Se perdio la conexión con el servidor;Se perdio la conexión con el servidor"_s);
+    cinta_->falla = {};
+    sesion->Modificar();
+    EXPECT_EQ(sesion->Detalles()[0].Renglones().size(), 6);
+    EXPECT_TRUE(sesion->Guardar());
+    EXPECT_EQ(sesion->Detalles()[0].Renglones().size(), 6);
+}
+
 TEST_F(DetallesTest, PegarDeUnaHojaAgregaRenglonesYAvisaUnaVez) {
     const auto sesion = Abrir(kOpSubmenu);
     sesion->Nuevo();
