@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QClipboard>
+#include <QHeaderView>
 #include <QMdiSubWindow>
 #include <QSettings>
 #include <QStandardPaths>
@@ -38,6 +39,7 @@ private slots:
     void AvPagEsAnteriorYRePagSiguiente();
     void ElComboYSuCajaOcultaVanJuntos();
     void TeclasDeLaRejilla();
+    void LasColumnasSeOrdenanYGuardanSuAncho();
     void PegarEnLaRejilla();
     void UnaCeldaMalEscritaDetieneGuardar();
     void EscapeSaleDeLaCeldaYDespuesDelRegistro();
@@ -321,6 +323,29 @@ void VentanaEditorTest::TeclasDeLaRejilla() {
     QVERIFY(!productos->isRowHidden(0));
     // Read only while nothing is edited.
     QVERIFY(!(productos->model()->flags(productos->model()->index(0, 5)) & Qt::ItemIsEditable));
+}
+
+void VentanaEditorTest::LasColumnasSeOrdenanYGuardanSuAncho() {
+    VentanaEditor* const ventana = Abrir(catalog::kOpSubmenu);
+    Hijo<QTabWidget>(ventana, u"TabDetalles")->setCurrentIndex(1);
+    auto* const productos = Hijo<Rejilla>(ventana, u"sprProductos");
+    QHeaderView* const titulos = productos->horizontalHeader();
+    const auto pulsar = [titulos](int columna) {
+        const QPoint donde(titulos->sectionViewportPosition(columna) + 20, titulos->height() / 2);
+        QTest::mouseClick(titulos->viewport(), Qt::LeftButton, Qt::NoModifier, donde);
+    };
+    const auto orden = [productos](int fila) { return productos->Texto(fila, 5).toInt(); };
+    const int ultimo = productos->Renglones() - 1;
+    pulsar(5);
+    QVERIFY(orden(0) < orden(ultimo));
+    pulsar(5);
+    QVERIFY(orden(0) > orden(ultimo));
+    Tecla(Qt::Key_PageUp);
+    QVERIFY(orden(0) > orden(productos->Renglones() - 1));
+    productos->setColumnWidth(2, 321);
+    qobject_cast<QMdiSubWindow*>(ventana->parentWidget())->close();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QCOMPARE(Hijo<Rejilla>(Abrir(catalog::kOpSubmenu), u"sprProductos")->columnWidth(2), 321);
 }
 
 void VentanaEditorTest::PegarEnLaRejilla() {
