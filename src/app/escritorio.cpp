@@ -1,5 +1,6 @@
 #include "app/escritorio.h"
 
+#include "catalog/editores.h"
 #include "foundation/conector.h"
 #include "foundation/rutas.h"
 #include "ui/aspecto.h"
@@ -80,8 +81,17 @@ void Escritorio::AbrirPrincipal() {
     principal_ =
         std::make_unique<ui::MDIPrincipal>(ui::Contexto{*ado_, sesion_, reloj_, dialogos_});
     connect(principal_.get(), &ui::MDIPrincipal::Cerrada, this, [this] { emit Termino(0); });
+    RegistrarEditores();
     principal_->show();
     ventana_login_->close();
+}
+
+void Escritorio::RegistrarEditores() {
+    for (const catalog::EditorDef* const def : catalog::Editores()) {
+        principal_->RegistrarVentana(def->orden.toString(), [this, def] {
+            return ui::VentanaEditor::Abrir(*def, *ado_, dialogos_de_editor_);
+        });
+    }
 }
 
 }  // namespace quimo::app

@@ -14,6 +14,7 @@
 #include "ui/dialogos_qt.h"
 #include "ui/frm_login.h"
 #include "ui/mdi_principal.h"
+#include "ui/ventana_editor.h"
 
 namespace quimo::app {
 
@@ -47,6 +48,7 @@ signals:
 private:
     void AbrirLogin();
     void AbrirPrincipal();
+    void RegistrarEditores();
     foundation::Conector ConectorConMotivo();
 
     const foundation::Reloj& reloj_;
@@ -58,6 +60,7 @@ private:
     std::unique_ptr<foundation::Login> login_;
     foundation::EstadoSesion sesion_;
     std::unique_ptr<ui::frmLogin> ventana_login_;
+    ui::DialogosDeEditor dialogos_de_editor_;  // search and filter, which editors open
     std::unique_ptr<ui::MDIPrincipal> principal_;
 };
 

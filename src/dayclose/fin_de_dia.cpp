@@ -19,20 +19,6 @@ using foundation::Respuesta;
 
 namespace {
 
-/// A close asks the user rarely; the rest of the time the pointer says that it is at work.
-class PunteroOcupado {
-public:
-    explicit PunteroOcupado(foundation::Dialogos& dialogos) : dialogos_(dialogos) {
-        dialogos_.Ocupado(true);
-    }
-    PunteroOcupado(const PunteroOcupado&) = delete;
-    PunteroOcupado& operator=(const PunteroOcupado&) = delete;
-    ~PunteroOcupado() { dialogos_.Ocupado(false); }
-
-private:
-    foundation::Dialogos& dialogos_;
-};
-
 Interrupcion ParametroErroneo(const QString& texto) {
     return {Interrupcion::Motivo::Error, kParametroErroneo, texto};
 }
@@ -103,7 +89,8 @@ ResultadoCierre<void> FinDeDia::Correr() {
                          Botones::SiNo, Icono::Pregunta) != Respuesta::Si) {
         pendiente.reset();
     }
-    const PunteroOcupado ocupado(ado.Dialogo());
+    // It asks the user rarely; the rest of the time the pointer says that it is at work.
+    const foundation::PunteroOcupado ocupado(ado.Dialogo());
     if (!pendiente) {
         QUIMO_TRY(CierrePendiente nuevo, Avanzar());
         pendiente = std::move(nuevo);

@@ -29,6 +29,12 @@ bool ClsAdo::Fallar(FalloSql fallo) {
     return false;
 }
 
+bool ClsAdo::Reportar(FalloSql fallo) {
+    Fallar(std::move(fallo));
+    ManejaError();
+    return false;
+}
+
 bool ClsAdo::Conectar(QString& PsNom_servidor, QString& PsBase_de_datos, QString& PsUID,
                       QString& PsPasswd) {
     pendiente_.reset();
@@ -169,7 +175,12 @@ bool ClsAdo::Reposicionar(const RecordsetPtr& PAdo, bool PbNuevo, bool PbBorrar)
             QUIMO_TRY_VOID(PAdo->Requery());
             return PAdo->Vacio() ? Recordset::Hecho() : PAdo->MoveFirst();
         }
-        if (PbNuevo) return PAdo->MoveLast();
+        if (PbNuevo) {
+            if (PAdo->EnAlta()) {
+                QUIMO_TRY_VOID(PAdo->Update());
+            }
+            return PAdo->MoveLast();
+        }
         QUIMO_TRY_VOID(PAdo->MoveNext());
         return PAdo->MovePrevious();
     };

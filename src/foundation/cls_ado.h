@@ -81,7 +81,9 @@ public:
     bool Desplazar(const RecordsetPtr& PrdrVariable, const QString& PsDireccion,
                    qint32& PlnPosicion);
 
-    /// Places a record set after an edit: on the last row when it was new, past a deleted one.
+    /// Places a record set after an edit. A pending new row is written first, and stays pending
+    /// when it is refused; then the last row is current. With PbBorrar the current row is deleted
+    /// and the one before it is current. A failure is told by ManejaError.
     bool Reposicionar(const RecordsetPtr& PAdo, bool PbNuevo, bool PbBorrar);
 
     /// Runs "EXEC ..." after letting pending events run. 1 when there was nothing to do or nothing
@@ -98,6 +100,8 @@ public:
     /// Tells the pending failure of the last operation and writes it to the log. True only when
     /// the server or the data source was not found.
     bool ManejaError();
+    /// Tells a failure that a screen met on a record set, as ManejaError does. Always false.
+    bool Reportar(FalloSql fallo);
     // NOLINTEND(readability-identifier-naming)
 
     /// The failure of the last operation that failed, until ManejaError took it.

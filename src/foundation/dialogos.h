@@ -51,4 +51,16 @@ public:
     virtual void ProcesarEventos() = 0;
 };
 
+/// The busy pointer for as long as it lives.
+class PunteroOcupado {
+public:
+    explicit PunteroOcupado(Dialogos& dialogos) : dialogos_(dialogos) { dialogos_.Ocupado(true); }
+    PunteroOcupado(const PunteroOcupado&) = delete;
+    PunteroOcupado& operator=(const PunteroOcupado&) = delete;
+    ~PunteroOcupado() { dialogos_.Ocupado(false); }
+
+private:
+    Dialogos& dialogos_;
+};
+
 }  // namespace quimo::foundation

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include <QHash>
+#include <QMap>
 #include <QString>
 #include <QVariant>
 
@@ -86,7 +87,7 @@ private:
     qsizetype posicion_ = -1;
     bool borrada_ = false;  // the row at posicion_ was deleted and is only waiting for a move
     std::optional<Fila> alta_;
-    QHash<qsizetype, QVariant> cambios_;
+    QMap<qsizetype, QVariant> cambios_;  // in the order of the columns
     std::optional<DefinicionTabla> tabla_;
 };
 

@@ -25,6 +25,7 @@ public:
     };
     Salida AlSalir(const QString& texto) const;
 
+    bool Numerico() const { return numerico_; }
     bool NoVacio() const { return no_vacio_; }
     bool Ninguna() const { return !numerico_ && !mayusculas_ && !no_vacio_ && !no_signos_ && !ip_; }
 

@@ -36,6 +36,45 @@ QString TextoDeValor(const QVariant& valor) {
     return valor.toString();
 }
 
+namespace {
+
+/// The whole part without the signs that set its thousands apart; nothing when they stand wrong.
+std::optional<QString> SinMillares(const QString& entero, QChar signo) {
+    const QStringList grupos = entero.split(signo);
+    for (qsizetype i = 1; i < grupos.size(); ++i) {
+        if (grupos[i].size() != 3) return std::nullopt;
+    }
+    return grupos.join(QString());
+}
+
+}  // namespace
+
+std::optional<QString> NumeroEscrito(const QString& texto) {
+    QString numero = texto;
+    numero.remove(u'$').remove(u' ').remove(QChar::Nbsp);
+    const qsizetype coma = numero.lastIndexOf(u',');
+    const qsizetype punto = numero.lastIndexOf(u'.');
+    QString fraccion;
+    const auto partir = [&numero, &fraccion](qsizetype lugar) {
+        fraccion = u'.' + numero.mid(lugar + 1);
+        numero.truncate(lugar);
+    };
+    QChar millares = u',';
+    if (coma > punto) {
+        // Alone before three digits it can only be read as it is shown: 1,234.
+        const bool decimal = punto >= 0 || (numero.count(u',') == 1 && numero.size() - coma != 4);
+        if (decimal) partir(coma);
+        if (punto >= 0) millares = u'.';
+    } else if (punto >= 0) {
+        partir(punto);
+    }
+    const auto entero = SinMillares(numero, millares);
+    if (!entero) return std::nullopt;
+    const auto leido = base::Decimal::DeTexto((*entero + fraccion).toStdString());
+    if (!leido) return std::nullopt;
+    return QString::fromStdString(leido->ATexto());
+}
+
 QString LiteralSql(const QVariant& valor) {
     if (!valor.isValid()) return u"NULL"_s;
     switch (valor.metaType().id()) {

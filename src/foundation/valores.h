@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include <QDateTime>
 #include <QString>
 #include <QVariant>
@@ -10,6 +12,11 @@ namespace quimo::foundation {
 /// and no thousands, money and NUMERIC all their decimals, dates are "dd/mm/yyyy hh:mm:ss" (without
 /// the time at midnight).
 QString TextoDeValor(const QVariant& valor);
+
+/// What somebody wrote as a number, with a point and nothing else: "$1,234.5", "1234,5" and
+/// "1.234,5" are "1234.5". A comma before three digits sets thousands apart. Nothing when it is no
+/// number.
+std::optional<QString> NumeroEscrito(const QString& texto);
 
 /// A database value as a T-SQL literal: NULL, numbers bare, texts and dates between quotes with
 /// apostrophes doubled.

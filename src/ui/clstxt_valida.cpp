@@ -4,6 +4,8 @@
 
 #include <QFocusEvent>
 
+#include "foundation/valores.h"
+
 namespace quimo::ui {
 
 namespace {
@@ -50,6 +52,14 @@ QValidator::State Clstxt_valida::validate(QString& texto, int& cursor) const {
         ++cola;
     }
     const qsizetype largo = texto.size() - inicio - cola;
+    // A pasted amount keeps its value: without its comma 12,50 would be 1250.
+    const auto numero = largo > 1 && reglas_.Numerico() ? foundation::NumeroEscrito(texto)
+                                                        : std::optional<QString>();
+    if (numero && reglas_.Filtrar(*numero) == *numero) {
+        texto = *numero;
+        cursor = static_cast<int>(texto.size());
+        return Acceptable;
+    }
     const QString filtrado = reglas_.Filtrar(texto.mid(inicio, largo));
     // The cursor stands behind what was written.
     cursor -= static_cast<int>(std::min<qsizetype>(cursor, largo - filtrado.size()));

@@ -1,6 +1,7 @@
 #include "ui/formato_celda.h"
 
 #include <cmath>
+#include <optional>
 
 #include "base/decimal.h"
 #include "foundation/valores.h"
@@ -45,14 +46,6 @@ QString NumeroVisible(const QVariant& valor, TipoCelda tipo, int decimales) {
     if (tipo == TipoCelda::Moneda) numero.insert(numero.startsWith(u'-') ? 1 : 0, u'$');
     if (tipo == TipoCelda::Porcentaje) numero += u'%';
     return numero;
-}
-
-std::optional<QString> NumeroEscrito(const QString& texto) {
-    QString numero = texto.trimmed();
-    numero.remove(u',').remove(u'$').remove(u'%').remove(u' ');
-    const auto leido = base::Decimal::DeTexto(numero.toStdString());
-    if (!leido) return std::nullopt;
-    return QString::fromStdString(leido->ATexto());
 }
 
 }  // namespace quimo::ui

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <optional>
-
 #include <QString>
 #include <QVariant>
 
@@ -25,9 +23,5 @@ bool EsNumerica(TipoCelda tipo);
 /// gives for a number, or its text; NULL is 0. What is no number is shown as it is. Exact: halves
 /// are rounded away from zero, and no binary fraction is involved where the database used none.
 QString NumeroVisible(const QVariant& valor, TipoCelda tipo, int decimales);
-
-/// What was typed as a number, signs and thousands apart taken away: "$1,234.5" is "1234.5".
-/// Nothing when it is not one.
-std::optional<QString> NumeroEscrito(const QString& texto);
 
 }  // namespace quimo::ui

@@ -167,10 +167,11 @@ std::optional<QVariant> ModeloRejilla::DelUsuario(int fila, int columna, const Q
     }
     if (papel != Qt::EditRole) return std::nullopt;
     if (tipo == TipoCelda::Lista) return valor;
-    const QString texto = valor.toString();
+    QString texto = valor.toString();
+    if (tipo == TipoCelda::Porcentaje) texto.remove(u'%');
     if (!EsNumerica(tipo)) return QVariant(texto.left(columnas_[columna].largo_max));
     if (texto.trimmed().isEmpty()) return QVariant();
-    const auto numero = NumeroEscrito(texto);
+    const auto numero = foundation::NumeroEscrito(texto);
     if (!numero) return std::nullopt;
     return QVariant(*numero);
 }
@@ -178,7 +179,11 @@ std::optional<QVariant> ModeloRejilla::DelUsuario(int fila, int columna, const Q
 bool ModeloRejilla::setData(const QModelIndex& lugar, const QVariant& valor, int papel) {
     if ((flags(lugar) & (Qt::ItemIsEditable | Qt::ItemIsUserCheckable)) == 0) return false;
     const auto nuevo = DelUsuario(lugar.row(), lugar.column(), valor, papel);
-    if (!nuevo) return false;
+    if (!nuevo) {
+        if (papel == Qt::EditRole)
+            emit CeldaRechazada(lugar.row(), lugar.column(), valor.toString());
+        return false;
+    }
     const QString antes = foundation::TextoDeValor(Valor(lugar.row(), lugar.column()));
     if (antes == foundation::TextoDeValor(*nuevo)) return true;
     Poner(lugar.row(), lugar.column(), *nuevo);

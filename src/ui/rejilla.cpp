@@ -80,6 +80,7 @@ Rejilla::Rejilla(const QString& nombre, const QString& accesible, QWidget* padre
     verticalHeader()->hide();
     horizontalHeader()->setHighlightSections(false);
     connect(&modelo_, &ModeloRejilla::CeldaCambiada, this, &Rejilla::CeldaCambiada);
+    connect(&modelo_, &ModeloRejilla::CeldaRechazada, this, &Rejilla::CeldaRechazada);
 }
 
 void Rejilla::PonerColumnas(const QVector<ColumnaRejilla>& columnas) {

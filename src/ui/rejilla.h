@@ -68,6 +68,8 @@ public:
 signals:
     /// The user changed a cell.
     void CeldaCambiada(int fila, int columna);
+    /// What the user wrote does not suit the cell, which stays as it was.
+    void CeldaRechazada(int fila, int columna, const QString& escrito);
 
 protected:
     void keyPressEvent(QKeyEvent* evento) override;

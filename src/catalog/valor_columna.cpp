@@ -1,0 +1,117 @@
+#include "catalog/valor_columna.h"
+
+#include <limits>
+
+#include <QDate>
+#include <QRegularExpression>
+
+#include "base/decimal.h"
+#include "base/dinero.h"
+#include "security/pagina_codigos.h"
+
+using namespace Qt::StringLiterals;
+
+namespace quimo::catalog {
+
+using foundation::TipoSql;
+
+namespace {
+
+using Valor = base::Result<QVariant, Objecion>;
+
+constexpr int kPrimerAnio = 1753;  // where the database's calendar begins
+
+struct RangoEntero {
+    TipoSql tipo;
+    qint64 minimo;
+    qint64 maximo;
+};
+// Keys and counts are never wider than an INT.
+constexpr RangoEntero kEnteros[] = {
+    {TipoSql::TinyInt, 0, std::numeric_limits<quint8>::max()},
+    {TipoSql::SmallInt, std::numeric_limits<qint16>::min(), std::numeric_limits<qint16>::max()},
+    {TipoSql::Int, std::numeric_limits<qint32>::min(), std::numeric_limits<qint32>::max()},
+    {TipoSql::BigInt, std::numeric_limits<qint32>::min(), std::numeric_limits<qint32>::max()},
+};
+
+Valor FueraDeRango(const QString& campo, const QString& texto) {
+    return Objecion{u"El campo "_s + campo + u" está fuera de rango: "_s + texto};
+}
+
+Valor Entero(const QString& campo, const QString& texto, qint64 minimo, qint64 maximo) {
+    bool es_numero = false;
+    const qint64 numero = texto.toLongLong(&es_numero);
+    if (!es_numero)
+        return Objecion{u"El campo "_s + campo + u" no es un número entero: "_s + texto};
+    if (numero < minimo || numero > maximo) return FueraDeRango(campo, texto);
+    return QVariant(static_cast<int>(numero));
+}
+
+Valor Exacto(const foundation::Columna& columna, const QString& campo, const QString& texto) {
+    const auto leido = base::Decimal::DeTexto(texto.toStdString());
+    if (!leido) return Objecion{u"El campo "_s + campo + u" no es un número: "_s + texto};
+    if (columna.tipo == TipoSql::Money || columna.tipo == TipoSql::SmallMoney) {
+        const auto dinero = base::Dinero::DeTexto(texto.toStdString());
+        if (!dinero) return FueraDeRango(campo, texto);
+        return QVariant::fromValue(*dinero);
+    }
+    if (columna.tipo != TipoSql::Numeric) return QVariant(texto.toDouble());
+    const auto ajustado = leido->ConEscala(columna.escala);
+    if (!ajustado) return FueraDeRango(campo, texto);
+    const base::Decimal entero{ajustado->digitos < 0 ? -ajustado->digitos : ajustado->digitos, 0};
+    if (static_cast<int>(entero.ATexto().size()) > columna.precision) {
+        return FueraDeRango(campo, texto);
+    }
+    return QVariant::fromValue(*ajustado);
+}
+
+Valor Letras(const foundation::Columna& columna, const QString& campo, const QString& texto) {
+    if (columna.longitud > 0 && texto.size() > columna.longitud) {
+        return Objecion{u"El campo %1 admite %2 letras y tiene %3"_s.arg(campo)
+                            .arg(columna.longitud)
+                            .arg(texto.size())};
+    }
+    for (qsizetype i = 0; i < texto.size(); ++i) {
+        const bool doble = texto[i].isHighSurrogate();
+        const QString letra = texto.mid(i, doble ? 2 : 1);
+        if (texto[i] >= u' ' && security::CabeEnPagina(letra)) continue;
+        return Objecion{u"El campo "_s + campo +
+                        u" lleva una letra que la base de datos no guarda: "_s +
+                        (texto[i] >= u' ' ? letra : u"un salto de línea o tabulador"_s)};
+    }
+    return QVariant(texto);
+}
+
+}  // namespace
+
+Valor ValorParaColumna(const foundation::Columna& columna, const QString& campo,
+                       const QString& texto) {
+    const QString numero = texto.trimmed();
+    if (columna.tipo == TipoSql::Bit) return QVariant(numero == u"1"_s);
+    for (const auto& [tipo, minimo, maximo] : kEnteros) {
+        if (columna.tipo != tipo) continue;
+        if (numero.isEmpty()) return QVariant();
+        return Entero(campo, numero, minimo, maximo);
+    }
+    for (const TipoSql tipo :
+         {TipoSql::Money, TipoSql::SmallMoney, TipoSql::Numeric, TipoSql::Float, TipoSql::Real}) {
+        if (columna.tipo != tipo) continue;
+        if (numero.isEmpty()) return QVariant();
+        return Exacto(columna, campo, numero);
+    }
+    return Letras(columna, campo, texto);
+}
+
+base::Result<QString, Objecion> FechaEscrita(const QString& texto) {
+    static const QRegularExpression kForma(u"^(\\d{1,2})[/.-](\\d{1,2})[/.-](\\d{4})$"_s);
+    const QRegularExpressionMatch partes = kForma.match(texto.trimmed());
+    const QDate fecha(partes.captured(3).toInt(), partes.captured(2).toInt(),
+                      partes.captured(1).toInt());
+    if (!partes.hasMatch() || !fecha.isValid() || fecha.year() < kPrimerAnio) {
+        return Objecion{u"La fecha "_s + texto +
+                        u" no existe. Se escribe día/mes/año, como 31/12/2026"_s};
+    }
+    return fecha.toString(u"dd/MM/yyyy"_s);
+}
+
+}  // namespace quimo::catalog

@@ -1,0 +1,67 @@
+#include "support/conexion_espia.h"
+
+using namespace Qt::StringLiterals;
+
+namespace quimo::pruebas {
+
+using foundation::FalloSql;
+
+namespace {
+
+class ConexionEspia final : public foundation::SqlConnection {
+public:
+    ConexionEspia(std::unique_ptr<SqlConnection> dentro, std::shared_ptr<Cinta> cinta)
+        : dentro_(std::move(dentro)), cinta_(std::move(cinta)) {}
+
+    foundation::RespuestaSql Ejecutar(const QString& tsql,
+                                      const QVector<QVariant>& parametros) override {
+        cinta_->sentencias << tsql;
+        if (cinta_->falla) {
+            if (auto fallo = cinta_->falla(tsql)) return {{}, {}, std::move(fallo)};
+        }
+        return dentro_->Ejecutar(tsql, parametros);
+    }
+    base::Result<void, FalloSql> Iniciar() override { return dentro_->Iniciar(); }
+    base::Result<void, FalloSql> Confirmar() override { return dentro_->Confirmar(); }
+    base::Result<void, FalloSql> Revertir() override { return dentro_->Revertir(); }
+    bool EnTransaccion() const override { return dentro_->EnTransaccion(); }
+    base::Result<foundation::DefinicionTabla, FalloSql> Describir(const QString& tabla) override {
+        return dentro_->Describir(tabla);
+    }
+    bool Abierta() const override { return dentro_->Abierta(); }
+    void Cerrar() override { dentro_->Cerrar(); }
+
+private:
+    std::unique_ptr<SqlConnection> dentro_;
+    std::shared_ptr<Cinta> cinta_;
+};
+
+}  // namespace
+
+QStringList Cinta::Tomar(const QStringList& principios) {
+    QStringList tomadas;
+    for (const QString& sentencia : std::as_const(sentencias)) {
+        for (const QString& principio : principios) {
+            if (sentencia.startsWith(principio)) tomadas << sentencia;
+        }
+    }
+    sentencias.clear();
+    return tomadas;
+}
+
+foundation::Conector ConEspia(foundation::Conector conector, std::shared_ptr<Cinta> cinta) {
+    return [conector = std::move(conector),
+            cinta = std::move(cinta)](const foundation::DatosConexion& datos)
+               -> base::Result<std::unique_ptr<foundation::SqlConnection>, FalloSql> {
+        QUIMO_TRY(std::unique_ptr<foundation::SqlConnection> abierta, conector(datos));
+        return std::unique_ptr<foundation::SqlConnection>(
+            std::make_unique<ConexionEspia>(std::move(abierta), cinta));
+    };
+}
+
+FalloSql ConexionRota() {
+    return {FalloSql::kConexionPerdida,
+            {foundation::ErrorProveedor{u"08S01"_s, 0, u"prueba"_s, u"link failure"_s}}};
+}
+
+}  // namespace quimo::pruebas

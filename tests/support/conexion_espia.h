@@ -1,0 +1,28 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include <QStringList>
+
+#include "foundation/cls_ado.h"
+
+namespace quimo::pruebas {
+
+/// What a connection was asked, and which of it is to fail.
+struct Cinta {
+    QStringList sentencias = {};
+    /// A failure for a statement, instead of running it.
+    std::function<std::optional<foundation::FalloSql>(const QString& sentencia)> falla = {};
+
+    /// The statements that begin with one of these words, and no longer those before.
+    QStringList Tomar(const QStringList& principios);
+};
+
+/// A connector whose connections keep every statement on the tape.
+foundation::Conector ConEspia(foundation::Conector conector, std::shared_ptr<Cinta> cinta);
+
+/// The failure of a connection that broke.
+foundation::FalloSql ConexionRota();
+
+}  // namespace quimo::pruebas
