@@ -32,8 +32,7 @@ CentralPrueba::CentralPrueba()
     EXPECT_TRUE(ado_.Conectar(servidor, base, usuario, clave));
     QFile datos(QStringLiteral(QUIMO_TEST_DATA "/day-golden/central-before.sql"));
     EXPECT_TRUE(datos.open(QIODevice::ReadOnly));
-    const auto creada =
-        foundation::CrearBase(ado_.Conexion(), QString::fromUtf8(datos.readAll()));
+    const auto creada = foundation::CrearBase(ado_.Conexion(), QString::fromUtf8(datos.readAll()));
     EXPECT_TRUE(creada) << creada.error().Descripcion().toStdString();
 }
 

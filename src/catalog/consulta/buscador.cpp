@@ -23,9 +23,7 @@ bool CompararTextos(const QString& texto, const QString& buscado, ModoBusqueda m
 }
 
 /// A shown number without its signs: "$1,234.50" is "1234.50".
-QString SoloCifras(QString numero) {
-    return numero.remove(u'$').remove(u',').remove(u' ');
-}
+QString SoloCifras(QString numero) { return numero.remove(u'$').remove(u',').remove(u' '); }
 
 }  // namespace
 
@@ -131,8 +129,7 @@ Hallazgo Buscador::Siguiente(const CriterioBusqueda& criterio) {
 
 QString Buscador::Mensaje(Hallazgo hallazgo, const CriterioBusqueda& criterio) const {
     if (hallazgo == Hallazgo::SinTexto) return u"Escriba lo que desea buscar."_s;
-    if (hallazgo == Hallazgo::Nada)
-        return u"No se encontró «%1»."_s.arg(criterio.texto.trimmed());
+    if (hallazgo == Hallazgo::Nada) return u"No se encontró «%1»."_s.arg(criterio.texto.trimmed());
     QStringList partes;
     for (qsizetype i = 0; i < campos_.size() && partes.size() < 2; ++i) {
         const auto valor = filas_->Campo(campos_[i].columna);

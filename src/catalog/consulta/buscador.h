@@ -29,11 +29,11 @@ struct CriterioBusqueda {
 };
 
 enum class Hallazgo {
-    SinTexto,         ///< nothing was asked for
-    Nada,             ///< no row matches; the current row stays
-    Hallado,          ///< the matching row is current
-    DesdePrincipio,   ///< the same, after going past the last row
-    Unico,            ///< the current row is the only one that matches
+    SinTexto,        ///< nothing was asked for
+    Nada,            ///< no row matches; the current row stays
+    Hallado,         ///< the matching row is current
+    DesdePrincipio,  ///< the same, after going past the last row
+    Unico,           ///< the current row is the only one that matches
 };
 
 /// Finds a row of an editor's record set by what its fields show, without regard to case or

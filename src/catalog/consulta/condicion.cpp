@@ -109,8 +109,7 @@ std::optional<QString> PorCodigo(const ColumnaFiltrable& columna, Operador opera
         }
         if (buscado) {
             const QString lista = conocidos.join(u',');
-            if (operador == Operador::Distinto)
-                return u"%1 IN (%2)"_s.arg(columna.columna, lista);
+            if (operador == Operador::Distinto) return u"%1 IN (%2)"_s.arg(columna.columna, lista);
             return u"(%1 NOT IN (%2) OR %1 IS NULL)"_s.arg(columna.columna, lista);
         }
         conocidos << literal;
@@ -146,7 +145,7 @@ QString Comparacion(const QString& c, Operador operador, const Literal& literal)
 }
 
 base::Result<QString, Motivo> TextoDeEntre(const ColumnaFiltrable& columna, const QString& desde,
-                                            const QString& hasta) {
+                                           const QString& hasta) {
     if (desde.isEmpty() && hasta.isEmpty()) return QString();
     if (hasta.isEmpty()) {
         QUIMO_TRY(const Literal uno, LeerLiteral(columna, desde));
@@ -156,7 +155,8 @@ base::Result<QString, Motivo> TextoDeEntre(const ColumnaFiltrable& columna, cons
     const QString hasta_aqui = Comparacion(columna.columna, Operador::MenorIgual, otro);
     if (desde.isEmpty()) return hasta_aqui;
     QUIMO_TRY(const Literal uno, LeerLiteral(columna, desde));
-    if ((uno.dia && *uno.dia > *otro.dia) || (uno.numero && Comparar(*uno.numero, *otro.numero) > 0))
+    if ((uno.dia && *uno.dia > *otro.dia) ||
+        (uno.numero && Comparar(*uno.numero, *otro.numero) > 0))
         return Motivo{u"El segundo valor de «entre» es menor que el primero."_s};
     return QString(u'(' + Comparacion(columna.columna, Operador::MayorIgual, uno) + u" AND "_s +
                    hasta_aqui + u')');
@@ -168,7 +168,7 @@ QString TextoDeVacio(const ColumnaFiltrable& columna) {
 }
 
 base::Result<QString, Motivo> Construir(const ColumnaFiltrable& columna,
-                                         const Condicion& condicion) {
+                                        const Condicion& condicion) {
     const QString valor = condicion.valor.trimmed();
     if (condicion.operador == Operador::Vacio) return TextoDeVacio(columna);
     if (condicion.operador == Operador::Entre)
@@ -216,9 +216,8 @@ QString NombreDe(Operador operador) {
 QVector<CodigoMostrado> CodigosDe(QStringView expresion, QStringView columna) {
     static const QRegularExpression kCaso(u"^\\s*CASE\\s+([\\w.]+)\\s+(WHEN\\b.*)\\bEND\\b"_s,
                                           QRegularExpression::CaseInsensitiveOption);
-    static const QRegularExpression kRama(
-        u"\\b(?:WHEN\\s+'([^']*)'\\s+THEN|ELSE)\\s+'([^']*)'"_s,
-        QRegularExpression::CaseInsensitiveOption);
+    static const QRegularExpression kRama(u"\\b(?:WHEN\\s+'([^']*)'\\s+THEN|ELSE)\\s+'([^']*)'"_s,
+                                          QRegularExpression::CaseInsensitiveOption);
     const QRegularExpressionMatch caso = kCaso.match(expresion.toString());
     if (!caso.hasMatch() ||
         caso.capturedView(1).compare(columna.trimmed(), Qt::CaseInsensitive) != 0) {
@@ -256,7 +255,8 @@ base::Result<QString, CondicionMalEscrita> TextoDeCondicion(const ColumnaFiltrab
     QUIMO_CHECK(columna.Operadores().contains(condicion.operador));
     auto texto = Construir(columna, condicion);
     if (!texto)
-        return CondicionMalEscrita{condicion.columna, columna.titulo + u": "_s + texto.error().texto};
+        return CondicionMalEscrita{condicion.columna,
+                                   columna.titulo + u": "_s + texto.error().texto};
     return *std::move(texto);
 }
 

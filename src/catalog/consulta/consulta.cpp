@@ -44,8 +44,7 @@ Consulta::Consulta(const FiltroDef& filtro, foundation::ClsAdo& ado) : filtro_(f
 
 std::optional<QVector<foundation::Columna>> Consulta::TiposDe(const QStringList& columnas) const {
     if (!ado_.Conectado()) return std::nullopt;
-    const foundation::RespuestaSql respuesta =
-        ado_.Conexion().Ejecutar(Unir(columnas, {u"1=0"_s}));
+    const foundation::RespuestaSql respuesta = ado_.Conexion().Ejecutar(Unir(columnas, {u"1=0"_s}));
     if (respuesta.fallo || respuesta.resultados.isEmpty() || !respuesta.resultados[0].conjunto ||
         respuesta.resultados[0].conjunto->columnas.size() != columnas.size()) {
         return std::nullopt;

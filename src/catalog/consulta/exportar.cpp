@@ -3,10 +3,11 @@
 #include <algorithm>
 #include <memory>
 
+#include <xlsxwriter.h>
+
 #include <QRegularExpression>
 #include <QSaveFile>
 #include <QTemporaryDir>
-#include <xlsxwriter.h>
 
 #include "catalog/consulta/valores_escritos.h"
 #include "foundation/valores.h"
@@ -120,22 +121,23 @@ private:
     }
     static QByteArray FormatoDe(const QVariant& valor) {
         if (valor.typeId() == qMetaTypeId<base::Dinero>()) return "$#,##0.00";
-        if (valor.typeId() != qMetaTypeId<base::Decimal>()) return "General";
+        if (valor.typeId() != qMetaTypeId<base::Decimal>()) return {};
         const int decimales = valor.value<base::Decimal>().escala;
         return decimales == 0 ? "0" : "0." + QByteArray(decimales, '0');
     }
     bool Fecha(lxw_row_t fila, lxw_col_t columna, const QDateTime& momento) {
         const QDate dia = momento.date();
         const QTime hora = momento.time();
-        lxw_datetime partes = {dia.year(),    dia.month(),
-                               dia.day(),     hora.hour(),
-                               hora.minute(), hora.second() + hora.msec() / 1000.0};
-        return worksheet_write_datetime(hoja_, fila, columna, &partes,
-                                        Formato(hora == QTime(0, 0) ? "dd/mm/yyyy"
-                                                                    : "dd/mm/yyyy hh:mm:ss")) ==
+        lxw_datetime partes = {dia.year(),  dia.month(),   dia.day(),
+                               hora.hour(), hora.minute(), hora.second() + hora.msec() / 1000.0};
+        return worksheet_write_datetime(
+                   hoja_, fila, columna, &partes,
+                   Formato(hora == QTime(0, 0) ? "dd/mm/yyyy" : "dd/mm/yyyy hh:mm:ss")) ==
                LXW_NO_ERROR;
     }
+    /// None for the general one.
     lxw_format* Formato(const QByteArray& formato) {
+        if (formato.isEmpty()) return nullptr;
         lxw_format*& hecho = formatos_[formato];
         if (hecho == nullptr) {
             hecho = workbook_add_format(libro_.get());
@@ -152,9 +154,7 @@ private:
     QHash<QByteArray, lxw_format*> formatos_;
 };
 
-Error FalloDeLibro() {
-    return {Error::Codigo::Archivo, "No se pudo preparar el libro de Excel."};
-}
+Error FalloDeLibro() { return {Error::Codigo::Archivo, "No se pudo preparar el libro de Excel."}; }
 
 base::Result<void> CabeEnLibro(const TablaConsulta& tabla) {
     if (tabla.Filas() > kFilasMaxXlsx)
