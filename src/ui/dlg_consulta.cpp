@@ -101,6 +101,7 @@ DlgConsulta::DlgConsulta(catalog::Consulta& consulta, foundation::Dialogos& dial
     const QSize pantalla = screen()->availableSize();
     resize(std::min(1240, pantalla.width() - 60), std::min(640, pantalla.height() - 80));
     RecuperarGeometria(*this, kGeometria);
+    if (!renglones_.isEmpty()) renglones_.first().Control()->setFocus();
     MostrarCuenta();
 }
 
@@ -129,6 +130,8 @@ QWidget* DlgConsulta::Valores(const catalog::ColumnaFiltrable& columna, const QS
         renglon.hasta =
             CajaDeValor(u"txtHasta"_s + numero, u"Valor final de "_s + columna.titulo, clase);
         linea->addWidget(renglon.hasta);
+        // Room for both, also while only one is seen.
+        valores->setMinimumWidth(2 * renglon.hasta->minimumWidth() + linea->spacing());
     }
     return valores;
 }
@@ -190,6 +193,7 @@ QWidget* DlgConsulta::Resultados() {
     tabla_->horizontalHeader()->setResizeContentsPrecision(kFilasMedidas);
     tabla_->horizontalHeader()->setSortIndicator(0, Qt::AscendingOrder);
     tabla_->setSortingEnabled(true);
+    tabla_->resizeColumnsToContents();
     tabla_->installEventFilter(this);
     connect(tabla_, &QTableView::doubleClicked, this, &DlgConsulta::Aceptar);
     auto* const linea = new QHBoxLayout;
@@ -237,9 +241,7 @@ bool DlgConsulta::eventFilter(QObject* objeto, QEvent* evento) {
 
 void DlgConsulta::AlCambiarOperador(const Renglon& renglon) {
     const auto operador = static_cast<Operador>(renglon.operador->currentData().toInt());
-    QWidget* const valor = renglon.lista != nullptr ? static_cast<QWidget*>(renglon.lista)
-                                                    : static_cast<QWidget*>(renglon.texto);
-    valor->setEnabled(operador != Operador::Vacio);
+    renglon.Control()->setEnabled(operador != Operador::Vacio);
     if (renglon.hasta != nullptr) renglon.hasta->setVisible(operador == Operador::Entre);
 }
 
@@ -255,9 +257,9 @@ void DlgConsulta::Consultar() {
     if (!sentencia) {
         dialogos_.Avisar(sentencia.error().mensaje, Icono::Exclamacion);
         const Renglon& malo = renglones_[sentencia.error().columna];
-        if (malo.lista != nullptr) return malo.lista->setFocus();
-        malo.texto->setFocus();
-        return malo.texto->selectAll();
+        malo.Control()->setFocus();
+        if (malo.texto != nullptr) malo.texto->selectAll();
+        return;
     }
     const bool hecho = modelo_.Releer([&] { return consulta_.Ejecutar(*sentencia); });
     const QHeaderView* const titulos = tabla_->horizontalHeader();
@@ -285,7 +287,7 @@ void DlgConsulta::Limpiar() {
         if (renglon.texto != nullptr) renglon.texto->clear();
         if (renglon.hasta != nullptr) renglon.hasta->clear();
     }
-    if (!renglones_.isEmpty()) renglones_.first().operador->setFocus();
+    if (!renglones_.isEmpty()) renglones_.first().Control()->setFocus();
 }
 
 void DlgConsulta::Aceptar() {
@@ -321,6 +323,7 @@ void DlgConsulta::Exportar(const Formato& formato) {
     dialogo.setObjectName(u"dlgArchivo"_s);
     dialogo.setAcceptMode(QFileDialog::AcceptSave);
     dialogo.setDefaultSuffix(formato.sufijo);
+    dialogo.setViewMode(QFileDialog::List);
     dialogo.setLabelText(QFileDialog::LookIn, u"Carpeta:"_s);
     dialogo.setLabelText(QFileDialog::FileName, u"&Nombre:"_s);
     dialogo.setLabelText(QFileDialog::FileType, u"Tipo:"_s);

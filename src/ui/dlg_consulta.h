@@ -39,6 +39,9 @@ private:
         QComboBox* lista = nullptr;
         QLineEdit* hasta = nullptr;  // none where "entre" makes no sense
         QString Valor() const { return lista != nullptr ? lista->currentText() : texto->text(); }
+        QWidget* Control() const {
+            return lista != nullptr ? static_cast<QWidget*>(lista) : static_cast<QWidget*>(texto);
+        }
     };
     struct Formato;
 

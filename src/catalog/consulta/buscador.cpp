@@ -136,8 +136,8 @@ QString Buscador::Mensaje(Hallazgo hallazgo, const CriterioBusqueda& criterio) c
         if (valor) partes << campos_[i].titulo + u": "_s + Visible(*valor, i);
     }
     const QString fila = partes.join(u"   "_s);
-    if (hallazgo == Hallazgo::Unico) return u"Es la única coincidencia. "_s + fila;
-    if (hallazgo == Hallazgo::DesdePrincipio) return u"Se siguió desde el principio. "_s + fila;
+    if (hallazgo == Hallazgo::Unico) return u"Es la única coincidencia.\n"_s + fila;
+    if (hallazgo == Hallazgo::DesdePrincipio) return u"Se siguió desde el principio.\n"_s + fila;
     return fila;
 }
 

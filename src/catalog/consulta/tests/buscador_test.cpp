@@ -111,7 +111,7 @@ TEST_F(BuscadorTest, SiguienteDaUnaVueltaYLoDice) {
     EXPECT_EQ(buscador.Siguiente(cafe), DesdePrincipio);
     EXPECT_EQ(Actual(), 1);
     EXPECT_EQ(buscador.Mensaje(DesdePrincipio, cafe),
-              u"Se siguió desde el principio. Clave: 1   Nombre: Café de olla"_s);
+              u"Se siguió desde el principio.\nClave: 1   Nombre: Café de olla"_s);
     EXPECT_EQ(buscador.Siguiente({u"zzz"_s}), Nada);
     EXPECT_EQ(Actual(), 1) << "a search without a find must not move";
     EXPECT_EQ(buscador.Mensaje(Nada, {u" zzz "_s}), u"No se encontró «zzz»."_s);
