@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QCompleter>
 #include <QFileDialog>
 #include <QHeaderView>
 #include <QKeyEvent>
@@ -53,9 +54,11 @@ QComboBox* ListaDeValores(const catalog::ColumnaFiltrable& columna, const QStrin
     if (columna.codigos.isEmpty()) lista->addItems({u"Sí"_s, u"No"_s});
     for (const catalog::CodigoMostrado& codigo : columna.codigos)
         lista->addItem(codigo.texto);
-    // A code that has no text of its own can still be written.
-    lista->setEditable(!columna.codigos.isEmpty());
+    if (columna.codigos.isEmpty()) return lista;
+    // A code that has no text of its own can still be written: what is written stays as it is.
+    lista->setEditable(true);
     lista->setInsertPolicy(QComboBox::NoInsert);
+    lista->completer()->setCompletionMode(QCompleter::PopupCompletion);
     return lista;
 }
 

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include <QRegularExpression>
+
 #include "catalog/consulta/valores_escritos.h"
 
 using namespace Qt::StringLiterals;
@@ -34,6 +36,7 @@ struct Buscador::Patron {
           texto(Plegar(criterio.texto.trimmed())),
           numero(LeerNumero(criterio.texto)),
           cifras(numero ? QString::fromStdString(numero->ATexto()) : SoloCifras(texto)),
+          es_cifras(cifras.contains(QRegularExpression(u"^[-.0-9]+$"_s))),
           dia(LeerFecha(criterio.texto)),
           fecha(dia ? dia->toString(u"dd/MM/yyyy"_s) : texto),
           logico(LeerLogico(criterio.texto)) {}
@@ -42,6 +45,7 @@ struct Buscador::Patron {
     QString texto;
     std::optional<base::Decimal> numero;
     QString cifras;
+    bool es_cifras;
     std::optional<QDate> dia;
     QString fecha;
     std::optional<bool> logico;
@@ -76,11 +80,10 @@ bool Buscador::Coincide(const QVariant& valor, const Lugar& lugar, const Patron&
                               patron.modo);
     switch (ClaseDe(filas_->Columnas()[lugar.columna].tipo)) {
         case ClaseValor::Numero: {
+            if (!patron.es_cifras) return false;
             const QString visible = SoloCifras(TextoVisible(valor));
-            if (patron.modo != ModoBusqueda::Igual) {
-                return !patron.cifras.isEmpty() &&
-                       CompararTextos(visible, patron.cifras, patron.modo);
-            }
+            if (patron.modo != ModoBusqueda::Igual)
+                return CompararTextos(visible, patron.cifras, patron.modo);
             const auto numero = LeerNumero(visible);
             return patron.numero && numero && Comparar(*numero, *patron.numero) == 0;
         }

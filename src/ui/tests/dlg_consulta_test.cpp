@@ -129,8 +129,14 @@ private slots:
         QTest::keyClick(existencia, Qt::Key_Return);
         QVERIFY(De<QTableView>(dialogo, u"sprResultado"_s)->model()->rowCount() > 0);
         De<QPushButton>(dialogo, u"cmdLimpiar"_s)->click();
-        De<QPushButton>(dialogo, u"cmdConsultar"_s)->click();
+        auto* const paquete = De<QComboBox>(dialogo, u"cmbValor3"_s);
+        QTest::keyClick(paquete, Qt::Key_Return);
         QCOMPARE(De<QLabel>(dialogo, u"lblRegistros"_s)->text(), u"Registros: 103"_s);
+        auto* const estado = De<QComboBox>(dialogo, u"cmbValor4"_s);
+        QTest::keyClicks(estado, u"z"_s);
+        QTest::keyClick(estado, Qt::Key_Return);
+        QCOMPARE(De<QLabel>(dialogo, u"lblRegistros"_s)->text(), u"Registros: 0"_s);
+        QCOMPARE(estado->currentText(), u"z"_s);
     }
 
     void UnErrorDeLaBaseSeMuestraYSeSigue() {

@@ -161,6 +161,19 @@ TEST_F(ConsultaTest, UnaColumnaQueNoExisteSeDiceYSePuedeSeguir) {
     EXPECT_EQ(consulta.Tabla().Filas(), 0);
     EXPECT_EQ(Columna(consulta, {{0, Igual, u"2"_s}}, 1), QStringList{u"Bar"_s});
     EXPECT_EQ(consulta.Clave(0), QVariant(2));
+
+    Consulta cortesia(kCortesia, central_.Ado());
+    EXPECT_EQ(ClaseDe(cortesia.Columnas()[0].tipo), ClaseValor::Numero);
+    EXPECT_FALSE(cortesia.Ejecutar(*cortesia.Sentencia({})));
+    EXPECT_TRUE(central_.Dialogos().Mostrados().last().contains(u"Abrir_Gaveta"_s));
+}
+
+TEST_F(ConsultaTest, SinConexionNoSePierdeNada) {
+    Consulta consulta(kSubMenu, central_.Ado());
+    EXPECT_EQ(Columna(consulta, {}, 0).size(), 6);
+    central_.Ado().Desconectar();
+    EXPECT_FALSE(consulta.Ejecutar(*consulta.Sentencia({})));
+    EXPECT_EQ(Consulta(kSubMenu, central_.Ado()).Columnas().size(), 2);
 }
 
 TEST_F(ConsultaTest, OrdenaNumerosFechasYTextosComoSon) {

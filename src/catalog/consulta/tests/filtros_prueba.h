@@ -94,6 +94,14 @@ inline constexpr std::array<ColumnaFiltro, 3> kColumnasPaquete = {{
     {u"Producto", u"Nombre_Completo", u"Nombre_Completo"},
 }};
 
+// Two of its columns are another table's.
+inline constexpr std::array<ColumnaFiltro, 3> kColumnasCortesia = {{
+    {u"Id Cortesia", u"ID_Tipo_Cortesia", u"ID_Tipo_Cortesia"},
+    {u"Nombre", u"Nombre_Tipo_Cortesia", u"Nombre_Tipo_Cortesia"},
+    {u"Abrir Gaveta", u"Abrir_Gaveta", u"Abrir_Gaveta"},
+}};
+
+inline constexpr FiltroDef kCortesia = {u"Tipo_Cortesia WHERE", kColumnasCortesia};
 inline constexpr FiltroDef kTipoPago = {u"Tipo_Pago WHERE", kColumnasTipoPago};
 inline constexpr FiltroDef kTiposAnulacion = {u"Tipos_Anulacion WHERE", kColumnasTiposAnulacion};
 inline constexpr FiltroDef kCategoria = {u"Categoria WHERE", kColumnasCategoria};
