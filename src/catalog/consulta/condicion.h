@@ -1,0 +1,65 @@
+#pragma once
+
+#include <QPair>
+#include <QString>
+#include <QVector>
+
+#include "catalog/consulta/valores_escritos.h"
+
+namespace quimo::catalog {
+
+enum class Operador {
+    Contiene,
+    Empieza,
+    Igual,
+    Distinto,
+    MayorIgual,
+    MenorIgual,
+    Entre,
+    Vacio,
+};
+
+/// How an operator is called on the screen.
+QString NombreDe(Operador operador);
+
+/// A code that a column stores, and what is shown for it. An empty code: every other one.
+struct CodigoMostrado {
+    QString codigo;
+    QString texto;
+};
+
+/// The codes that a shown expression "CASE columna WHEN 'E' THEN 'Efectivo' ... END" translates;
+/// none for anything else.
+QVector<CodigoMostrado> CodigosDe(QStringView expresion, QStringView columna);
+
+/// A column on which rows can be filtered.
+struct ColumnaFiltrable {
+    QString titulo;
+    QString columna;  ///< as the statement names it
+    foundation::TipoSql tipo = foundation::TipoSql::VarChar;
+    QVector<CodigoMostrado> codigos = {};
+
+    /// The operators that make sense for it, the usual one first.
+    QVector<Operador> Operadores() const;
+};
+
+/// What the user asks of one column. Without a value it asks nothing, but for "vacío".
+struct Condicion {
+    qsizetype columna = 0;  ///< its place
+    Operador operador = Operador::Igual;
+    QString valor = {};
+    QString hasta = {};  ///< the upper end of "entre"; either end may be left open
+};
+
+/// Why a condition cannot be sent, in Spanish, and whose it is.
+struct CondicionMalEscrita {
+    qsizetype columna = 0;
+    QString mensaje;
+};
+
+/// The condition as T-SQL; empty when it asks nothing. Texts have their apostrophes doubled and
+/// stand for themselves in LIKE; a date means the whole day. "Distinto" holds for empty values too.
+base::Result<QString, CondicionMalEscrita> TextoDeCondicion(const ColumnaFiltrable& columna,
+                                                            const Condicion& condicion);
+
+}  // namespace quimo::catalog

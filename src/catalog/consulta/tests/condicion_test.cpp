@@ -1,0 +1,125 @@
+#include "catalog/consulta/condicion.h"
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+namespace quimo::catalog {
+namespace {
+
+using foundation::TipoSql;
+using enum Operador;
+
+struct Numero {
+    const char16_t* escrito;
+    const char* leido;  // "" is refused
+};
+class LeerNumeroTest : public testing::TestWithParam<Numero> {};
+TEST_P(LeerNumeroTest, EntiendeComaYPunto) {
+    const auto numero = LeerNumero(QString::fromUtf16(GetParam().escrito));
+    EXPECT_EQ(numero ? numero->ATexto() : "", GetParam().leido);
+}
+INSTANTIATE_TEST_SUITE_P(
+    Numeros, LeerNumeroTest,
+    testing::Values(Numero{u"1234.5", "1234.5"}, Numero{u"1234,5", "1234.5"},
+                    Numero{u"$1,234.50", "1234.50"}, Numero{u"1.234,50", "1234.50"},
+                    Numero{u"1,234", "1234"}, Numero{u"0,125", "0.125"}, Numero{u"1.234", "1.234"},
+                    Numero{u"12,5", "12.5"}, Numero{u"1,234,567", "1234567"},
+                    Numero{u" - 5 ", "-5"}, Numero{u"+7", "7"}, Numero{u".5", "0.5"},
+                    Numero{u"5.", "5"}, Numero{u"1.2.3", ""}, Numero{u"1,2,3", ""},
+                    Numero{u"12,34.5", ""}, Numero{u"1,234.5,6", ""}, Numero{u"--1", ""},
+                    Numero{u"", ""}, Numero{u".", ""}, Numero{u"12a", ""}, Numero{u"😀", ""},
+                    Numero{u"1e5", ""}, Numero{u"99999999999999999999999999999999999999999", ""}));
+
+TEST(LeerFechaTest, SoloLasQueExisten) {
+    EXPECT_EQ(LeerFecha(u" 1/2/2026 "_s), QDate(2026, 2, 1));
+    EXPECT_EQ(LeerFecha(u"29-02-2024"_s), QDate(2024, 2, 29));
+    for (const QString& mala :
+         {u"29/02/2026"_s, u"31/04/2026"_s, u"1/13/2026"_s, u"01/01/26"_s, u"2026/01/01"_s,
+          u"01/01-2026"_s, u"01/01/1752"_s, u"01/01/0000"_s, u"hoy"_s, QString()}) {
+        EXPECT_FALSE(LeerFecha(mala)) << mala.toStdString();
+    }
+}
+
+TEST(PlegarTest, LosAcentosCaenYLaEneQueda) {
+    EXPECT_EQ(Plegar(u"CAFÉ Ü"_s), u"cafe u"_s);
+    EXPECT_EQ(Plegar(u"NIÑO"_s), u"niño"_s);
+    EXPECT_EQ(Plegar(u"nin\u0303o"_s), u"niño"_s);
+    EXPECT_NE(Plegar(u"piña"_s), Plegar(u"pina"_s));
+}
+
+constexpr char16_t kCaso[] =
+    u"CASE c WHEN 'E' THEN 'Efectivo' WHEN 'D' THEN 'Débito' ELSE 'Otro' END AS c";
+
+struct Caso {
+    TipoSql tipo;
+    Operador operador;
+    const char16_t* valor;
+    const char16_t* hasta;
+    const char16_t* tsql;  // begins with "!": the message
+};
+class CondicionTest : public testing::TestWithParam<Caso> {};
+TEST_P(CondicionTest, EsTsql) {
+    const Caso& caso = GetParam();
+    ColumnaFiltrable columna{u"Campo"_s, u"c"_s, caso.tipo};
+    if (caso.tipo == TipoSql::Char) columna.codigos = CodigosDe(kCaso, u"c");
+    const auto texto = TextoDeCondicion(columna, {3, caso.operador, QString::fromUtf16(caso.valor),
+                                                  QString::fromUtf16(caso.hasta)});
+    EXPECT_EQ(texto ? *texto : u"!"_s + texto.error().mensaje, QString::fromUtf16(caso.tsql));
+    EXPECT_EQ(texto ? 3 : texto.error().columna, 3);
+}
+INSTANTIATE_TEST_SUITE_P(
+    Textos, CondicionTest,
+    testing::Values(Caso{TipoSql::VarChar, Igual, u" Menú d'oro ", u"", u"c='Menú d''oro'"},
+                    Caso{TipoSql::VarChar, Distinto, u"x", u"", u"(c<>'x' OR c IS NULL)"},
+                    Caso{TipoSql::VarChar, Contiene, u"50%_[a]'", u"",
+                         u"c LIKE '%50[%][_][[]a]''%'"},
+                    Caso{TipoSql::VarChar, Empieza, u"A", u"", u"c LIKE 'A%'"},
+                    Caso{TipoSql::VarChar, Contiene, u"☕", u"", u"c LIKE N'%☕%'"},
+                    Caso{TipoSql::NVarChar, Igual, u"a", u"", u"c=N'a'"},
+                    Caso{TipoSql::VarChar, Entre, u"a", u"c", u"(c>='a' AND c<='c')"},
+                    Caso{TipoSql::VarChar, Entre, u"", u"c", u"c<='c'"},
+                    Caso{TipoSql::VarChar, Entre, u"", u"", u""},
+                    Caso{TipoSql::VarChar, Igual, u"  ", u"", u""},
+                    Caso{TipoSql::VarChar, Vacio, u"sobra", u"", u"(c IS NULL OR c='')"},
+                    Caso{TipoSql::Char, Igual, u"debito", u"", u"c='D'"},
+                    Caso{TipoSql::Char, Igual, u"D", u"", u"c='D'"},
+                    Caso{TipoSql::Char, Distinto, u"Efectivo", u"", u"(c<>'E' OR c IS NULL)"},
+                    Caso{TipoSql::Char, Igual, u"Otro", u"", u"(c NOT IN ('E','D') OR c IS NULL)"},
+                    Caso{TipoSql::Char, Distinto, u"Otro", u"", u"c IN ('E','D')"}));
+INSTANTIATE_TEST_SUITE_P(
+    OtrosTipos, CondicionTest,
+    testing::Values(
+        Caso{TipoSql::Money, Igual, u"1.234,50", u"", u"c=1234.50"},
+        Caso{TipoSql::Int, MayorIgual, u"5", u"", u"c>=5"},
+        Caso{TipoSql::Int, Entre, u"2", u"10", u"(c>=2 AND c<=10)"},
+        Caso{TipoSql::Int, Entre, u"10", u"9,5",
+             u"!Campo: El segundo valor de «entre» es menor que el primero."},
+        Caso{TipoSql::Int, Entre, u"x", u"", u"!Campo: «x» no es un número."},
+        Caso{TipoSql::Int, Vacio, u"", u"", u"c IS NULL"},
+        Caso{TipoSql::Numeric, Igual, u"1.2.3", u"", u"!Campo: «1.2.3» no es un número."},
+        Caso{TipoSql::Numeric, Igual, u"1 OR 1=1", u"", u"!Campo: «1 OR 1=1» no es un número."},
+        Caso{TipoSql::Bit, Igual, u"sí", u"", u"c=1"},
+        Caso{TipoSql::Bit, Distinto, u"No", u"", u"(c<>0 OR c IS NULL)"},
+        Caso{TipoSql::Bit, Igual, u"quizá", u"", u"!Campo: Escriba Sí o No en vez de «quizá»."},
+        Caso{TipoSql::DateTime, Igual, u"31/12/2026", u"", u"(c>='31/12/2026' AND c<'01/01/2027')"},
+        Caso{TipoSql::DateTime, Distinto, u"1/1/2026", u"",
+             u"(c<'01/01/2026' OR c>='02/01/2026' OR c IS NULL)"},
+        Caso{TipoSql::DateTime, MenorIgual, u"1/1/2026", u"", u"c<'02/01/2026'"},
+        Caso{TipoSql::DateTime, Igual, u"31/12/9999", u"", u"(c>='31/12/9999' AND c IS NOT NULL)"},
+        Caso{TipoSql::DateTime, Entre, u"1/1/2026", u"2/1/2026",
+             u"(c>='01/01/2026' AND c<'03/01/2026')"},
+        Caso{TipoSql::SmallDateTime, Igual, u"07/06/2079", u"",
+             u"!Campo: La fecha 07/06/2079 está fuera de lo que se puede guardar."},
+        Caso{TipoSql::DateTime, Igual, u"30/02/2026", u"",
+             u"!Campo: «30/02/2026» no es una fecha que exista. Escríbala como día/mes/año: "
+             u"31/12/2026."}));
+
+TEST(CodigosDeTest, SoloDelCasoSobreLaMismaColumna) {
+    EXPECT_EQ(CodigosDe(kCaso, u"C ").size(), 3);
+    EXPECT_TRUE(CodigosDe(kCaso, u"otra").isEmpty());
+    EXPECT_TRUE(CodigosDe(u"Nombre_Menu", u"Nombre_Menu").isEmpty());
+}
+
+}  // namespace
+}  // namespace quimo::catalog
