@@ -4,6 +4,7 @@
 #include "foundation/conector.h"
 #include "foundation/rutas.h"
 #include "ui/aspecto.h"
+#include "ui/dialogos_de_editor.h"
 #include "ui/frm_inicio.h"
 
 using namespace Qt::StringLiterals;
@@ -89,7 +90,7 @@ void Escritorio::AbrirPrincipal() {
 void Escritorio::RegistrarEditores() {
     for (const catalog::EditorDef* const def : catalog::Editores()) {
         principal_->RegistrarVentana(def->orden.toString(), [this, def] {
-            return ui::VentanaEditor::Abrir(*def, *ado_, dialogos_de_editor_);
+            return ui::VentanaEditor::Abrir(*def, *ado_, ui::DialogosDeBusqueda(*ado_));
         });
     }
 }

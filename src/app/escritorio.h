@@ -60,7 +60,6 @@ private:
     std::unique_ptr<foundation::Login> login_;
     foundation::EstadoSesion sesion_;
     std::unique_ptr<ui::frmLogin> ventana_login_;
-    ui::DialogosDeEditor dialogos_de_editor_;  // search and filter, which editors open
     std::unique_ptr<ui::MDIPrincipal> principal_;
 };
 

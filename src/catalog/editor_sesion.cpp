@@ -92,25 +92,34 @@ void EditorSesion::MostrarCampo(qsizetype campo, const QVariant& guardado) {
     ElegirPorValor(campo);
 }
 
-void EditorSesion::ElegirPorValor(qsizetype campo) {
+int EditorSesion::EntradaDe(qsizetype campo, const QString& valor) const {
     const CampoDef& def = Campo(campo);
-    int elegido = -1;
     if (def.tipo == TipoCampo::Codigo) {
         const auto hallado =
             std::find_if(def.codigos.begin(), def.codigos.end(),
-                         [&](const ItemCodigo& item) { return item.codigo == valores_[campo]; });
-        if (hallado != def.codigos.end()) {
-            elegido = static_cast<int>(hallado - def.codigos.begin());
-        }
-    } else if (def.tipo == TipoCampo::Lista) {
-        const auto& lista = listas_[campo];
-        const bool nulo = valores_[campo].isEmpty() && !def.lista->ninguno.isEmpty();
-        if (nulo) elegido = static_cast<int>(lista.size()) - 1;
-        for (int i = 0; !nulo && i < lista.size(); ++i) {
-            if (QString::number(lista[i].dato) == valores_[campo]) elegido = i;
-        }
+                         [&](const ItemCodigo& item) { return item.codigo == valor; });
+        return hallado == def.codigos.end() ? -1 : static_cast<int>(hallado - def.codigos.begin());
     }
-    elegidos_[campo] = elegido;
+    if (def.tipo != TipoCampo::Lista) return -1;
+    const auto& lista = listas_[campo];
+    if (valor.isEmpty() && !def.lista->ninguno.isEmpty()) return static_cast<int>(lista.size()) - 1;
+    int entrada = -1;
+    for (int i = 0; i < lista.size(); ++i) {
+        if (QString::number(lista[i].dato) == valor) entrada = i;
+    }
+    return entrada;
+}
+
+void EditorSesion::ElegirPorValor(qsizetype campo) {
+    elegidos_[campo] = EntradaDe(campo, valores_[campo]);
+}
+
+QString EditorSesion::Visible(qsizetype campo, const QVariant& guardado) const {
+    const CampoDef& def = Campo(campo);
+    if (def.mascara != nullptr) return def.mascara->mostrar(guardado);
+    const QString valor = foundation::TextoDeValor(guardado);
+    if (def.tipo != TipoCampo::Codigo && def.tipo != TipoCampo::Lista) return valor;
+    return Entradas(campo).value(EntradaDe(campo, valor));
 }
 
 void EditorSesion::CargarDetalles() {
@@ -205,9 +214,11 @@ bool EditorSesion::BuscarClave(const QString& clave) {
 }
 
 bool EditorSesion::IrAClave(const QString& clave) {
-    if (EnEdicion() || !BuscarClave(clave)) return false;
+    if (EnEdicion()) return false;
+    // A row that somebody else added since this set was opened.
+    const bool hallada = BuscarClave(clave) || (Releer() && BuscarClave(clave));
     MostrarActual();
-    return true;
+    return hallada;
 }
 
 bool EditorSesion::Borrar() {

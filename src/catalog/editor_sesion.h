@@ -84,6 +84,8 @@ public:
     /// The entries of a combo box, and the one that is chosen (-1 without).
     QStringList Entradas(qsizetype campo) const;
     int Elegido(qsizetype campo) const { return elegidos_[campo]; }
+    /// What a field shows for a stored value: of a combo box the entry's text.
+    QString Visible(qsizetype campo, const QVariant& guardado) const;
     void Elegir(qsizetype campo, int entrada);
 
     std::span<DetalleSesion> Detalles() { return detalles_; }
@@ -100,6 +102,7 @@ private:
     void Avisar(const QString& texto, foundation::Icono icono = foundation::Icono::Exclamacion);
     bool CargarListas();
     void MostrarCampo(qsizetype campo, const QVariant& guardado);
+    int EntradaDe(qsizetype campo, const QString& valor) const;
     void ElegirPorValor(qsizetype campo);
     void CargarDetalles();
     void Empezar(Estado estado);

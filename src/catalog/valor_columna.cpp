@@ -2,11 +2,9 @@
 
 #include <limits>
 
-#include <QDate>
-#include <QRegularExpression>
-
 #include "base/decimal.h"
 #include "base/dinero.h"
+#include "catalog/consulta/valores_escritos.h"
 #include "security/pagina_codigos.h"
 
 using namespace Qt::StringLiterals;
@@ -18,8 +16,6 @@ using foundation::TipoSql;
 namespace {
 
 using Valor = base::Result<QVariant, Objecion>;
-
-constexpr int kPrimerAnio = 1753;  // where the database's calendar begins
 
 struct RangoEntero {
     TipoSql tipo;
@@ -103,15 +99,12 @@ Valor ValorParaColumna(const foundation::Columna& columna, const QString& campo,
 }
 
 base::Result<QString, Objecion> FechaEscrita(const QString& texto) {
-    static const QRegularExpression kForma(u"^(\\d{1,2})[/.-](\\d{1,2})[/.-](\\d{4})$"_s);
-    const QRegularExpressionMatch partes = kForma.match(texto.trimmed());
-    const QDate fecha(partes.captured(3).toInt(), partes.captured(2).toInt(),
-                      partes.captured(1).toInt());
-    if (!partes.hasMatch() || !fecha.isValid() || fecha.year() < kPrimerAnio) {
+    const auto fecha = LeerFecha(texto);
+    if (!fecha) {
         return Objecion{u"La fecha "_s + texto +
                         u" no existe. Se escribe día/mes/año, como 31/12/2026"_s};
     }
-    return fecha.toString(u"dd/MM/yyyy"_s);
+    return fecha->toString(u"dd/MM/yyyy"_s);
 }
 
 }  // namespace quimo::catalog

@@ -1,6 +1,7 @@
 #include "foundation/valores.h"
 
 #include <QByteArray>
+#include <QRegularExpression>
 #include <QUuid>
 
 #include "base/decimal.h"
@@ -38,39 +39,41 @@ QString TextoDeValor(const QVariant& valor) {
 
 namespace {
 
-/// The whole part without the signs that set its thousands apart; nothing when they stand wrong.
-std::optional<QString> SinMillares(const QString& entero, QChar signo) {
-    const QStringList grupos = entero.split(signo);
-    for (qsizetype i = 1; i < grupos.size(); ++i) {
-        if (grupos[i].size() != 3) return std::nullopt;
-    }
-    return grupos.join(QString());
+/// The text with its thousands' signs taken away and a point for the decimals. Nothing when the
+/// thousands are not groups of three.
+std::optional<QString> SinMillares(QString numero, QChar millares, QChar decimales) {
+    const QString m = QRegularExpression::escape(millares);
+    const QRegularExpression forma(u"^-?[0-9]{1,3}(%1[0-9]{3})*(%2[0-9]+)?$"_s.arg(
+        m, QRegularExpression::escape(QString(decimales))));
+    if (!forma.match(numero).hasMatch()) return std::nullopt;
+    return numero.remove(millares).replace(decimales, u'.');
 }
 
 }  // namespace
 
 std::optional<QString> NumeroEscrito(const QString& texto) {
-    QString numero = texto;
-    numero.remove(u'$').remove(u' ').remove(QChar::Nbsp);
+    QString numero = texto.simplified().remove(u' ').remove(u'$');
+    if (numero.startsWith(u'+')) numero.remove(0, 1);
     const qsizetype coma = numero.lastIndexOf(u',');
     const qsizetype punto = numero.lastIndexOf(u'.');
-    QString fraccion;
-    const auto partir = [&numero, &fraccion](qsizetype lugar) {
-        fraccion = u'.' + numero.mid(lugar + 1);
-        numero.truncate(lugar);
-    };
-    QChar millares = u',';
-    if (coma > punto) {
-        // Alone before three digits it can only be read as it is shown: 1,234.
-        const bool decimal = punto >= 0 || (numero.count(u',') == 1 && numero.size() - coma != 4);
-        if (decimal) partir(coma);
-        if (punto >= 0) millares = u'.';
-    } else if (punto >= 0) {
-        partir(punto);
+    if (coma >= 0) {
+        const QChar decimal = coma > punto && punto >= 0 ? u',' : u'.';
+        const auto limpio = SinMillares(numero, decimal == u',' ? u'.' : u',', decimal);
+        // "0,125" is less than one: nobody writes thousands behind a zero.
+        static const QRegularExpression kTrasCero(u"^-?0,"_s);
+        if (limpio && !numero.contains(kTrasCero)) {
+            numero = *limpio;
+        } else if (punto < 0 && numero.count(u',') == 1) {
+            numero.replace(u',', u'.');
+        } else {
+            return std::nullopt;
+        }
     }
-    const auto entero = SinMillares(numero, millares);
-    if (!entero) return std::nullopt;
-    const auto leido = base::Decimal::DeTexto((*entero + fraccion).toStdString());
+    static const QRegularExpression kNumero(u"^-?([0-9]+\\.?[0-9]*|\\.[0-9]+)$"_s);
+    if (!kNumero.match(numero).hasMatch()) return std::nullopt;
+    if (numero.endsWith(u'.')) numero.chop(1);
+    numero.replace(QRegularExpression(u"^(-?)\\."_s), u"\\10."_s);
+    const auto leido = base::Decimal::DeTexto(numero.toStdString());
     if (!leido) return std::nullopt;
     return QString::fromStdString(leido->ATexto());
 }

@@ -42,16 +42,6 @@ std::array<char16_t, kLatinas> TablaLatina() {
     return tabla;
 }
 
-/// The text with its thousands' signs taken away and a point for the decimals. Nothing when the
-/// thousands are not groups of three.
-std::optional<QString> SinMillares(QString numero, QChar millares, QChar decimales) {
-    const QString m = QRegularExpression::escape(millares);
-    const QRegularExpression forma(u"^-?[0-9]{1,3}(%1[0-9]{3})*(%2[0-9]+)?$"_s.arg(
-        m, QRegularExpression::escape(QString(decimales))));
-    if (!forma.match(numero).hasMatch()) return std::nullopt;
-    return numero.remove(millares).replace(decimales, u'.');
-}
-
 }  // namespace
 
 ClaseValor ClaseDe(foundation::TipoSql tipo) {
@@ -89,28 +79,9 @@ ClaseValor ClaseDe(foundation::TipoSql tipo) {
 }
 
 std::optional<base::Decimal> LeerNumero(const QString& escrito) {
-    QString numero = escrito.simplified().remove(u' ').remove(u'$');
-    if (numero.startsWith(u'+')) numero.remove(0, 1);
-    const qsizetype coma = numero.lastIndexOf(u',');
-    const qsizetype punto = numero.lastIndexOf(u'.');
-    if (coma >= 0) {
-        const QChar decimal = coma > punto && punto >= 0 ? u',' : u'.';
-        const auto limpio = SinMillares(numero, decimal == u',' ? u'.' : u',', decimal);
-        // "0,125" is less than one: nobody writes thousands behind a zero.
-        static const QRegularExpression kTrasCero(u"^-?0,"_s);
-        if (limpio && !numero.contains(kTrasCero)) {
-            numero = *limpio;
-        } else if (punto < 0 && numero.count(u',') == 1) {
-            numero.replace(u',', u'.');
-        } else {
-            return std::nullopt;
-        }
-    }
-    static const QRegularExpression kNumero(u"^-?([0-9]+\\.?[0-9]*|\\.[0-9]+)$"_s);
-    if (!kNumero.match(numero).hasMatch()) return std::nullopt;
-    if (numero.endsWith(u'.')) numero.chop(1);
-    numero.replace(QRegularExpression(u"^(-?)\\."_s), u"\\10."_s);
-    return base::Decimal::DeTexto(numero.toStdString());
+    const auto numero = foundation::NumeroEscrito(escrito);
+    if (!numero) return std::nullopt;
+    return base::Decimal::DeTexto(numero->toStdString());
 }
 
 std::optional<QDate> LeerFecha(const QString& escrito) {

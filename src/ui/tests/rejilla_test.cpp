@@ -13,6 +13,7 @@
 
 #include "base/decimal.h"
 #include "base/dinero.h"
+#include "foundation/valores.h"
 
 namespace quimo::ui {
 namespace {
@@ -173,7 +174,8 @@ TEST(FormatoCeldaTest, NumbersAreExactWhateverTheyComeAs) {
     };
     for (const auto& caso : casos)
         EXPECT_EQ(NumeroVisible(caso.valor, caso.tipo, caso.decimales), caso.visible);
-    EXPECT_FALSE(NumeroEscrito(u"12x"_s) || NumeroEscrito(u""_s) || NumeroEscrito(u"1.2.3"_s));
+    EXPECT_FALSE(foundation::NumeroEscrito(u"12x"_s) || foundation::NumeroEscrito(u""_s) ||
+                 foundation::NumeroEscrito(u"1.2.3"_s));
 }
 
 }  // namespace

@@ -3,17 +3,22 @@
 #include <gtest/gtest.h>
 
 #include <QClipboard>
+#include <QDialog>
 #include <QHeaderView>
 #include <QMdiSubWindow>
+#include <QPushButton>
 #include <QSettings>
 #include <QStandardPaths>
+#include <QTableView>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 
 #include "catalog/editores.h"
 #include "foundation/conector.h"
 #include "foundation/esquema.h"
 #include "support/dialogos_guion.h"
+#include "ui/dialogos_de_editor.h"
 #include "ui/mdi_principal.h"
 
 using namespace Qt::StringLiterals;
@@ -45,9 +50,15 @@ private slots:
     void EscapeSaleDeLaCeldaYDespuesDelRegistro();
     void ElPrecioSeFiltraYSeRevisaAlSalir();
     void CerrarPreguntaYAbrirDosVecesTraeAlFrente();
+    void BuscarMueveElRegistro();
+    void ConsultaLlevaAlRegistroElegido();
+    void LaColumnaQueNoExisteSeAvisaYSePuedeSeguir();
 
 private:
     VentanaEditor* Abrir(const EditorDef& def);
+    /// Runs a command that opens a dialog, and does something with that dialog.
+    void ConDialogo(VentanaEditor* ventana, OrdenVentana orden,
+                    const std::function<void(QDialog*)>& que);
     void Tecla(Qt::Key tecla, Qt::KeyboardModifiers modos = Qt::NoModifier);
     void Teclear(const QString& texto);
     void LlenarConTeclado(VentanaEditor* ventana);
@@ -120,7 +131,9 @@ void VentanaEditorTest::cleanup() {
 
 VentanaEditor* VentanaEditorTest::Abrir(const EditorDef& def) {
     const QString orden = def.orden.toString();
-    principal_->RegistrarVentana(orden, [this, &def] { return VentanaEditor::Abrir(def, *ado_); });
+    principal_->RegistrarVentana(orden, [this, &def] {
+        return VentanaEditor::Abrir(def, *ado_, DialogosDeBusqueda(*ado_));
+    });
     principal_->findChild<QAction*>(orden)->trigger();
     return qobject_cast<VentanaEditor*>(principal_->Activa());
 }
@@ -158,6 +171,67 @@ void VentanaEditorTest::LlenarConTeclado(VentanaEditor* ventana) {
             Teclear(def.campos[i].tipo == TipoCampo::Numero ? u"12.5"_s : u"x"_s);
         }
     }
+}
+
+void VentanaEditorTest::ConDialogo(VentanaEditor* ventana, OrdenVentana orden,
+                                   const std::function<void(QDialog*)>& que) {
+    bool abierto = false;
+    QTimer::singleShot(0, this, [&] {
+        auto* const dialogo = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+        abierto = dialogo != nullptr;
+        if (!abierto) return;
+        que(dialogo);
+        if (dialogo->isVisible()) dialogo->reject();
+    });
+    ventana->Ejecutar(orden);
+    QVERIFY(abierto);
+}
+
+void VentanaEditorTest::BuscarMueveElRegistro() {
+    VentanaEditor* const ventana = Abrir(*catalog::Editores()[0]);
+    const QString ultima = [this, ventana] {
+        const auto& filas = ventana->Sesion().Conjunto()->Filas();
+        return filas.back().value(1).toString();
+    }();
+    ConDialogo(ventana, OrdenVentana::Buscar, [&](QDialog* dialogo) {
+        dialogo->findChild<QLineEdit*>(u"txtBuscar"_s)->setText(ultima.toUpper());
+        dialogo->findChild<QPushButton*>(u"cmdBuscar"_s)->click();
+    });
+    QCOMPARE(ventana->Sesion().Valor(1), ultima);
+    QCOMPARE(Hijo<QLineEdit>(ventana, ventana->Sesion().Def().campos[1].control.utf16())->text(),
+             ultima);
+}
+
+void VentanaEditorTest::ConsultaLlevaAlRegistroElegido() {
+    VentanaEditor* const ventana = Abrir(catalog::kOpProductos);
+    const QString clave =
+        Uno(u"SELECT MAX(ID_Producto) FROM Producto WHERE ID_Grupo_Impresoras IS "
+            "NOT NULL AND ID_Grupo_Modificadores IS NOT NULL"_s);
+    ConDialogo(ventana, OrdenVentana::Filtro, [&](QDialog* dialogo) {
+        dialogo->findChild<QLineEdit*>(u"txtValor0"_s)->setText(clave);
+        dialogo->findChild<QPushButton*>(u"cmdConsultar"_s)->click();
+        auto* const tabla = dialogo->findChild<QTableView*>(u"sprResultado"_s);
+        QCOMPARE(tabla->model()->rowCount(), 1);
+        tabla->setCurrentIndex(tabla->model()->index(0, 1));
+        QTest::keyClick(tabla, Qt::Key_Return);
+    });
+    QCOMPARE(Hijo<QLineEdit>(ventana, u"txtId")->text(), clave);
+    QCOMPARE(Mostrado(), QString());
+}
+
+void VentanaEditorTest::LaColumnaQueNoExisteSeAvisaYSePuedeSeguir() {
+    VentanaEditor* const ventana = Abrir(catalog::kOpMenu);
+    const QString clave = Hijo<QLineEdit>(ventana, u"txtId")->text();
+    ConDialogo(ventana, OrdenVentana::Filtro, [&](QDialog* dialogo) {
+        auto* const nombre = dialogo->findChild<QLineEdit*>(u"txtValor1"_s);
+        nombre->setText(u"Bar"_s);
+        dialogo->findChild<QPushButton*>(u"cmdConsultar"_s)->click();
+        QVERIFY(Mostrado().contains(u"Invalid column name 'Nombre_Menuu'"_s));
+        nombre->clear();
+        dialogo->findChild<QPushButton*>(u"cmdConsultar"_s)->click();
+        QCOMPARE(dialogo->findChild<QTableView*>(u"sprResultado"_s)->model()->rowCount(), 3);
+    });
+    QCOMPARE(Hijo<QLineEdit>(ventana, u"txtId")->text(), clave);
 }
 
 void VentanaEditorTest::TodosSeManejanConElTeclado_data() {
