@@ -1,25 +1,21 @@
-#include "ui/ventana_editor.h"
+#include "ui/tests/ventana_editor_test.h"
 
 #include <gtest/gtest.h>
 
 #include <QClipboard>
-#include <QDialog>
 #include <QHeaderView>
 #include <QMdiSubWindow>
 #include <QPushButton>
 #include <QSettings>
 #include <QStandardPaths>
 #include <QTableView>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 
 #include "catalog/editores.h"
 #include "foundation/conector.h"
 #include "foundation/esquema.h"
-#include "support/dialogos_guion.h"
 #include "ui/dialogos_de_editor.h"
-#include "ui/mdi_principal.h"
 
 using namespace Qt::StringLiterals;
 
@@ -29,67 +25,6 @@ using catalog::CampoDef;
 using catalog::EditorDef;
 using catalog::TipoCampo;
 using foundation::Respuesta;
-
-/// The real windows inside the real main window, over the recorded restaurant, with a scripted
-/// user.
-class VentanaEditorTest : public QObject {  // NOLINT(readability-identifier-naming)
-    Q_OBJECT
-private slots:
-    void initTestCase();
-    void init();
-    void cleanup();
-    void TodosSeManejanConElTeclado_data();
-    void TodosSeManejanConElTeclado();
-    void LosBotonesSiguenAlEstado();
-    void AvPagEsAnteriorYRePagSiguiente();
-    void ElComboYSuCajaOcultaVanJuntos();
-    void TeclasDeLaRejilla();
-    void LasColumnasSeOrdenanYGuardanSuAncho();
-    void PegarEnLaRejilla();
-    void UnaCeldaMalEscritaDetieneGuardar();
-    void EscapeSaleDeLaCeldaYDespuesDelRegistro();
-    void ElPrecioSeFiltraYSeRevisaAlSalir();
-    void CerrarPreguntaYAbrirDosVecesTraeAlFrente();
-    void BuscarMueveElRegistro();
-    void ConsultaLlevaAlRegistroElegido();
-    void LaColumnaQueNoExisteSeAvisaYSePuedeSeguir();
-
-private:
-    VentanaEditor* Abrir(const EditorDef& def);
-    /// Runs a command that opens a dialog, and does something with that dialog.
-    void ConDialogo(VentanaEditor* ventana, OrdenVentana orden,
-                    const std::function<void(QDialog*)>& que);
-    void Tecla(Qt::Key tecla, Qt::KeyboardModifiers modos = Qt::NoModifier);
-    void Teclear(const QString& texto);
-    void LlenarConTeclado(VentanaEditor* ventana);
-    template <typename Control>
-    Control* Hijo(VentanaEditor* ventana, const char16_t* nombre) {
-        auto* const hijo = ventana->findChild<Control*>(QString::fromUtf16(nombre));
-        if (hijo == nullptr) qFatal("no such control");
-        return hijo;
-    }
-    QString Mostrado() {
-        const QString todo = guion_->Mostrados().join(u';');
-        guion_->Olvidar();
-        return todo;
-    }
-    QString Uno(const QString& consulta) {
-        foundation::RecordsetPtr filas;
-        if (!ado_->Consultar(filas, consulta) || filas->Vacio()) return u"?"_s;
-        return filas->Filas().front().value(0).toString();
-    }
-
-    QTemporaryDir ajustes_;
-    QTemporaryDir original_;
-    std::unique_ptr<QTemporaryDir> carpeta_;
-    pruebas::RelojFijo reloj_;
-    DialogosQt ventanas_;
-    std::unique_ptr<pruebas::DialogosGuion> guion_;
-    std::unique_ptr<foundation::ClsBitacora> bitacora_;
-    std::unique_ptr<foundation::ClsAdo> ado_;
-    foundation::EstadoSesion sesion_;
-    std::unique_ptr<MDIPrincipal> principal_;
-};
 
 void VentanaEditorTest::initTestCase() {
     QStandardPaths::setTestModeEnabled(true);
@@ -527,4 +462,3 @@ void VentanaEditorTest::CerrarPreguntaYAbrirDosVecesTraeAlFrente() {
 }  // namespace quimo::ui
 
 QTEST_MAIN(quimo::ui::VentanaEditorTest)
-#include "ventana_editor_test.moc"
