@@ -76,7 +76,7 @@ TEST_F(ConsultaTest, LaSentenciaUneLaBaseConLasCondiciones) {
         u"SELECT Tipos_Impuesto.ID_Tipo_Impuesto,Nombre_Tipo_Impuesto,Tipo_Imp_Activo,"
         u"Fecha_Inicio_Impuesto,Fecha_Fin_Impuesto FROM Tipos_Impuesto,PorcentajeXTipo_Impuesto "
         u"WHERE Tipos_Impuesto.ID_Tipo_Impuesto=PorcentajeXTipo_Impuesto.ID_Tipo_Impuesto"_s;
-    const FiltroDef sin_where = {u"SubMenu", kColumnasSubMenu};
+    const FiltroDef sin_where = {u"SubMenu", kSubMenu.columnas};
     const QString submenu = u"SELECT ID_SubMenu,Nombre_SubMenu FROM SubMenu"_s;
     for (const Caso& caso :
          {Caso{kSubMenu, {}, submenu}, Caso{sin_where, {}, submenu},
