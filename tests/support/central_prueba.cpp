@@ -22,18 +22,31 @@ foundation::OpcionesBitacora Opciones(const QString& archivo) {
 
 }  // namespace
 
+bool CopiarRestaurante(const QString& destino) {
+    static const QTemporaryDir carpeta;
+    const QString original = carpeta.filePath(u"central.db"_s);
+    if (!QFile::exists(original)) {
+        QFile datos(QStringLiteral(QUIMO_TEST_DATA "/day-golden/central-before.sql"));
+        if (!datos.open(QIODevice::ReadOnly)) return false;
+        const RelojFijo reloj;
+        auto conexion = foundation::CrearConector(
+            reloj, foundation::SiFalta::Crear)({u"embebido"_s, original, {}, {}});
+        if (!conexion) return false;
+        if (!foundation::CrearBase(**conexion, QString::fromUtf8(datos.readAll()))) return false;
+        (*conexion)->Cerrar();
+    }
+    return QFile::copy(original, destino);
+}
+
 CentralPrueba::CentralPrueba()
     : bitacora_(Opciones(carpeta_.filePath(u"QUIMO.log"_s)), dialogos_, reloj_),
-      ado_(foundation::CrearConector(reloj_, foundation::SiFalta::Crear), dialogos_, bitacora_) {
+      ado_(foundation::CrearConector(reloj_), dialogos_, bitacora_) {
     QString servidor = QString::fromUtf16(foundation::kServidorEmbebido);
     QString base = carpeta_.filePath(u"central.db"_s);
     QString usuario;
     QString clave;
+    EXPECT_TRUE(CopiarRestaurante(base));
     EXPECT_TRUE(ado_.Conectar(servidor, base, usuario, clave));
-    QFile datos(QStringLiteral(QUIMO_TEST_DATA "/day-golden/central-before.sql"));
-    EXPECT_TRUE(datos.open(QIODevice::ReadOnly));
-    const auto creada = foundation::CrearBase(ado_.Conexion(), QString::fromUtf8(datos.readAll()));
-    EXPECT_TRUE(creada) << creada.error().Descripcion().toStdString();
 }
 
 void CentralPrueba::Ejecutar(const QString& tsql) {

@@ -7,6 +7,9 @@
 
 namespace quimo::pruebas {
 
+/// The recorded restaurant's central database, made once and copied for each who asks.
+bool CopiarRestaurante(const QString& destino);
+
 /// A central database of the embedded engine in a folder of its own, with the schema and the
 /// catalogues of the recorded day, and a data-access object over it.
 class CentralPrueba {

@@ -10,29 +10,12 @@
 #include "catalog/editor_sesion.h"
 #include "catalog/editores.h"
 #include "foundation/conector.h"
-#include "foundation/esquema.h"
 #include "foundation/valores.h"
+#include "support/central_prueba.h"
 #include "support/conexion_espia.h"
 #include "support/dialogos_guion.h"
 
 namespace quimo::pruebas {
-
-/// The recorded restaurant's central database, made once and copied for each who asks.
-inline bool CopiarRestaurante(const QString& destino) {
-    static const QTemporaryDir carpeta;
-    const QString original = carpeta.filePath(QStringLiteral("central.db"));
-    if (!QFile::exists(original)) {
-        QFile datos(QStringLiteral(QUIMO_TEST_DATA "/day-golden/central-before.sql"));
-        if (!datos.open(QIODevice::ReadOnly)) return false;
-        const RelojFijo reloj;
-        auto conexion = foundation::CrearConector(
-            reloj, foundation::SiFalta::Crear)({QStringLiteral("embebido"), original, {}, {}});
-        if (!conexion) return false;
-        if (!foundation::CrearBase(**conexion, QString::fromUtf8(datos.readAll()))) return false;
-        (*conexion)->Cerrar();
-    }
-    return QFile::copy(original, destino);
-}
 
 /// Catalogue editors over the recorded restaurant, with a scripted user and every statement on
 /// tape.

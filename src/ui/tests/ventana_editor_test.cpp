@@ -14,7 +14,7 @@
 
 #include "catalog/editores.h"
 #include "foundation/conector.h"
-#include "foundation/esquema.h"
+#include "support/central_prueba.h"
 #include "ui/dialogos_de_editor.h"
 
 using namespace Qt::StringLiterals;
@@ -29,18 +29,12 @@ using foundation::Respuesta;
 void VentanaEditorTest::initTestCase() {
     QStandardPaths::setTestModeEnabled(true);
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, ajustes_.path());
-    QFile datos(QStringLiteral(QUIMO_TEST_DATA "/day-golden/central-before.sql"));
-    QVERIFY(datos.open(QIODevice::ReadOnly));
-    auto conexion = foundation::CrearConector(reloj_, foundation::SiFalta::Crear)(
-        {u"embebido"_s, original_.filePath(u"central.db"_s), {}, {}});
-    QVERIFY(conexion);
-    QVERIFY(foundation::CrearBase(**conexion, QString::fromUtf8(datos.readAll())));
 }
 
 void VentanaEditorTest::init() {
     carpeta_ = std::make_unique<QTemporaryDir>();
     QString archivo = carpeta_->filePath(u"central.db"_s);
-    QVERIFY(QFile::copy(original_.filePath(u"central.db"_s), archivo));
+    QVERIFY(pruebas::CopiarRestaurante(archivo));
     guion_ = std::make_unique<pruebas::DialogosGuion>();
     bitacora_ = std::make_unique<foundation::ClsBitacora>(
         foundation::OpcionesBitacora{.PArchivoLog = carpeta_->filePath(u"log"_s), .PMsgBox = false},

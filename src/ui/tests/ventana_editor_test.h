@@ -64,7 +64,6 @@ private:
     }
 
     QTemporaryDir ajustes_;
-    QTemporaryDir original_;
     std::unique_ptr<QTemporaryDir> carpeta_;
     pruebas::RelojFijo reloj_;
     DialogosQt ventanas_;
