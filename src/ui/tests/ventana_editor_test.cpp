@@ -114,6 +114,9 @@ void VentanaEditorTest::ConDialogo(VentanaEditor* ventana, OrdenVentana orden,
     });
     ventana->Ejecutar(orden);
     QVERIFY(abierto);
+    // There is no window manager to give the focus back.
+    principal_->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(principal_.get()));
 }
 
 void VentanaEditorTest::BuscarMueveElRegistro() {
@@ -224,6 +227,7 @@ void VentanaEditorTest::TodosSeManejanConElTeclado() {
         QCOMPARE(Hijo<QLineEdit>(ventana, u"txtId")->text(), primera);
         QCOMPARE(panel->text(), u"Registros: %1"_s.arg(habia + 1));
     }
+    BuscarConsultarYCambiar(ventana, clave);
     Tecla(Qt::Key_End);
     Tecla(Qt::Key_F6);
     Tecla(Qt::Key_End);
@@ -236,6 +240,33 @@ void VentanaEditorTest::TodosSeManejanConElTeclado() {
     Tecla(Qt::Key_Delete);
     QCOMPARE(Mostrado(), QString());
     QCOMPARE(panel->text(), u"Registros: %1"_s.arg(habia));
+}
+
+/// The filter leads to the first row that it lists, the search to the new one, which is changed.
+void VentanaEditorTest::BuscarConsultarYCambiar(VentanaEditor* ventana, const QString& clave) {
+    auto* const caja_clave = Hijo<QLineEdit>(ventana, u"txtId");
+    QString elegida;
+    ConDialogo(ventana, OrdenVentana::Filtro, [&](QDialog* dialogo) {
+        dialogo->findChild<QPushButton*>(u"cmdConsultar"_s)->click();
+        auto* const tabla = dialogo->findChild<QTableView*>(u"sprResultado"_s);
+        QVERIFY(tabla->model()->rowCount() > 1);
+        elegida = tabla->model()->index(1, 0).data().toString();
+        tabla->setCurrentIndex(tabla->model()->index(1, 0));
+        QTest::keyClick(tabla, Qt::Key_Return);
+    });
+    QCOMPARE(caja_clave->text(), elegida);
+    ConDialogo(ventana, OrdenVentana::Buscar, [](QDialog* dialogo) {
+        dialogo->findChild<QLineEdit*>(u"txtBuscar"_s)->setText(u"ÑANDU d'or"_s);
+        dialogo->findChild<QPushButton*>(u"cmdBuscar"_s)->click();
+    });
+    QCOMPARE(caja_clave->text(), clave);
+    Tecla(Qt::Key_F6);
+    Tecla(Qt::Key_End);
+    Teclear(u"2"_s);
+    Tecla(Qt::Key_F5);
+    QCOMPARE(Mostrado(), QString());
+    QVERIFY(!ventana->Sesion().EnEdicion());
+    QCOMPARE(ventana->Sesion().Valor(1), u"Ñandú D'Or2"_s);
 }
 
 void VentanaEditorTest::LosBotonesSiguenAlEstado() {

@@ -46,6 +46,7 @@ private:
     void Tecla(Qt::Key tecla, Qt::KeyboardModifiers modos = Qt::NoModifier);
     void Teclear(const QString& texto);
     void LlenarConTeclado(VentanaEditor* ventana);
+    void BuscarConsultarYCambiar(VentanaEditor* ventana, const QString& clave);
     template <typename Control>
     Control* Hijo(VentanaEditor* ventana, const char16_t* nombre) {
         auto* const hijo = ventana->findChild<Control*>(QString::fromUtf16(nombre));
