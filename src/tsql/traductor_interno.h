@@ -165,7 +165,10 @@ private:
     Resultado<std::string> Desde(const std::vector<FuentePtr>& fuentes, Ambito& ambito);
     Resultado<std::string> FuenteSql(const Fuente& fuente, Ambito& ambito);
     Resultado<std::string> JoinSql(const Fuente& fuente, Ambito& ambito);
-    Resultado<std::optional<std::string>> BusquedaDeGrupo(const Fuente& fuente, Ambito& ambito);
+    Resultado<std::optional<std::string>> ConGrupos(const Fuente& fuente, Ambito& ambito,
+                                                    std::string& izquierda, std::string& derecha);
+    bool BuscarGrupo(const Fuente& fuente, const Fuente& opcional, const ConsultaSql& dentro,
+                     TablaAmbito& tabla, Ambito& ambito);
     std::optional<std::string> FiltrarOpcional(const Fuente& fuente, const Ambito& ambito);
     Resultado<std::string> TablaSql(const Fuente& fuente, Ambito& ambito);
     Resultado<std::string> DerivadaSql(const Consulta& consulta, const std::string& nombre,
@@ -219,6 +222,7 @@ private:
     int siguiente_tabla_ = 1;
     int vistas_ = 0;
     int niveles_ = 0;
+    bool filtrando_ = false;  ///< a join's condition is being read a second time
 };
 
 /// SQL in parentheses unless it binds at least as strongly as asked.

@@ -39,17 +39,30 @@ bool EncabezaIndice(const Tabla& tabla, const Expr& expr) {
                        [&](const Indice& indice) { return indice.columnas[0] == columna; });
 }
 
+bool TieneOpcionalDerivada(const Fuente& fuente) {
+    if (fuente.join == TipoJoin::Izquierda) {
+        return fuente.derecha->clase == Fuente::Clase::Derivada;
+    }
+    return fuente.join == TipoJoin::Derecha && fuente.izquierda->clase == Fuente::Clase::Derivada;
+}
+
 }  // namespace
 
 Resultado<std::string> Traductor::JoinSql(const Fuente& fuente, Ambito& ambito) {
     if (++niveles_ > 1000) return CrearError(191);
-    QUIMO_TRY(const std::optional<std::string> busqueda, BusquedaDeGrupo(fuente, ambito));
-    if (busqueda) {
-        --niveles_;
-        return *busqueda;
+    std::string izquierda;
+    std::string derecha;
+    if (TieneOpcionalDerivada(fuente)) {
+        QUIMO_TRY(std::optional<std::string> busqueda,
+                  ConGrupos(fuente, ambito, izquierda, derecha));
+        if (busqueda) {
+            --niveles_;
+            return *std::move(busqueda);
+        }
+    } else {
+        QUIMO_TRY(izquierda, FuenteSql(*fuente.izquierda, ambito));
+        QUIMO_TRY(derecha, FuenteSql(*fuente.derecha, ambito));
     }
-    QUIMO_TRY(std::string izquierda, FuenteSql(*fuente.izquierda, ambito));
-    QUIMO_TRY(std::string derecha, FuenteSql(*fuente.derecha, ambito));
     --niveles_;
     std::string condicion;
     if (fuente.condicion) {
@@ -58,10 +71,16 @@ Resultado<std::string> Traductor::JoinSql(const Fuente& fuente, Ambito& ambito) 
         const std::size_t ranuras = ranuras_.size();
         QUIMO_TRY(const Termino termino, Valor(fuente.condicion, ambito));
         condicion = " ON " + termino.sql;
-        if (fuente.join == TipoJoin::Izquierda) {
+        // The condition is read anew for this: not inside another that is.
+        if (fuente.join == TipoJoin::Izquierda && !filtrando_) {
             const std::vector<tsql::Ranura> todas = ranuras_;
+            const int niveles = niveles_;
             ranuras_.resize(ranuras);
-            if (const auto filtrada = FiltrarOpcional(fuente, ambito)) {
+            filtrando_ = true;
+            const auto filtrada = FiltrarOpcional(fuente, ambito);
+            filtrando_ = false;
+            niveles_ = niveles;
+            if (filtrada) {
                 ambito.clausula = antes;
                 return izquierda + " LEFT JOIN " + *filtrada;
             }
@@ -82,47 +101,59 @@ Resultado<std::string> Traductor::JoinSql(const Fuente& fuente, Ambito& ambito) 
     return izquierda + verbo + derecha + condicion;
 }
 
+/// A join that keeps one side's rows, with a query in parentheses on the other. Either it becomes a
+/// look-up of groups, and then this is its whole SQL, or both sides' SQL is left in `izquierda` and
+/// `derecha`. Each side is read once: joins of such queries stand inside one another.
+Resultado<std::optional<std::string>> Traductor::ConGrupos(const Fuente& fuente, Ambito& ambito,
+                                                           std::string& izquierda,
+                                                           std::string& derecha) {
+    const bool por_la_izquierda = fuente.join == TipoJoin::Izquierda;
+    const Fuente& opcional = por_la_izquierda ? *fuente.derecha : *fuente.izquierda;
+    const Fuente& conservada = por_la_izquierda ? *fuente.izquierda : *fuente.derecha;
+    std::string& sql = por_la_izquierda ? izquierda : derecha;
+    std::string& sql_opcional = por_la_izquierda ? derecha : izquierda;
+    const std::size_t tablas = ambito.tablas.size();
+    QUIMO_TRY(sql, FuenteSql(conservada, ambito));
+    QUIMO_TRY(const ConsultaSql dentro, ConsultaEn(*opcional.consulta, ambito.padre));
+    QUIMO_TRY(TablaAmbito tabla, TablaDerivada(dentro, opcional.alias, opcional.columnas));
+    const bool busqueda = BuscarGrupo(fuente, opcional, dentro, tabla, ambito);
+    if (!busqueda) sql_opcional = "(" + dentro.sql + ") AS " + tabla.alias_sql;
+    QUIMO_TRY_VOID(Exponer(std::move(tabla), ambito));
+    if (!por_la_izquierda) {
+        const auto primera = ambito.tablas.begin() + static_cast<std::ptrdiff_t>(tablas);
+        std::rotate(primera, ambito.tablas.end() - 1, ambito.tablas.end());
+    }
+    return busqueda ? std::optional<std::string>(sql) : std::nullopt;
+}
+
 /// t LEFT JOIN (SELECT k, SUM(x) AS s FROM ... GROUP BY k) d ON d.k = t.k: the engine would work
 /// all the groups out before the first row of t. There is at most one row per key, so that d.s can
-/// be asked for where it is used, which reads the rows of that key alone. Nothing when the join is
-/// not of this shape; what was read of it is then forgotten.
-Resultado<std::optional<std::string>> Traductor::BusquedaDeGrupo(const Fuente& fuente,
-                                                                 Ambito& ambito) {
-    const bool izquierda = fuente.join == TipoJoin::Izquierda;
-    if (!izquierda && fuente.join != TipoJoin::Derecha) return std::optional<std::string>();
-    const Fuente& opcional = izquierda ? *fuente.derecha : *fuente.izquierda;
-    const Fuente& conservada = izquierda ? *fuente.izquierda : *fuente.derecha;
-    if (opcional.clase != Fuente::Clase::Derivada || !EsIgualdad(*fuente.condicion) ||
-        opcional.consulta->combinacion != Combinacion::Simple) {
-        return std::optional<std::string>();
+/// be asked for where it is used, which reads the rows of that key alone: the columns of `tabla`
+/// become those questions. False, and nothing changed, when the join is not of this shape.
+bool Traductor::BuscarGrupo(const Fuente& fuente, const Fuente& opcional, const ConsultaSql& dentro,
+                            TablaAmbito& tabla, Ambito& ambito) {
+    if (!dentro.grupo || !dentro.grupo->clave.tipo.EsEntero() || !EsIgualdad(*fuente.condicion)) {
+        return false;
     }
     ExprPtr de_grupo = fuente.condicion->hijos[0];
     ExprPtr de_fila = fuente.condicion->hijos[1];
     if (!EsColumnaDe(*de_grupo, opcional.alias)) std::swap(de_grupo, de_fila);
     if (!EsColumnaDe(*de_grupo, opcional.alias) || EsColumnaDe(*de_fila, opcional.alias) ||
         de_fila->clase != ClaseExpr::Columna || de_fila->partes.size() < 2) {
-        return std::optional<std::string>();
+        return false;
     }
-    const std::size_t tablas = ambito.tablas.size();
-    const std::size_t ranuras = ranuras_.size();
-    const auto olvidar = [&] {
-        ambito.tablas.resize(tablas);
-        ranuras_.resize(ranuras);
-        return std::optional<std::string>();
-    };
-    QUIMO_TRY(std::string sql, FuenteSql(conservada, ambito));
     const auto fila = Valor(de_fila, ambito);
-    if (!fila || !fila->tipo.EsEntero()) return olvidar();
-    QUIMO_TRY(const ConsultaSql dentro, ConsultaEn(*opcional.consulta, ambito.padre));
-    if (!dentro.grupo || !dentro.grupo->clave.tipo.EsEntero()) return olvidar();
-    QUIMO_TRY(TablaAmbito tabla, TablaDerivada(dentro, opcional.alias, opcional.columnas));
+    if (!fila || !fila->tipo.EsEntero()) return false;
     const PiezasDeGrupo& grupo = *dentro.grupo;
-    const std::vector<ItemSeleccion>& items = opcional.consulta->simple->items;
     bool por_clave = false;
     for (std::size_t i = 0; i < tabla.columnas.size(); ++i) {
-        ColumnaAmbito& columna = tabla.columnas[i];
-        por_clave = por_clave || (MismoNombre(columna.nombre, de_grupo->partes.back()) &&
+        por_clave = por_clave || (MismoNombre(tabla.columnas[i].nombre, de_grupo->partes.back()) &&
                                   grupo.lista[i] == grupo.clave.sql);
+    }
+    if (!por_clave) return false;
+    const std::vector<ItemSeleccion>& items = opcional.consulta->simple->items;
+    for (std::size_t i = 0; i < tabla.columnas.size(); ++i) {
+        ColumnaAmbito& columna = tabla.columnas[i];
         const bool sin_filas_nulo =
             items.size() == tabla.columnas.size() && EsNuloSinFilas(*items[i].expr);
         columna.sql = "(SELECT " + grupo.lista[i] + " FROM " + grupo.desde + " WHERE " +
@@ -131,13 +162,7 @@ Resultado<std::optional<std::string>> Traductor::BusquedaDeGrupo(const Fuente& f
                       (sin_filas_nulo ? "" : " GROUP BY " + grupo.clave.sql) + ")";
         columna.admite_nulos = true;
     }
-    if (!por_clave) return olvidar();
-    QUIMO_TRY_VOID(Exponer(std::move(tabla), ambito));
-    if (!izquierda) {
-        const auto primera = ambito.tablas.begin() + static_cast<std::ptrdiff_t>(tablas);
-        std::rotate(primera, ambito.tablas.end() - 1, ambito.tablas.end());
-    }
-    return std::optional<std::string>(std::move(sql));
+    return true;
 }
 
 /// a LEFT JOIN b ON b.x = a.x AND b.y IN (SELECT ...), with an index on y and none on x: the engine

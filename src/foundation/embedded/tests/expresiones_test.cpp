@@ -246,6 +246,26 @@ TEST(UnionesAzarTest, LaReescritaRespondeComoLaEscrita) {
     EXPECT_GT(filas, 200);
 }
 
+// Each side of a join is read once: read twice, this text would take hours.
+TEST(UnionesAzarTest, MuchasUnionesConGruposNoSeMultiplican) {
+    BasePrueba base;
+    base.Bien(
+        QStringLiteral("CREATE TABLE t (id INT, nombre VARCHAR(5))\n"
+                       "INSERT INTO t VALUES (1,'a'),(2,'a'),(3,'b')"));
+    QString texto = QStringLiteral("SELECT SUM(d0.c), SUM(d23.c) FROM t");
+    for (int i = 0; i < 24; ++i) {
+        texto += QStringLiteral(
+                     " LEFT JOIN (SELECT nombre, COUNT(*) AS c FROM t GROUP BY nombre) "
+                     "d%1 ON d%1.nombre = t.nombre")
+                     .arg(i);
+    }
+    const RespuestaSql respuesta = base.Bien(texto);
+    ASSERT_FALSE(respuesta.resultados.isEmpty());
+    const Fila& fila = respuesta.resultados[0].conjunto->filas[0];
+    EXPECT_EQ(ATexto(fila[0]), QStringLiteral("5"));
+    EXPECT_EQ(ATexto(fila[1]), QStringLiteral("5"));
+}
+
 }  // namespace
 
 }  // namespace quimo::foundation
