@@ -1,6 +1,7 @@
 #include "app/consola.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 
 using namespace Qt::StringLiterals;
@@ -13,16 +14,21 @@ using foundation::Respuesta;
 
 namespace {
 
-void EscribirEn(FILE* flujo, const QString& linea) {
+bool salida_cerrada = false;
+
+bool EscribirEn(FILE* flujo, const QString& linea) {
     const QByteArray bytes = (linea + u'\n').toUtf8();
-    std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), flujo);
-    std::fflush(flujo);
+    const auto cuantos = static_cast<std::size_t>(bytes.size());
+    return std::fwrite(bytes.constData(), 1, cuantos, flujo) == cuantos && std::fflush(flujo) == 0;
 }
 
 }  // namespace
 
-void Escribir(const QString& linea) { EscribirEn(stdout, linea); }
-void EscribirError(const QString& linea) { EscribirEn(stderr, linea); }
+void Escribir(const QString& linea) {
+    if (!EscribirEn(stdout, linea) && errno == EPIPE) salida_cerrada = true;
+}
+bool SalidaCerrada() { return salida_cerrada; }
+void EscribirError(const QString& linea) { static_cast<void>(EscribirEn(stderr, linea)); }
 
 QString TablaDeTexto(const QStringList& titulos, const QVector<QStringList>& filas,
                      const QVector<bool>& a_la_derecha) {
@@ -73,8 +79,13 @@ Respuesta DialogosConsola::Preguntar(const QString& texto, Botones botones, Icon
         case Botones::SiNoCancelar:
             respuesta = respuestas_.si_no;
             break;
-        case Botones::Aceptar:
         case Botones::AceptarCancelar:
+            respuesta = respuestas_.aceptar;
+            break;
+        case Botones::TerminarApartar:
+            respuesta = Respuesta::Terminar;
+            break;
+        case Botones::Aceptar:
             break;
     }
     EscribirError((titulo.isEmpty() ? QString() : titulo + u": "_s) + texto + u" ["_s +

@@ -15,6 +15,8 @@ namespace quimo::app {
 
 /// One line on standard output, in UTF-8, written out at once.
 void Escribir(const QString& linea);
+/// Whether whoever read the standard output has gone: nothing written there is seen any more.
+bool SalidaCerrada();
 /// One line on standard error.
 void EscribirError(const QString& linea);
 
@@ -27,6 +29,7 @@ QString TablaDeTexto(const QStringList& titulos, const QVector<QStringList>& fil
 struct Respuestas {
     foundation::Respuesta ante_falla = foundation::Respuesta::Abortar;
     foundation::Respuesta si_no = foundation::Respuesta::No;
+    foundation::Respuesta aceptar = foundation::Respuesta::Cancelar;
 };
 
 /// Dialogs without a screen: messages and progress go to the output, failures to standard error,

@@ -19,7 +19,12 @@ constexpr DefOpcion kOpcionesSql[] = {{u"consulta", u"TEXTO"},
 constexpr DefOpcion kOpcionesCerrar[] = {{u"red", u"CARPETA"},
                                          {u"dir", u"CARPETA"},
                                          {u"ante-falla", u"abortar|ignorar"},
-                                         {u"continuar"}};
+                                         {u"continuar"},
+                                         {u"descartar"},
+                                         {u"omitir", u"NOMBRE", true},
+                                         {u"traer", u"ARCHIVO"},
+                                         {u"terminal", u"NOMBRE"},
+                                         {u"enviar", u"NOMBRE"}};
 
 constexpr DefOpcion kOpcionesUsuario[] = {{u"nombre", u"NOMBRE"}};
 
@@ -32,7 +37,9 @@ constexpr DefOrden kOrdenes[] = {
      u"ejecuta T-SQL en una sesión; con --lineas, una sentencia por línea de la entrada", OrdenSql},
     {u"cerrar", u"SERVIDOR BASE", 2, 2, kOpcionesCerrar,
      u"hace el proceso de fin de día; con --red, las carpetas de las terminales están montadas en "
-     u"CARPETA; sin ella, se llega a ellas por la red",
+     u"CARPETA; sin ella, se llega a ellas por la red. --continuar sigue con un cierre que no "
+     u"terminó y --descartar lo deja; --omitir cierra sin una terminal; --traer copia después las "
+     u"ventas de un archivo, y --enviar manda otra vez su base a una terminal",
      OrdenCerrar},
     {u"plantilla",
      u"ARCHIVO",
@@ -102,15 +109,15 @@ QString Leer(const DefOrden& orden, const QStringList& resto, Argumentos& leidos
             orden.opciones.begin(), orden.opciones.end(),
             [&](const DefOpcion& def) { return nombre == QString::fromUtf16(def.nombre); });
         if (opcion == orden.opciones.end()) return u"Opción desconocida: "_s + palabra;
-        if (leidos.Hay(nombre)) return u"La opción --"_s + nombre + u" está repetida."_s;
+        if (leidos.Hay(nombre) && !opcion->repetible) return u"La opción --"_s + nombre + u" está repetida."_s;
         const bool con_igual = palabra.contains(u'=');
         if (opcion->valor == nullptr) {
             if (con_igual) return u"La opción --"_s + nombre + u" no lleva valor."_s;
-            leidos.opciones.insert(nombre, QString());
+            leidos.opciones[nombre] << QString();
         } else if (con_igual) {
-            leidos.opciones.insert(nombre, palabra.section(u'=', 1));
+            leidos.opciones[nombre] << palabra.section(u'=', 1);
         } else if (i + 1 < resto.size()) {
-            leidos.opciones.insert(nombre, resto[++i]);
+            leidos.opciones[nombre] << resto[++i];
         } else {
             return u"Falta el valor de la opción --"_s + nombre + u'.';
         }

@@ -11,23 +11,31 @@
 namespace quimo::app {
 
 /// Exit status of the command line program.
-enum Estado : int { kHecho = 0, kFallo = 1, kMalUso = 2 };
+enum Estado : int {
+    kHecho = 0,
+    kFallo = 1,
+    kMalUso = 2,
+    kIncompleto = 4,  ///< it came to its end, but something is missing
+};
 
 /// What a command was called with: its words and its options.
 struct Argumentos {
     QStringList palabras;
-    QHash<QString, QString> opciones;  ///< a flag has an empty value
+    QHash<QString, QStringList> opciones;  ///< a flag has an empty value
 
     bool Hay(const QString& opcion) const { return opciones.contains(opcion); }
     QString Opcion(const QString& opcion, const QString& si_falta = {}) const {
-        return opciones.value(opcion, si_falta);
+        return opciones.value(opcion, {si_falta}).value(0);
     }
+    /// All values of an option that may be given more than once.
+    QStringList Varias(const QString& opcion) const { return opciones.value(opcion); }
 };
 
 /// An option of a command. Without `valor` it is a flag.
 struct DefOpcion {
     const char16_t* nombre = u"";
     const char16_t* valor = nullptr;  ///< what its value is called in the usage text
+    bool repetible = false;
 };
 
 /// What commands may ask the world for.

@@ -1,6 +1,7 @@
 #include "app/resumen_cierre.h"
 
 #include "app/consola.h"
+#include "dayclose/resumen_cierre.h"
 #include "dayclose/reunion.h"
 #include "foundation/parametros.h"
 
@@ -37,28 +38,31 @@ QStringList Celdas(const ValoresCifras& valores, const Concepto& concepto) {
             concepto.con_total ? Importe(valores.totales[lugar]) : QString()};
 }
 
-ValoresCifras Suma(const ResumenCierre& resumen) {
+/// What all counted terminals hold together; nothing when a total does not fit.
+std::optional<ValoresCifras> Suma(const QVector<TerminalContada>& contadas) {
     ValoresCifras suma;
-    for (const TerminalContada& contada : resumen.contadas) {
+    for (const TerminalContada& contada : contadas) {
         for (std::size_t i = 0; i < dayclose::kCifras; ++i) {
             suma.registros[i] += contada.cifras.registros[i];
-            suma.totales[i] += contada.cifras.totales[i];
+            const auto total = suma.totales[i].Mas(contada.cifras.totales[i]);
+            if (!total) return std::nullopt;
+            suma.totales[i] = *total;
         }
     }
     return suma;
 }
 
-void EscribirTerminales(const ResumenCierre& resumen) {
+void EscribirTerminales(const QVector<TerminalContada>& contadas) {
     QStringList titulos = {u"En las terminales"_s};
     QVector<bool> derecha = {false};
     QVector<QStringList> filas;
-    for (const TerminalContada& contada : resumen.contadas) {
+    for (const TerminalContada& contada : contadas) {
         titulos << contada.terminal.nombre << QString();
         derecha << true << true;
     }
     for (const Concepto& concepto : kConceptos) {
         QStringList fila = {QString::fromUtf16(concepto.nombre)};
-        for (const TerminalContada& contada : resumen.contadas) {
+        for (const TerminalContada& contada : contadas) {
             fila << Celdas(contada.cifras, concepto);
         }
         filas << fila;
@@ -67,46 +71,30 @@ void EscribirTerminales(const ResumenCierre& resumen) {
     Escribir(TablaDeTexto(titulos, filas, derecha));
 }
 
-void EscribirCopiadas(const ResumenCierre& resumen) {
+void EscribirCopiadas(const QVector<dayclose::TablaCopiada>& copiadas) {
     QVector<QStringList> filas;
-    for (const dayclose::TablaCopiada& copiada : resumen.copiadas) {
+    for (const dayclose::TablaCopiada& copiada : copiadas) {
         filas << QStringList{copiada.terminal, copiada.tabla, QString::number(copiada.insertadas),
-                             QString::number(copiada.modificadas)};
+                             QString::number(copiada.modificadas),
+                             QString::number(copiada.iguales)};
     }
     Escribir(QString());
-    Escribir(TablaDeTexto({u"Copiado de"_s, u"Tabla"_s, u"Nuevas"_s, u"Actualizadas"_s}, filas,
-                          {false, false, true, true}));
+    Escribir(TablaDeTexto({u"Copiado de"_s, u"Tabla"_s, u"Nuevas"_s, u"Actualizadas"_s, u"Ya estaban"_s}, filas,
+                          {false, false, true, true, true}));
 }
 
-/// The day's figures in the central database. Its checks are counted by their own orders here, not
-/// by the comparison that the close decides with.
-dayclose::ResultadoCierre<ValoresCifras> TotalesDelDia(foundation::ClsAdo& ado,
-                                                       const QString& fecha) {
-    QUIMO_TRY(ValoresCifras central, dayclose::CifrasCentrales(ado, fecha));
-    QUIMO_TRY(const QVector<foundation::Fila> cuentas,
-              dayclose::LeerFilas(
-                  ado,
-                  u"SELECT COUNT(*),SUM(Total) FROM Cuenta,Comanda WHERE "
-                  u"Cuenta.ID_Comanda=Comanda.ID_Comanda AND Fecha_Trabajo='%1'"_s.arg(fecha)));
-    const auto lugar = static_cast<std::size_t>(Cifra::Cta);
-    central.registros[lugar] = cuentas.first().value(0).toLongLong();
-    const QVariant total = cuentas.first().value(1);
-    central.totales[lugar] = total.isValid() ? total.value<base::Dinero>() : base::Dinero();
-    return central;
-}
-
-void EscribirTotales(const ResumenCierre& resumen, const ValoresCifras& central) {
-    const ValoresCifras terminales = Suma(resumen);
-    const bool se_comparan = !resumen.contadas.isEmpty();
-    QStringList titulos = {u"Totales del día"_s, u"Central"_s, QString()};
-    QVector<bool> derecha = {false, true, true, true, true, false};
-    if (se_comparan) titulos << u"Terminales"_s << QString() << QString();
+/// The central figures beside those of the terminals; without these, alone.
+void EscribirTotales(const QString& titulo, const ValoresCifras& central,
+                     const std::optional<ValoresCifras>& terminales) {
+    QStringList titulos = {titulo, u"Central"_s, QString()};
+    const QVector<bool> derecha = {false, true, true, true, true, false};
+    if (terminales) titulos << u"Terminales"_s << QString() << QString();
     QVector<QStringList> filas;
     for (const Concepto& concepto : kConceptos) {
         const QStringList en_central = Celdas(central, concepto);
-        const QStringList en_terminales = Celdas(terminales, concepto);
         QStringList fila = QStringList{QString::fromUtf16(concepto.nombre)} + en_central;
-        if (se_comparan) {
+        if (terminales) {
+            const QStringList en_terminales = Celdas(*terminales, concepto);
             fila += en_terminales;
             fila << (en_central == en_terminales ? u"coinciden"_s : u"difieren"_s);
         }
@@ -116,26 +104,71 @@ void EscribirTotales(const ResumenCierre& resumen, const ValoresCifras& central)
     Escribir(TablaDeTexto(titulos, filas, derecha));
 }
 
+void EscribirCentral(foundation::ClsAdo& ado, const QString& titulo, const QString& fecha,
+                     const QVector<TerminalContada>& contadas) {
+    const auto central = dayclose::CifrasDelDia(ado, fecha);
+    if (!central) {
+        EscribirError(u"No se pudieron leer los totales del día: "_s + central.error().descripcion);
+        return;
+    }
+    const auto terminales = Suma(contadas);
+    if (!terminales) {
+        EscribirError(
+            u"Los importes de las terminales suman más de lo que se puede guardar: revíselos uno por "
+            u"uno."_s);
+    }
+    EscribirTotales(titulo, *central,
+                    contadas.isEmpty() || !terminales ? std::nullopt : terminales);
+}
+
+void EscribirLineas(const QStringList& lineas) {
+    if (lineas.isEmpty()) return;
+    Escribir(QString());
+    for (const QString& linea : lineas)
+        Escribir(linea);
+}
+
 }  // namespace
 
 void EscribirResumen(foundation::ClsAdo& ado, const ResumenCierre& resumen) {
     if (resumen.fecha.isEmpty()) return;
+    const dayclose::TextoResumen texto = dayclose::RedactarResumen(resumen);
     Escribir(QString());
-    Escribir(u"Cierre del "_s + foundation::FechaTrabajoVisible(resumen.fecha));
-    if (!resumen.contadas.isEmpty()) EscribirTerminales(resumen);
-    if (!resumen.copiadas.isEmpty()) EscribirCopiadas(resumen);
-    const auto central = TotalesDelDia(ado, resumen.fecha);
-    if (central) {
-        EscribirTotales(resumen, *central);
-    } else {
-        EscribirError(u"No se pudieron leer los totales del día: "_s + central.error().descripcion);
-    }
-    Escribir(QString());
+    Escribir(texto.titulo);
+    if (!resumen.contadas.isEmpty()) EscribirTerminales(resumen.contadas);
+    if (!resumen.copiadas.isEmpty()) EscribirCopiadas(resumen.copiadas);
+    EscribirCentral(ado, u"Totales del día"_s, resumen.fecha, resumen.contadas);
+    EscribirLineas(texto.sin_copiar);
     if (!resumen.entregadas.isEmpty()) {
-        Escribir(u"Recibieron su base nueva: "_s + resumen.entregadas.join(u", "_s));
+        EscribirLineas({u"Recibieron su base nueva: "_s + resumen.entregadas.join(u", "_s)});
     }
+    EscribirLineas(texto.sin_entregar);
+    QStringList avisos;
     for (const QString& aviso : resumen.avisos)
-        Escribir(u"Aviso: "_s + aviso);
+        avisos << u"Aviso: "_s + aviso;
+    EscribirLineas(avisos);
+    EscribirLineas(texto.faltantes);
+}
+
+void EscribirTraida(foundation::ClsAdo& ado, const dayclose::ResumenTraida& traida) {
+    QVector<QStringList> filas;
+    for (const dayclose::ComparacionTabla& tabla : traida.comparacion.tablas) {
+        filas << QStringList{tabla.tabla, QString::number(tabla.nuevas),
+                             QString::number(tabla.iguales), QString::number(tabla.distintas)};
+    }
+    Escribir(QString());
+    Escribir(u"Ventas traídas de %1, del archivo %2"_s.arg(traida.terminal, traida.archivo));
+    Escribir(TablaDeTexto({u"Tabla"_s, u"Nuevas"_s, u"Ya estaban"_s, u"Distintas"_s}, filas,
+                          {false, true, true, true}));
+    if (traida.quedan_distintas) {
+        EscribirLineas(QStringList{u"Renglones que ya estaban con otros datos y se dejaron como "
+                                   u"estaban:"_s} +
+                       traida.comparacion.ejemplos);
+    }
+    EscribirTerminales({{{0, traida.terminal}, traida.cifras}});
+    for (const QString& fecha : traida.fechas) {
+        EscribirCentral(ado, u"Totales del "_s + foundation::FechaTrabajoVisible(fecha), fecha, {});
+    }
 }
 
 }  // namespace quimo::app

@@ -39,10 +39,22 @@ ResultadoArchivo<QString> ArchivoVentas::Buscar(const QString& fecha, const QStr
 ResultadoArchivo<Archivado> ArchivoVentas::Recibir(TerminalShare& share, const QString& remoto,
                                                    const QString& fecha,
                                                    const QString& terminal) const {
+    return Guardar(fecha, terminal,
+                   [&](const QString& destino) { return share.Traer(remoto, destino); });
+}
+
+ResultadoArchivo<Archivado> ArchivoVentas::Agregar(const QString& local, const QString& fecha,
+                                                   const QString& terminal) const {
+    return Guardar(fecha, terminal,
+                   [&](const QString& destino) { return CopiarEntero(local, destino); });
+}
+
+ResultadoArchivo<Archivado> ArchivoVentas::Guardar(const QString& fecha, const QString& terminal,
+                                                   const Entrega& traer) const {
     const QString carpeta = Carpeta(raiz_, fecha, terminal);
     QUIMO_TRY_VOID(CrearCarpeta(carpeta));
     const QString recibido = carpeta + u"/recibido.tmp"_s;
-    QUIMO_TRY(const Copiado copiado, share.Traer(remoto, recibido));
+    QUIMO_TRY(const Copiado copiado, traer(recibido));
     QUIMO_TRY(const QString conocido, Buscar(fecha, terminal, copiado.sha256));
     if (!conocido.isEmpty()) {
         QFile::remove(recibido);

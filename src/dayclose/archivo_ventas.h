@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 #include <QString>
 
 #include "dayclose/terminal_share.h"
@@ -23,11 +25,18 @@ public:
     /// Fetches a remote file straight into the archive.
     ResultadoArchivo<Archivado> Recibir(TerminalShare& share, const QString& remoto,
                                         const QString& fecha, const QString& terminal) const;
+    /// Keeps a copy of a local file, as a fetched one is kept.
+    ResultadoArchivo<Archivado> Agregar(const QString& local, const QString& fecha,
+                                        const QString& terminal) const;
     /// The archived file with this digest, an empty path if there is none.
     ResultadoArchivo<QString> Buscar(const QString& fecha, const QString& terminal,
                                      const QString& sha256) const;
 
 private:
+    using Entrega = std::function<ResultadoArchivo<Copiado>(const QString& destino)>;
+    ResultadoArchivo<Archivado> Guardar(const QString& fecha, const QString& terminal,
+                                        const Entrega& traer) const;
+
     QString raiz_;
 };
 

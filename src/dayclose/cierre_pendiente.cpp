@@ -1,5 +1,9 @@
 #include "dayclose/cierre_pendiente.h"
 
+#include <algorithm>
+
+#include "dayclose/tablas_ventas.h"
+
 using namespace Qt::StringLiterals;
 
 namespace quimo::dayclose {
@@ -9,12 +13,36 @@ using foundation::FalloSql;
 using foundation::Fila;
 using foundation::RespuestaSql;
 using foundation::SqlConnection;
+using foundation::Transaccion;
 
 namespace {
 
-CierrePendiente::Hecho Ejecutar(SqlConnection& conexion, const QString& sentencia,
+QString MarcaDeVersion(qsizetype numero) { return u"*version-"_s + QString::number(numero); }
+
+/// Tables as bits, in the order in which they are copied.
+int MascaraDe(const QStringList& tablas) {
+    int mascara = 0;
+    int bit = 1;
+    for (const DefCopia& copia : Copias()) {
+        if (tablas.contains(QString::fromUtf16(copia.tabla))) mascara |= bit;
+        bit <<= 1;
+    }
+    return mascara;
+}
+
+QStringList TablasDe(int mascara) {
+    QStringList tablas;
+    int bit = 1;
+    for (const DefCopia& copia : Copias()) {
+        if ((mascara & bit) != 0) tablas << QString::fromUtf16(copia.tabla);
+        bit <<= 1;
+    }
+    return tablas;
+}
+
+CierrePendiente::Hecho Ejecutar(Transaccion& transaccion, const QString& sentencia,
                                 const QVector<QVariant>& valores = {}) {
-    RespuestaSql respuesta = conexion.Ejecutar(sentencia, valores);
+    RespuestaSql respuesta = transaccion.Ejecutar(sentencia, valores);
     if (respuesta.fallo) return *std::move(respuesta.fallo);
     return {};
 }
@@ -31,15 +59,15 @@ base::Result<QVector<Fila>, FalloSql> Filas(SqlConnection& conexion, const QStri
 base::Result<std::optional<CierrePendiente>, FalloSql> CierrePendiente::Leer(
     SqlConnection& conexion) {
     QUIMO_TRY(const QVector<Fila> cierres,
-              Filas(conexion, u"SELECT Fecha_Cierre,Paso FROM Cierre_Pendiente"_s));
+              Filas(conexion, u"SELECT Fecha_Cierre,Paso,Inicio FROM Cierre_Pendiente"_s));
     if (cierres.isEmpty()) return std::optional<CierrePendiente>();
     CierrePendiente cierre;
     cierre.fecha_ = cierres.first()[0].toString();
     cierre.paso_ = static_cast<Paso>(cierres.first()[1].toInt());
+    cierre.inicio_ = cierres.first()[2].toDateTime();
     QUIMO_TRY(const QVector<Fila> avances,
               Filas(conexion,
-                    u"SELECT Nombre_Term,Tabla,Estado,Detalle,ID_Terminal "
-                    u"FROM Cierre_Avance"_s));
+                    u"SELECT Nombre_Term,Tabla,Estado,Detalle,ID_Terminal FROM Cierre_Avance"_s));
     for (const Fila& fila : avances) {
         const QString terminal = fila[0].toString();
         cierre.avances_[terminal].insert(fila[1].toString(), {fila[2].toInt(), fila[3].toString()});
@@ -48,58 +76,96 @@ base::Result<std::optional<CierrePendiente>, FalloSql> CierrePendiente::Leer(
     return std::optional<CierrePendiente>(std::move(cierre));
 }
 
-base::Result<CierrePendiente, FalloSql> CierrePendiente::Iniciar(SqlConnection& conexion,
+base::Result<CierrePendiente, FalloSql> CierrePendiente::Iniciar(Transaccion& transaccion,
                                                                  const QString& fecha,
                                                                  const QDateTime& ahora) {
     CierrePendiente cierre;
-    QUIMO_TRY_VOID(cierre.Olvidar(conexion));
+    QUIMO_TRY_VOID(cierre.Olvidar(transaccion));
     cierre.fecha_ = fecha;
+    cierre.inicio_ = ahora;
     QUIMO_TRY_VOID(Ejecutar(
-        conexion, u"INSERT INTO Cierre_Pendiente (Fecha_Cierre,Paso,Inicio) VALUES (?,?,?)"_s,
+        transaccion, u"INSERT INTO Cierre_Pendiente (Fecha_Cierre,Paso,Inicio) VALUES (?,?,?)"_s,
         {fecha, static_cast<int>(cierre.paso_), ahora}));
     return cierre;
 }
 
-CierrePendiente::Hecho CierrePendiente::Avanzar(SqlConnection& conexion, dayclose::Paso paso) {
-    QUIMO_TRY_VOID(Ejecutar(conexion, u"UPDATE Cierre_Pendiente SET Paso=? WHERE Fecha_Cierre=?"_s,
+CierrePendiente::Hecho CierrePendiente::Avanzar(Transaccion& transaccion, dayclose::Paso paso) {
+    QUIMO_TRY_VOID(Ejecutar(transaccion,
+                            u"UPDATE Cierre_Pendiente SET Paso=? WHERE Fecha_Cierre=?"_s,
                             {static_cast<int>(paso), fecha_}));
     paso_ = paso;
     return {};
 }
 
-CierrePendiente::Hecho CierrePendiente::Anotar(SqlConnection& conexion, int id_terminal,
-                                               const QString& terminal, const QString& tabla,
+CierrePendiente::Hecho CierrePendiente::Anotar(Transaccion& transaccion, int id_terminal,
+                                               const QString& terminal, const QString& marca,
                                                const Avance& avance) {
-    if (De(terminal, tabla)) {
-        QUIMO_TRY_VOID(Ejecutar(conexion,
-                                u"UPDATE Cierre_Avance SET Estado=?,Detalle=? "
-                                u"WHERE Nombre_Term=? AND Tabla=?"_s,
-                                {avance.estado, avance.detalle, terminal, tabla}));
-    } else {
-        QUIMO_TRY_VOID(Ejecutar(conexion,
+    // What the table holds decides, not what this object remembers: a mark may have gone with a
+    // transaction that was rolled back.
+    RespuestaSql cambiada =
+        transaccion.Ejecutar(u"UPDATE Cierre_Avance SET Estado=?,Detalle=? "
+                             u"WHERE Nombre_Term=? AND Tabla=?"_s,
+                             {avance.estado, avance.detalle, terminal, marca});
+    if (cambiada.fallo) return *std::move(cambiada.fallo);
+    if (cambiada.resultados.isEmpty() || cambiada.resultados.first().afectadas < 1) {
+        QUIMO_TRY_VOID(Ejecutar(transaccion,
                                 u"INSERT INTO Cierre_Avance "
                                 u"(ID_Terminal,Nombre_Term,Tabla,Estado,Detalle) "
                                 u"VALUES (?,?,?,?,?)"_s,
-                                {id_terminal, terminal, tabla, avance.estado, avance.detalle}));
+                                {id_terminal, terminal, marca, avance.estado, avance.detalle}));
     }
-    avances_[terminal].insert(tabla, avance);
+    avances_[terminal].insert(marca, avance);
     terminales_.insert(terminal, id_terminal);
     return {};
 }
 
-std::optional<Avance> CierrePendiente::De(const QString& terminal, const QString& tabla) const {
-    const auto tablas = avances_.constFind(terminal);
-    if (tablas == avances_.constEnd()) return std::nullopt;
-    const auto avance = tablas->constFind(tabla);
-    if (avance == tablas->constEnd()) return std::nullopt;
+CierrePendiente::Hecho CierrePendiente::AnotarVersion(Transaccion& transaccion, int id_terminal,
+                                                      const QString& terminal,
+                                                      const VersionCopiada& version) {
+    return Anotar(transaccion, id_terminal, terminal,
+                  MarcaDeVersion(Versiones(terminal).size() + 1),
+                  {MascaraDe(version.tablas), version.sha256});
+}
+
+std::optional<Avance> CierrePendiente::De(const QString& terminal, const QString& marca) const {
+    const auto marcas = avances_.constFind(terminal);
+    if (marcas == avances_.constEnd()) return std::nullopt;
+    const auto avance = marcas->constFind(marca);
+    if (avance == marcas->constEnd()) return std::nullopt;
     return *avance;
 }
 
-CierrePendiente::Hecho CierrePendiente::Olvidar(SqlConnection& conexion) {
-    QUIMO_TRY_VOID(Ejecutar(conexion, u"DELETE FROM Cierre_Avance"_s));
-    QUIMO_TRY_VOID(Ejecutar(conexion, u"DELETE FROM Cierre_Pendiente"_s));
-    avances_.clear();
-    terminales_.clear();
+QVector<VersionCopiada> CierrePendiente::Versiones(const QString& terminal) const {
+    QVector<VersionCopiada> versiones;
+    while (const auto version = De(terminal, MarcaDeVersion(versiones.size() + 1))) {
+        versiones.append({version->detalle, TablasDe(version->estado)});
+    }
+    return versiones;
+}
+
+bool CierrePendiente::SeCopio(const QString& terminal, const QString& sha256) const {
+    const QVector<VersionCopiada> versiones = Versiones(terminal);
+    return std::any_of(versiones.begin(), versiones.end(), [&](const VersionCopiada& version) {
+        return version.sha256 == sha256;
+    });
+}
+
+bool CierrePendiente::Conoce(const QString& terminal, const QString& sha256) const {
+    for (const char16_t* marca : {kArchivo, kRecibido}) {
+        const auto conocida = De(terminal, QString::fromUtf16(marca));
+        if (conocida && conocida->detalle == sha256) return true;
+    }
+    return SeCopio(terminal, sha256);
+}
+
+Apartada CierrePendiente::EstaApartada(const QString& terminal) const {
+    const auto apartada = De(terminal, QString::fromUtf16(kApartada));
+    return apartada ? static_cast<Apartada>(apartada->estado) : Apartada::No;
+}
+
+CierrePendiente::Hecho CierrePendiente::Olvidar(Transaccion& transaccion) {
+    QUIMO_TRY_VOID(Ejecutar(transaccion, u"DELETE FROM Cierre_Avance"_s));
+    QUIMO_TRY_VOID(Ejecutar(transaccion, u"DELETE FROM Cierre_Pendiente"_s));
     return {};
 }
 

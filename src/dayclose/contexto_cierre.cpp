@@ -5,41 +5,9 @@ using namespace Qt::StringLiterals;
 namespace quimo::dayclose {
 
 using foundation::Botones;
+using foundation::Fila;
 using foundation::Icono;
 using foundation::Respuesta;
-
-ResultadoCierre<bool> ManejadorFallas::Decidir(const QString& terminal, const FalloArchivo& fallo) {
-    if (fallo.numero == FalloArchivo::kPermisoDenegado) {
-        if (reintentos_ < kReintentosMax) {
-            ++reintentos_;
-            return true;
-        }
-        dialogos_.Avisar(u"La terminal "_s + terminal + u" no se cerro"_s, Icono::Critico);
-        return false;
-    }
-    if (!fallo.EsDeComunicacion()) return DeFallo(fallo);
-    if (fase_ == Fase::Distribuir) {
-        lista_ << terminal + u' ' + fallo.descripcion;
-        return false;
-    }
-    omitida_ = true;
-    // The question names only the terminal; why it cannot be reached stands before it.
-    dialogos_.Progreso(fallo.descripcion);
-    switch (dialogos_.Preguntar(u"Falla de comunicación con "_s + terminal,
-                                Botones::AbortarReintentarIgnorar, Icono::Exclamacion)) {
-        case Respuesta::Reintentar:
-            return true;
-        case Respuesta::Ignorar:
-            return false;
-        case Respuesta::Abortar:
-        case Respuesta::Aceptar:
-        case Respuesta::Cancelar:
-        case Respuesta::Si:
-        case Respuesta::No:
-            break;
-    }
-    return Interrupcion{Interrupcion::Motivo::Abortado};
-}
 
 QString ContextoCierre::Remoto(const QString& terminal) const {
     return u"\\\\"_s + terminal + u'\\' + directorio + u"\\Quimo_Terminal.mdb"_s;
@@ -49,9 +17,25 @@ QString ContextoCierre::CopiaLocal(const QString& terminal) const {
     return CarpetaLocal(terminal) + u"/Quimo_Terminal.mdb"_s;
 }
 
+ResultadoCierre<void> ContextoCierre::PuntoSeguro() const {
+    if (opciones.detener && opciones.detener()) return Detenido();
+    return {};
+}
+
 bool EsNombreDeEquipo(const QString& nombre) {
     return !nombre.isEmpty() && !nombre.startsWith(u'.') && !nombre.contains(u'/') &&
            !nombre.contains(u'\\') && !nombre.contains(u'\0');
+}
+
+bool OfrecerApartar(foundation::ClsAdo& ado, Interrupcion& fallo) {
+    if (fallo.motivo != Interrupcion::Motivo::Error || fallo.terminal.isEmpty()) return false;
+    QString texto = QString::number(static_cast<qint32>(fallo.numero)) + u' ' + fallo.descripcion;
+    if (!fallo.detalle.isEmpty()) texto += u"\n\n"_s + fallo.detalle;
+    texto += u"\n\n¿Desea terminar aquí, o apartar la terminal "_s + fallo.terminal +
+             u" y cerrar el día sin ella?"_s;
+    fallo.dicha = true;
+    return ado.Dialogo().Preguntar(texto, Botones::TerminarApartar, Icono::Critico) ==
+           Respuesta::Apartar;
 }
 
 Interrupcion FalloPendiente(const foundation::ClsAdo& ado) {
@@ -59,11 +43,42 @@ Interrupcion FalloPendiente(const foundation::ClsAdo& ado) {
     return DeFallo(*ado.Pendiente());
 }
 
-ResultadoCierre<QVector<foundation::Fila>> LeerFilas(foundation::ClsAdo& ado,
-                                                     const QString& consulta) {
+ResultadoCierre<QVector<Fila>> LeerFilas(foundation::ClsAdo& ado, const QString& consulta) {
     foundation::RecordsetPtr filas;
     if (!ado.Consultar(filas, consulta)) return FalloPendiente(ado);
     return filas->Filas();
+}
+
+ResultadoCierre<QVector<Terminal>> TodasLasTerminales(foundation::ClsAdo& ado) {
+    QUIMO_TRY(
+        const QVector<Fila> filas,
+        LeerFilas(ado,
+                  u"SELECT ID_Terminal,Nombre_Terminal,ID_Menu FROM Terminal ORDER BY ID_Terminal"_s));
+    QVector<Terminal> terminales;
+    for (const Fila& fila : filas) {
+        terminales.append({fila[0].toInt(), fila[1].toString(), fila[2].toInt()});
+    }
+    return terminales;
+}
+
+ResultadoCierre<void> RecordarOtraVez(foundation::ClsAdo& ado, CierrePendiente& cierre) {
+    QUIMO_INTENTAR(auto guardado, CierrePendiente::Leer(ado.Conexion()));
+    if (!guardado || guardado->Inicio() != cierre.Inicio()) {
+        return Interrupcion{Interrupcion::Motivo::Error, kErrorArchivo,
+                            u"El cierre ya no está pendiente: otro programa lo terminó."_s};
+    }
+    cierre = *std::move(guardado);
+    return {};
+}
+
+ResultadoCierre<void> Apartar(foundation::ClsAdo& ado, CierrePendiente& cierre,
+                              const Terminal& terminal, Apartada motivo, const QString& sha256) {
+    QUIMO_INTENTAR(auto transaccion, foundation::Transaccion::Iniciar(ado.Conexion()));
+    QUIMO_INTENTAR_VOID(cierre.Anotar(transaccion, terminal.id, terminal.nombre,
+                                      QString::fromUtf16(CierrePendiente::kApartada),
+                                      {static_cast<int>(motivo), sha256}));
+    QUIMO_INTENTAR_VOID(transaccion.Confirmar());
+    return {};
 }
 
 }  // namespace quimo::dayclose

@@ -1,31 +1,28 @@
 #pragma once
 
+#include <functional>
+#include <optional>
+
 #include <QString>
 #include <QVector>
 
 #include "dayclose/archivo_ventas.h"
 #include "dayclose/cierre_pendiente.h"
 #include "dayclose/interrupcion.h"
+#include "dayclose/manejador_fallas.h"
 #include "dayclose/tablas_ventas.h"
 #include "dayclose/terminal_share.h"
+#include "dayclose/transferencia.h"
 #include "foundation/cls_ado.h"
 #include "foundation/reloj.h"
 
 namespace quimo::dayclose {
 
-/// An active terminal.
+/// A terminal of the restaurant.
 struct Terminal {
     int id = 0;
     QString nombre;
     int menu = 0;
-};
-
-/// What was copied of one table of one terminal.
-struct TablaCopiada {
-    QString terminal;
-    QString tabla;
-    qint64 insertadas = 0;
-    qint64 modificadas = 0;
 };
 
 /// What one terminal's file held when it was counted.
@@ -34,58 +31,45 @@ struct TerminalContada {
     ValoresCifras cifras;
 };
 
+/// A terminal whose sales this close did not copy.
+struct TerminalSinCopiar {
+    QString terminal;
+    Apartada motivo = Apartada::No;
+    QString archivo;                      ///< where its file was kept; empty: nobody has read it
+    std::optional<ValoresCifras> cifras;  ///< what that file holds, when it can be read
+};
+
 /// What a close did, for whoever reports it.
 struct ResumenCierre {
     QString fecha;
     QVector<TerminalContada> contadas;
     QVector<TablaCopiada> copiadas;
-    QStringList entregadas;    ///< terminals that got their new database
-    QStringList fallas_envio;  ///< one line for each that could not be reached
-    QStringList avisos;        ///< what the manager should know but need not answer
+    QVector<TerminalSinCopiar> sin_copiar;
+    QStringList entregadas;     ///< terminals that have their new database
+    QStringList sin_entregar;   ///< active terminals that did not get it
+    QStringList fallas_envio;   ///< one line for each that could not be reached
+    QStringList avisos;         ///< what the manager should know but need not answer
+    bool hay_perdidas = false;  ///< a terminal's row stands in another one's place
+
+    /// Whether everything that a close is to do was done.
+    bool Completo() const {
+        return sin_copiar.isEmpty() && sin_entregar.isEmpty() && !hay_perdidas;
+    }
 };
 
-/// Decides what a failed file operation means: error 70 is tried again, up to a limit for each
-/// terminal; a share that cannot be reached is asked about while sales are fetched, and collected
-/// in a list while catalogues are sent; anything else ends the close.
-class ManejadorFallas {
-public:
-    enum class Fase { Reunir, Distribuir };
-    static constexpr int kReintentosMax = 2000;
-
-    explicit ManejadorFallas(foundation::Dialogos& dialogos) : dialogos_(dialogos) {}
-
-    /// A terminal's file is about to be fetched: its retries begin at 0.
-    void Empezar() {
-        reintentos_ = 0;
-        omitida_ = false;
-    }
-    void Entrar(Fase fase) { fase_ = fase; }
-    /// Whether the terminal at hand was marked as skipped: it stays so even when a retry succeeds.
-    bool Omitida() const { return omitida_; }
-    /// One line for each terminal that could not be reached while catalogues were sent.
-    const QStringList& Lista() const { return lista_; }
-
-    /// Runs a file operation until it succeeds (true), is given up (false: the run goes on with
-    /// what comes next) or interrupts the close.
-    template <typename Operacion>
-    ResultadoCierre<bool> Ejecutar(const QString& terminal, Operacion operacion) {
-        while (true) {
-            auto hecho = operacion();
-            if (hecho) return true;
-            QUIMO_TRY(const bool reintentar, Decidir(terminal, hecho.error()));
-            if (!reintentar) return false;
-        }
-    }
-
-private:
-    /// True to try again, false to go on without.
-    ResultadoCierre<bool> Decidir(const QString& terminal, const FalloArchivo& fallo);
-
-    foundation::Dialogos& dialogos_;
-    Fase fase_ = Fase::Reunir;
-    int reintentos_ = 0;
-    bool omitida_ = false;
-    QStringList lista_;
+/// How a close is run.
+struct OpcionesCierre {
+    enum class Pendiente {
+        Preguntar,  ///< a close that did not end is asked about: go on with it, or begin a new one
+        Continuar,  ///< only a close that did not end is gone on with
+        Rechazar,   ///< a close that did not end is told, and nothing is done
+    };
+    Pendiente pendiente = Pendiente::Preguntar;
+    QStringList omitir = {};  ///< terminals to be set aside
+    QString quien = {};       ///< who runs it, as others are told while it runs
+    /// Asked at every point at which the close can be left without harm; true ends it there.
+    std::function<bool()> detener = {};
+    int pausa_ms = 10;  ///< between two tries at a file that somebody holds open
 };
 
 /// What the steps of one close share. The ports must outlive it.
@@ -94,6 +78,7 @@ struct ContextoCierre {
     TerminalShare& share;
     const foundation::Reloj& reloj;
     QString carpeta;  ///< the program's folder: template, working file, a folder per terminal
+    OpcionesCierre opciones;
     ArchivoVentas archivo;
     ManejadorFallas fallas;
     QString directorio = {};  ///< DIRTERMBD
@@ -103,10 +88,16 @@ struct ContextoCierre {
     QString CarpetaLocal(const QString& terminal) const { return carpeta + u'/' + terminal; }
     QString CopiaLocal(const QString& terminal) const;
     void Progreso(const QString& texto) { ado.Dialogo().Progreso(texto); }
+    /// Ends the close here when the program was told to end.
+    ResultadoCierre<void> PuntoSeguro() const;
 };
 
 /// True for a computer name that can be a folder's name too.
 bool EsNombreDeEquipo(const QString& nombre);
+
+/// Tells a failure that is about one terminal and asks whether the close goes on without it. True:
+/// the terminal is to be set aside. No transaction may be open while the user reads.
+bool OfrecerApartar(foundation::ClsAdo& ado, Interrupcion& fallo);
 
 /// The failure of the data-access object's last operation.
 Interrupcion FalloPendiente(const foundation::ClsAdo& ado);
@@ -114,5 +105,15 @@ Interrupcion FalloPendiente(const foundation::ClsAdo& ado);
 /// Runs a query; its rows, or why not.
 ResultadoCierre<QVector<foundation::Fila>> LeerFilas(foundation::ClsAdo& ado,
                                                      const QString& consulta);
+
+/// Every terminal of the restaurant, active or not, by number.
+ResultadoCierre<QVector<Terminal>> TodasLasTerminales(foundation::ClsAdo& ado);
+
+/// Reads again what is remembered of a close: notes that were undone with a failed copy are gone.
+ResultadoCierre<void> RecordarOtraVez(foundation::ClsAdo& ado, CierrePendiente& cierre);
+
+/// Terminals set aside from now on, in a transaction of its own.
+ResultadoCierre<void> Apartar(foundation::ClsAdo& ado, CierrePendiente& cierre,
+                              const Terminal& terminal, Apartada motivo, const QString& sha256);
 
 }  // namespace quimo::dayclose

@@ -1,9 +1,15 @@
 #include "dayclose/fin_de_dia.h"
 
+#include <QFile>
+
+#include "dayclose/archivos.h"
+#include "dayclose/base_nueva.h"
 #include "dayclose/distribucion.h"
 #include "dayclose/fecha_trabajo.h"
+#include "dayclose/resumen_cierre.h"
 #include "dayclose/reunion.h"
-#include "dayclose/transferencia.h"
+#include "dayclose/traspaso.h"
+#include "dayclose/turno_cierre.h"
 #include "foundation/parametros.h"
 #include "foundation/transaccion.h"
 
@@ -23,6 +29,10 @@ Interrupcion ParametroErroneo(const QString& texto) {
     return {Interrupcion::Motivo::Error, kParametroErroneo, texto};
 }
 
+Interrupcion SinEmpezar(const QString& texto) {
+    return {Interrupcion::Motivo::SinEmpezar, 0, texto};
+}
+
 ResultadoCierre<QString> LeerCadena(ClsAdo& ado, const char16_t* clave) {
     auto valor = Parametros(ado).Cadena(clave);
     if (valor) return std::move(valor).value();
@@ -33,21 +43,21 @@ ResultadoCierre<QString> LeerCadena(ClsAdo& ado, const char16_t* clave) {
     return DeFallo(valor.error());
 }
 
+QString Visible(const CierrePendiente& cierre) {
+    return foundation::FechaTrabajoVisible(cierre.Fecha());
+}
+
 }  // namespace
 
 FinDeDia::FinDeDia(ClsAdo& ado, TerminalShare& share, const foundation::Reloj& reloj,
-                   const QString& carpeta)
+                   const QString& carpeta, OpcionesCierre opciones)
     : contexto_{ado,
                 share,
                 reloj,
                 carpeta,
+                opciones,
                 ArchivoVentas(carpeta + u"/archivo"_s),
-                ManejadorFallas(ado.Dialogo())} {}
-
-ResultadoCierre<QString> FinDeDia::FechaPendiente(ClsAdo& ado) {
-    QUIMO_INTENTAR(const auto pendiente, CierrePendiente::Leer(ado.Conexion()));
-    return pendiente ? pendiente->Fecha() : QString();
-}
+                ManejadorFallas(ado.Dialogo(), opciones.pausa_ms, opciones.detener)} {}
 
 ResultadoCierre<CierrePendiente> FinDeDia::Avanzar() {
     ClsAdo& ado = contexto_.ado;
@@ -75,58 +85,186 @@ ResultadoCierre<CierrePendiente> FinDeDia::Avanzar() {
         return FalloPendiente(ado);
     }
     QUIMO_INTENTAR(CierrePendiente cierre,
-                   CierrePendiente::Iniciar(ado.Conexion(), fecha, contexto_.reloj.Ahora()));
+                   CierrePendiente::Iniciar(transaccion, fecha, contexto_.reloj.Ahora()));
     QUIMO_INTENTAR_VOID(transaccion.Confirmar());
     return cierre;
 }
 
+/// What lies in the terminals' folders belongs to the close that fetched it: a later one must not
+/// take it for a terminal's sales.
+void FinDeDia::BorrarCopiasLocales() {
+    const auto terminales = TodasLasTerminales(contexto_.ado);
+    if (!terminales) return;
+    for (const Terminal& terminal : *terminales) {
+        if (EsNombreDeEquipo(terminal.nombre)) QFile::remove(contexto_.CopiaLocal(terminal.nombre));
+    }
+}
+
+/// Which close is run: the one that did not end, or none yet.
+ResultadoCierre<void> FinDeDia::Elegir() {
+    QUIMO_INTENTAR(cierre_, CierrePendiente::Leer(contexto_.ado.Conexion()));
+    using Pendiente = OpcionesCierre::Pendiente;
+    const Pendiente modo = contexto_.opciones.pendiente;
+    if (!cierre_) {
+        if (modo != Pendiente::Continuar) return {};
+        return SinEmpezar(u"No hay ningún cierre pendiente"_s);
+    }
+    if (modo == Pendiente::Rechazar) {
+        const QString fecha = Visible(*cierre_);
+        cierre_.reset();
+        return SinEmpezar(u"El cierre del "_s + fecha +
+                          u" no terminó. Use --continuar para continuarlo, o --descartar para "
+                          u"dejarlo."_s);
+    }
+    if (modo == Pendiente::Preguntar &&
+        contexto_.ado.Dialogo().Preguntar(
+            u"El cierre del "_s + Visible(*cierre_) + u" no terminó. ¿Desea continuarlo?"_s,
+            Botones::SiNo, Icono::Pregunta) != Respuesta::Si) {
+        QUIMO_TRY_VOID(ConfirmarDescarte());
+        cierre_.reset();
+    }
+    return {};
+}
+
+/// A close that is left behind cannot be gone on with any more.
+ResultadoCierre<void> FinDeDia::ConfirmarDescarte() {
+    const QString fecha = Visible(*cierre_);
+    const QString pregunta =
+        u"El cierre del %1 se dejará sin terminar y se empezará uno nuevo. Lo que copió se queda, y "
+        u"los archivos de las terminales quedan guardados en la carpeta archivo. ¿Está seguro?"_s.arg(
+            fecha);
+    if (contexto_.ado.Dialogo().Preguntar(pregunta, Botones::SiNo, Icono::Exclamacion) ==
+        Respuesta::Si) {
+        return {};
+    }
+    cierre_.reset();
+    return SinEmpezar(u"El cierre del "_s + fecha + u" sigue pendiente."_s);
+}
+
+ResultadoCierre<void> FinDeDia::Empezar() {
+    contexto_.Progreso(u"Revisando la plantilla de las terminales"_s);
+    QUIMO_TRY_VOID(BaseNueva::Ensayar(contexto_.ado, contexto_.carpeta));
+    BorrarCopiasLocales();
+    QUIMO_TRY(CierrePendiente nuevo, Avanzar());
+    cierre_ = std::move(nuevo);
+    return {};
+}
+
 ResultadoCierre<void> FinDeDia::Correr() {
     ClsAdo& ado = contexto_.ado;
-    QUIMO_INTENTAR(auto pendiente, CierrePendiente::Leer(ado.Conexion()));
-    if (pendiente && ado.Dialogo().Preguntar(
-                         u"El cierre del "_s + foundation::FechaTrabajoVisible(pendiente->Fecha()) +
-                             u" no terminó. ¿Desea continuarlo?"_s,
-                         Botones::SiNo, Icono::Pregunta) != Respuesta::Si) {
-        pendiente.reset();
-    }
+    QUIMO_TRY(const TurnoCierre turno,
+              TurnoCierre::Tomar(ado.Conexion(), contexto_.opciones.quien, contexto_.reloj.Ahora()));
+    QUIMO_TRY_VOID(Elegir());
     // It asks the user rarely; the rest of the time the pointer says that it is at work.
     const foundation::PunteroOcupado ocupado(ado.Dialogo());
-    if (!pendiente) {
-        QUIMO_TRY(CierrePendiente nuevo, Avanzar());
-        pendiente = std::move(nuevo);
+    BorrarRestos(contexto_.carpeta);
+    if (!cierre_) QUIMO_TRY_VOID(Empezar());
+    contexto_.resumen.fecha = cierre_->Fecha();
+    return Recorrer();
+}
+
+ResultadoCierre<void> FinDeDia::Recorrer() {
+    QUIMO_TRY(contexto_.directorio,
+              LeerCadena(contexto_.ado, foundation::parametro::kDirectorioTerminal));
+    QUIMO_TRY_VOID(ApartarOmitidas(contexto_, *cierre_));
+    if (cierre_->PasoActual() == Paso::Reunir) {
+        QUIMO_TRY_VOID(ReunirTerminales(contexto_, *cierre_));
+    } else if (cierre_->PasoActual() == Paso::Transferir) {
+        QUIMO_TRY_VOID(RevisarCopias(contexto_, *cierre_));
     }
-    contexto_.resumen.fecha = pendiente->Fecha();
-    QUIMO_TRY(contexto_.directorio, LeerCadena(ado, foundation::parametro::kDirectorioTerminal));
-    if (pendiente->PasoActual() == Paso::Reunir) {
-        QUIMO_TRY_VOID(ReunirTerminales(contexto_, *pendiente));
-    } else if (pendiente->PasoActual() == Paso::Transferir) {
-        QUIMO_TRY_VOID(RevisarCopias(contexto_, *pendiente));
+    if (cierre_->PasoActual() == Paso::Transferir) {
+        QUIMO_TRY_VOID(TransferirVentas(contexto_, *cierre_));
     }
-    if (pendiente->PasoActual() == Paso::Transferir) {
-        QUIMO_TRY_VOID(TransferirVentas(contexto_, *pendiente));
+    QUIMO_TRY_VOID(DistribuirCatalogos(contexto_, *cierre_));
+    QUIMO_TRY_VOID(contexto_.PuntoSeguro());
+    CompletarResumen(contexto_, *cierre_);
+    QUIMO_TRY_VOID(TerminarCierre(contexto_, *cierre_));
+    // From here on the day is closed: what is tidied up decides nothing.
+    BorrarCopiasLocales();
+    static_cast<void>(BorrarTemporales(contexto_.ado));
+    return {};
+}
+
+QString FinDeDia::QueSigue() const {
+    const auto pendiente = CierrePendiente::Leer(contexto_.ado.Conexion());
+    if (!pendiente) return {};
+    if (!*pendiente) return u"No quedó ningún cierre pendiente."_s;
+    return u"El cierre del %1 quedó pendiente: nada de lo hecho se pierde. Continúelo desde Fin de "
+           u"día, o con quimoctl cerrar ... --continuar."_s.arg(Visible(**pendiente));
+}
+
+FinDeDia::Desenlace FinDeDia::Contar(Interrupcion interrupcion) {
+    foundation::Dialogos& dialogos = contexto_.ado.Dialogo();
+    using Motivo = Interrupcion::Motivo;
+    switch (interrupcion.motivo) {
+        case Motivo::Abortado:
+            dialogos.Avisar(u"Abortado"_s, Icono::Informacion);
+            // What cannot be dropped now goes with the connection.
+            static_cast<void>(BorrarTemporales(contexto_.ado));
+            return Desenlace::Abortado;
+        case Motivo::SinEmpezar:
+            dialogos.Avisar(interrupcion.descripcion, Icono::Exclamacion);
+            return Desenlace::SinEmpezar;
+        case Motivo::Detenido:
+            dialogos.Avisar(interrupcion.descripcion + u"\n\n"_s + QueSigue(), Icono::Exclamacion);
+            return Desenlace::Detenido;
+        case Motivo::Error:
+            break;
     }
-    QUIMO_TRY_VOID(DistribuirCatalogos(contexto_, *pendiente));
-    return BorrarTemporales(ado);
+    QStringList partes;
+    if (!interrupcion.dicha) {
+        partes << QString::number(static_cast<qint32>(interrupcion.numero)) + u' ' +
+                      interrupcion.descripcion;
+        if (!interrupcion.detalle.isEmpty()) partes << interrupcion.detalle;
+    }
+    const QString sigue = QueSigue();
+    if (!sigue.isEmpty()) partes << sigue;
+    if (!partes.isEmpty()) dialogos.Avisar(partes.join(u"\n\n"_s), Icono::Critico);
+    return Desenlace::ConError;
 }
 
 FinDeDia::Desenlace FinDeDia::Ejecutar() {
-    foundation::Dialogos& dialogos = contexto_.ado.Dialogo();
-    const auto corrido = Correr();
+    auto corrido = Correr();
     if (corrido) {
-        dialogos.Avisar(u"Proceso terminado"_s, Icono::Informacion);
-        return Desenlace::Terminado;
+        contexto_.ado.Dialogo().Avisar(u"Proceso terminado"_s, Icono::Informacion);
+        return contexto_.resumen.Completo() ? Desenlace::Terminado : Desenlace::Incompleto;
     }
-    const Interrupcion& interrupcion = corrido.error();
-    if (interrupcion.motivo == Interrupcion::Motivo::Abortado) {
-        dialogos.Avisar(u"Abortado"_s, Icono::Informacion);
-        // What cannot be dropped now goes with the connection.
-        static_cast<void>(BorrarTemporales(contexto_.ado));
-        return Desenlace::Abortado;
+    if (cierre_) CompletarResumen(contexto_, *cierre_);
+    return Contar(std::move(corrido).error());
+}
+
+ResultadoCierre<void> FinDeDia::DescartarPendiente() {
+    ClsAdo& ado = contexto_.ado;
+    QUIMO_TRY(const TurnoCierre turno,
+              TurnoCierre::Tomar(ado.Conexion(), contexto_.opciones.quien, contexto_.reloj.Ahora()));
+    QUIMO_INTENTAR(auto pendiente, CierrePendiente::Leer(ado.Conexion()));
+    if (!pendiente) return SinEmpezar(u"No hay ningún cierre pendiente"_s);
+    const QString fecha = Visible(*pendiente);
+    for (const QString& pregunta :
+         {u"El cierre del %1 no terminó. Al descartarlo ya no se podrá continuar: lo que copió se "
+          u"queda, y los archivos de las terminales quedan guardados en la carpeta archivo. ¿Desea "
+          u"descartarlo?"_s.arg(fecha),
+          u"¿Está seguro de descartar el cierre del %1?"_s.arg(fecha)}) {
+        if (ado.Dialogo().Preguntar(pregunta, Botones::SiNo, Icono::Pregunta) != Respuesta::Si) {
+            return SinEmpezar(u"El cierre del "_s + fecha + u" sigue pendiente."_s);
+        }
     }
-    dialogos.Avisar(
-        QString::number(static_cast<qint32>(interrupcion.numero)) + u' ' + interrupcion.descripcion,
-        Icono::Critico);
-    return Desenlace::ConError;
+    QUIMO_INTENTAR(auto transaccion, foundation::Transaccion::Iniciar(ado.Conexion()));
+    QUIMO_INTENTAR_VOID(pendiente->Olvidar(transaccion));
+    QUIMO_INTENTAR_VOID(transaccion.Confirmar());
+    BorrarCopiasLocales();
+    ado.Dialogo().Avisar(
+        u"Se descartó el cierre del %1. Lo que falte de sus ventas se trae con: quimoctl cerrar ... "
+        u"--traer ARCHIVO --terminal NOMBRE"_s.arg(fecha),
+        Icono::Informacion);
+    return {};
+}
+
+bool FinDeDia::Descartar() {
+    auto hecho = DescartarPendiente();
+    if (hecho) return true;
+    Contar(std::move(hecho).error());
+    return false;
 }
 
 }  // namespace quimo::dayclose

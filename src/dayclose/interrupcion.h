@@ -8,13 +8,20 @@
 
 namespace quimo::dayclose {
 
-/// Why a close did not reach its end: the user chose to abort, or an error that has no other
-/// answer. Nothing that was done is undone.
+/// Why a close did not reach its end. Nothing that was done is undone.
 struct Interrupcion {
-    enum class Motivo { Abortado, Error };
+    enum class Motivo {
+        Abortado,    ///< the user chose to
+        Error,       ///< an error that has no other answer
+        Detenido,    ///< the program was told to end
+        SinEmpezar,  ///< there was nothing to do, or somebody else is at it: nothing was changed
+    };
     Motivo motivo = Motivo::Error;
     qint64 numero = 0;
     QString descripcion = {};
+    QString detalle = {};   ///< what stands below the description: where, what, what can be done
+    QString terminal = {};  ///< the one terminal that this is about: the close may go on without it
+    bool dicha = false;     ///< the user has read it already
 };
 
 template <typename T>
@@ -41,8 +48,13 @@ inline Interrupcion DeFallo(const FalloArchivo& fallo) {
 /// For errors of terminal files, told with the file or terminal they are about.
 Interrupcion DeFallo(const base::Error& error, const QString& sobre);
 
-}  // namespace quimo::dayclose
+/// The same failure, known to be about one terminal.
+inline Interrupcion DeTerminal(Interrupcion fallo, const QString& terminal) {
+    if (fallo.motivo == Interrupcion::Motivo::Error) fallo.terminal = terminal;
+    return fallo;
+}
 
+}  // namespace quimo::dayclose
 /// QUIMO_INTENTAR(const int n, Leer()); declares n, or returns the failure as an Interrupcion.
 #define QUIMO_INTENTAR(declaracion, ...)                                           \
     auto QUIMO_UNIR(intento_, __LINE__) = (__VA_ARGS__);                           \

@@ -2,7 +2,8 @@
 
 #include <algorithm>
 
-#include "dayclose/base_terminal.h"
+#include "dayclose/colisiones.h"
+#include "dayclose/lectura_terminal.h"
 #include "foundation/transaccion.h"
 #include "foundation/valores.h"
 
@@ -10,8 +11,12 @@ using namespace Qt::StringLiterals;
 
 namespace quimo::dayclose {
 
+using foundation::Botones;
 using foundation::ClsAdo;
 using foundation::Fila;
+using foundation::Icono;
+using foundation::Respuesta;
+using foundation::Transaccion;
 
 namespace {
 
@@ -77,42 +82,6 @@ ResultadoCierre<void> InsertarConciliacion(ClsAdo& ado, const Terminal& terminal
     return {};
 }
 
-/// Fetches a remote file into the archive and makes the local copy from there. Its digest.
-ResultadoArchivo<QString> Traer(ContextoCierre& contexto, const QString& fecha,
-                                const QString& terminal) {
-    QUIMO_TRY(const Archivado archivado,
-              contexto.archivo.Recibir(contexto.share, contexto.Remoto(terminal), fecha, terminal));
-    QUIMO_TRY(const Copiado copiado, CopiarEntero(archivado.ruta, contexto.CopiaLocal(terminal)));
-    return copiado.sha256;
-}
-
-/// True when there is a file to count: fetched now, or still lying there from before because the
-/// terminal did not let go of it.
-ResultadoCierre<bool> TraerTerminal(ContextoCierre& contexto, const QString& fecha,
-                                    const Terminal& terminal) {
-    ManejadorFallas& fallas = contexto.fallas;
-    fallas.Empezar();
-    QUIMO_TRY(const bool con_carpeta,
-              fallas.Ejecutar(terminal.nombre, [&]() -> ResultadoArchivo<void> {
-                  if (!EsNombreDeEquipo(terminal.nombre)) {
-                      return FalloDeNumero(FalloArchivo::kNombreIncorrecto, terminal.nombre);
-                  }
-                  return CrearCarpeta(contexto.CarpetaLocal(terminal.nombre));
-              }));
-    if (!con_carpeta) return false;
-    bool existe = false;
-    QUIMO_TRY(const bool mirado, fallas.Ejecutar(terminal.nombre, [&]() -> ResultadoArchivo<void> {
-        QUIMO_TRY(existe, contexto.share.Existe(contexto.Remoto(terminal.nombre)));
-        return {};
-    }));
-    if (!mirado || !existe) return false;
-    QUIMO_TRY(const bool traido, fallas.Ejecutar(terminal.nombre, [&] {
-        return Traer(contexto, fecha, terminal.nombre);
-    }));
-    static_cast<void>(traido);
-    return !fallas.Omitida();
-}
-
 /// The tables to be copied of a terminal: those with a figure that differs from the central one.
 QStringList TablasQueDifieren(const ValoresCifras& terminal, const ValoresCifras& central) {
     QStringList tablas;
@@ -128,18 +97,106 @@ QStringList TablasQueDifieren(const ValoresCifras& terminal, const ValoresCifras
     return tablas;
 }
 
-ResultadoCierre<void> AnotarTablas(ContextoCierre& contexto, CierrePendiente& cierre,
-                                   const Terminal& terminal, const QStringList& tablas) {
-    QUIMO_INTENTAR(const QString sha256, Sha256DeArchivo(contexto.CopiaLocal(terminal.nombre)));
-    foundation::SqlConnection& conexion = contexto.ado.Conexion();
-    QUIMO_INTENTAR_VOID(cierre.Anotar(conexion, terminal.id, terminal.nombre,
+QStringList TodasLasTablas() {
+    QStringList tablas;
+    for (const DefCopia& copia : Copias())
+        tablas << QString::fromUtf16(copia.tabla);
+    return tablas;
+}
+
+ResultadoCierre<void> AnotarTablas(Transaccion& transaccion, CierrePendiente& cierre,
+                                   const Terminal& terminal, const ArchivoContado& contado,
+                                   const QStringList& tablas) {
+    QUIMO_INTENTAR_VOID(cierre.Anotar(transaccion, terminal.id, terminal.nombre,
                                       QString::fromUtf16(CierrePendiente::kArchivo),
-                                      {CierrePendiente::kHecho, sha256}));
+                                      {CierrePendiente::kHecho, contado.sha256}));
+    QUIMO_INTENTAR_VOID(cierre.Anotar(transaccion, terminal.id, terminal.nombre,
+                                      QString::fromUtf16(CierrePendiente::kRecibido),
+                                      {CierrePendiente::kHecho, contado.recibido}));
     for (const QString& tabla : tablas) {
-        QUIMO_INTENTAR_VOID(cierre.Anotar(conexion, terminal.id, terminal.nombre, tabla,
-                                          {CierrePendiente::kPorHacer, u"0"_s}));
+        // What an earlier copy of this close did is counted on.
+        const auto antes = cierre.De(terminal.nombre, tabla);
+        QUIMO_INTENTAR_VOID(cierre.Anotar(transaccion, terminal.id, terminal.nombre, tabla,
+                                          {CierrePendiente::kPorHacer,
+                                           antes ? antes->detalle : QString()}));
     }
     return {};
+}
+
+/// The file of a terminal that is set aside is kept as it is, if it can be had at all.
+ResultadoCierre<void> ArchivarApartada(ContextoCierre& contexto, CierrePendiente& cierre,
+                                       const Terminal& terminal, Apartada motivo) {
+    const auto recibido = contexto.archivo.Recibir(
+        contexto.share, contexto.Remoto(terminal.nombre), cierre.Fecha(), terminal.nombre);
+    if (!recibido) {
+        contexto.resumen.avisos << u"No se pudo guardar el archivo de la terminal "_s +
+                                       terminal.nombre + u": "_s + recibido.error().descripcion;
+    }
+    return Apartar(contexto.ado, cierre, terminal, motivo,
+                   recibido ? recibido->sha256 : QString());
+}
+
+/// One terminal while sales are gathered: fetched and counted, or set aside.
+ResultadoCierre<std::optional<ArchivoContado>> ReunirTerminal(ContextoCierre& contexto,
+                                                              CierrePendiente& cierre,
+                                                              const Terminal& terminal) {
+    contexto.Progreso(u"Leyendo la terminal "_s + terminal.nombre);
+    QUIMO_TRY(const Traida traida, TraerTerminal(contexto, cierre.Fecha(), terminal.nombre));
+    if (traida.apartada != Apartada::No) {
+        QUIMO_TRY_VOID(
+            Apartar(contexto.ado, cierre, terminal, traida.apartada, traida.sha256));
+        return std::optional<ArchivoContado>();
+    }
+    QUIMO_TRY(ArchivoContado contado,
+              ContarArchivo(contexto.ado, contexto.archivo, contexto.CopiaLocal(terminal.nombre),
+                            cierre.Fecha(), terminal.nombre));
+    if (contado.reparada) {
+        contexto.resumen.avisos << u"El archivo de la terminal "_s + terminal.nombre +
+                                       u" estaba dañado; se usó una copia reparada con todos sus "
+                                       u"renglones."_s;
+    }
+    QUIMO_TRY_VOID(InsertarConciliacion(contexto.ado, terminal, contado.cifras));
+    return std::optional(std::move(contado));
+}
+
+/// Tells what the terminals' files have against each other. The close goes on unless the user wants
+/// to look first.
+ResultadoCierre<void> AvisarColisiones(ContextoCierre& contexto, const CierrePendiente& cierre) {
+    QVector<QPair<QString, int>> terminales;
+    for (const TerminalContada& contada : contexto.resumen.contadas) {
+        terminales.append({contada.terminal.nombre, contada.terminal.id});
+    }
+    QUIMO_TRY(const QVector<HallazgoPrevio> hallazgos,
+              BuscarColisiones(
+                  terminales, [&](const QString& nombre) { return contexto.CopiaLocal(nombre); },
+                  cierre.Fecha()));
+    if (hallazgos.isEmpty()) return {};
+    QStringList lineas;
+    for (const HallazgoPrevio& hallazgo : hallazgos) {
+        lineas << hallazgo.texto;
+        contexto.resumen.avisos << hallazgo.texto;
+        contexto.resumen.hay_perdidas = contexto.resumen.hay_perdidas || hallazgo.se_pierde;
+    }
+    const Respuesta respuesta = contexto.ado.Dialogo().Preguntar(
+        u"Los archivos de las terminales tienen algo que conviene revisar antes de copiar sus "
+        u"ventas:\n\n"_s +
+            lineas.join(u"\n\n"_s) +
+            u"\n\nAceptar sigue con el cierre; Cancelar lo deja pendiente para continuarlo después."_s,
+        Botones::AceptarCancelar, Icono::Exclamacion);
+    if (respuesta == Respuesta::Aceptar) return {};
+    return Interrupcion{Interrupcion::Motivo::Abortado};
+}
+
+QStringList NombresDe(const QVector<Terminal>& terminales) {
+    QStringList nombres;
+    for (const Terminal& terminal : terminales)
+        nombres << terminal.nombre;
+    return nombres;
+}
+
+/// A terminal that is to be left out, however its name was written.
+bool EsOmitida(const ContextoCierre& contexto, const QString& nombre) {
+    return contexto.opciones.omitir.contains(nombre, Qt::CaseInsensitive);
 }
 
 }  // namespace
@@ -153,16 +210,39 @@ ResultadoCierre<void> BorrarTemporales(ClsAdo& ado) {
     return {};
 }
 
+namespace {
+
+ResultadoCierre<void> LeerCifra(ClsAdo& ado, ValoresCifras& valores, Cifra cifra,
+                                const QString& consulta) {
+    QUIMO_TRY(const QVector<Fila> filas, LeerFilas(ado, consulta));
+    const auto lugar = static_cast<std::size_t>(cifra);
+    if (filas.isEmpty()) return {};
+    valores.registros[lugar] = filas.first().value(0).toLongLong();
+    const QVariant total = filas.first().value(1);
+    if (total.isValid()) valores.totales[lugar] = total.value<base::Dinero>();
+    return {};
+}
+
+}  // namespace
+
 ResultadoCierre<ValoresCifras> CifrasCentrales(ClsAdo& ado, const QString& fecha) {
     ValoresCifras valores;
     for (const DefCifra& cifra : Cifras()) {
-        QUIMO_TRY(const QVector<Fila> filas,
-                  LeerFilas(ado, QString::fromUtf16(cifra.consulta_central).arg(fecha)));
-        const auto lugar = static_cast<std::size_t>(cifra.cifra);
-        if (filas.isEmpty()) continue;
-        valores.registros[lugar] = filas.first().value(0).toLongLong();
-        const QVariant total = filas.first().value(1);
-        if (total.isValid()) valores.totales[lugar] = total.value<base::Dinero>();
+        QUIMO_TRY_VOID(LeerCifra(ado, valores, cifra.cifra,
+                                 QString::fromUtf16(cifra.consulta_central).arg(fecha)));
+    }
+    return valores;
+}
+
+ResultadoCierre<ValoresCifras> CifrasDelDia(ClsAdo& ado, const QString& fecha) {
+    ValoresCifras valores;
+    for (const DefCifra& cifra : Cifras()) {
+        const QString consulta =
+            cifra.cifra == Cifra::Cta
+                ? u"SELECT COUNT(*),SUM(Total) FROM Cuenta,Comanda WHERE "
+                  u"Cuenta.ID_Comanda=Comanda.ID_Comanda AND Fecha_Trabajo='%1'"_s
+                : QString::fromUtf16(cifra.consulta_central);
+        QUIMO_TRY_VOID(LeerCifra(ado, valores, cifra.cifra, consulta.arg(fecha)));
     }
     return valores;
 }
@@ -172,68 +252,119 @@ ResultadoCierre<void> ReunirTerminales(ContextoCierre& contexto, CierrePendiente
     QUIMO_TRY(const QVector<Terminal> terminales, TerminalesActivas(ado));
     QUIMO_TRY_VOID(CrearTemporales(ado));
     contexto.fallas.Entrar(ManejadorFallas::Fase::Reunir);
+    QVector<ArchivoContado> contados;
     for (const Terminal& terminal : terminales) {
-        contexto.Progreso(u"Leyendo la terminal "_s + terminal.nombre);
-        QUIMO_TRY(const bool hay_copia, TraerTerminal(contexto, cierre.Fecha(), terminal));
-        if (!hay_copia) {
-            contexto.resumen.avisos
-                << u"La terminal "_s + terminal.nombre + u" no se contó en este cierre."_s;
+        QUIMO_TRY_VOID(contexto.PuntoSeguro());
+        if (cierre.EstaApartada(terminal.nombre) == Apartada::Omitida) continue;
+        auto reunida = ReunirTerminal(contexto, cierre, terminal);
+        if (!reunida) {
+            Interrupcion fallo = std::move(reunida).error();
+            if (!OfrecerApartar(ado, fallo)) return fallo;
+            QUIMO_TRY_VOID(ArchivarApartada(contexto, cierre, terminal, Apartada::Omitida));
             continue;
         }
-        QUIMO_TRY(const BaseTerminal base,
-                  BaseTerminal::Abrir(contexto.CopiaLocal(terminal.nombre), terminal.nombre));
-        QUIMO_TRY_VOID(base.Verificar());
-        QUIMO_TRY(const ValoresCifras cifras, base.Contar());
-        QUIMO_TRY_VOID(InsertarConciliacion(ado, terminal, cifras));
-        contexto.resumen.contadas.append({terminal, cifras});
+        if (!*reunida) continue;
+        contexto.resumen.contadas.append({terminal, (*reunida)->cifras});
+        contados.append(**std::move(reunida));
     }
+    QUIMO_TRY_VOID(AvisarColisiones(contexto, cierre));
     QUIMO_TRY(const ValoresCifras central, CifrasCentrales(ado, cierre.Fecha()));
     // What is to be copied is settled before the first row is: the central figures change with
     // every terminal, and a close that goes on later must copy the same tables.
-    QUIMO_INTENTAR(auto transaccion, foundation::Transaccion::Iniciar(ado.Conexion()));
-    for (const TerminalContada& contada : contexto.resumen.contadas) {
-        QUIMO_TRY_VOID(AnotarTablas(contexto, cierre, contada.terminal,
-                                    TablasQueDifieren(contada.cifras, central)));
+    QUIMO_INTENTAR(auto transaccion, Transaccion::Iniciar(ado.Conexion()));
+    for (qsizetype i = 0; i < contados.size(); ++i) {
+        const Terminal& terminal = contexto.resumen.contadas[i].terminal;
+        QUIMO_TRY_VOID(AnotarTablas(transaccion, cierre, terminal, contados[i],
+                                    TablasQueDifieren(contados[i].cifras, central)));
+        // It was counted after all: what an earlier attempt met no longer counts.
+        QUIMO_INTENTAR_VOID(cierre.Anotar(transaccion, terminal.id, terminal.nombre,
+                                          QString::fromUtf16(CierrePendiente::kApartada),
+                                          {static_cast<int>(Apartada::No), QString()}));
     }
-    QUIMO_INTENTAR_VOID(cierre.Avanzar(ado.Conexion(), Paso::Transferir));
+    QUIMO_INTENTAR_VOID(cierre.Avanzar(transaccion, Paso::Transferir));
     QUIMO_INTENTAR_VOID(transaccion.Confirmar());
     return {};
 }
 
+ResultadoCierre<void> ApartarOmitidas(ContextoCierre& contexto, CierrePendiente& cierre) {
+    QUIMO_TRY(const QVector<Terminal> todas, TodasLasTerminales(contexto.ado));
+    const QStringList nombres = NombresDe(todas);
+    for (const QString& pedida : contexto.opciones.omitir) {
+        if (nombres.contains(pedida, Qt::CaseInsensitive)) continue;
+        Interrupcion fallo;
+        fallo.numero = kParametroErroneo;
+        fallo.descripcion = u"No hay ninguna terminal que se llame '%1'. Las terminales son: %2."_s
+                                .arg(pedida, nombres.join(u", "_s));
+        return fallo;
+    }
+    QUIMO_TRY(const QVector<Terminal> activas, TerminalesActivas(contexto.ado));
+    const QStringList nombres_activas = NombresDe(activas);
+    for (const Terminal& terminal : todas) {
+        const bool conocida = cierre.Terminales().contains(terminal.nombre);
+        const bool fuera = conocida && !nombres_activas.contains(terminal.nombre);
+        if (!fuera && !EsOmitida(contexto, terminal.nombre)) continue;
+        if (cierre.EstaApartada(terminal.nombre) == Apartada::Omitida) continue;
+        // What was copied of it already stays counted; nothing more of it is.
+        if (!cierre.Versiones(terminal.nombre).isEmpty()) continue;
+        QUIMO_TRY_VOID(ArchivarApartada(contexto, cierre, terminal, Apartada::Omitida));
+    }
+    return {};
+}
+
+namespace {
+
+/// The local copy of a terminal whose sales are still to be copied: the one that was counted, or a
+/// newer one when the terminal sold on.
+ResultadoCierre<void> RevisarCopia(ContextoCierre& contexto, CierrePendiente& cierre,
+                                   const Terminal& terminal, const QString& sha256) {
+    const QString local = contexto.CopiaLocal(terminal.nombre);
+    const auto recibido = contexto.archivo.Recibir(
+        contexto.share, contexto.Remoto(terminal.nombre), cierre.Fecha(), terminal.nombre);
+    if (recibido && !cierre.Conoce(terminal.nombre, recibido->sha256)) {
+        contexto.resumen.avisos << u"La terminal "_s + terminal.nombre +
+                                       u" siguió vendiendo: se copia también lo nuevo."_s;
+        QUIMO_INTENTAR(const Copiado copiado, CopiarEntero(recibido->ruta, local));
+        static_cast<void>(copiado);
+        QUIMO_TRY(const ArchivoContado contado,
+                  ContarArchivo(contexto.ado, contexto.archivo, local, cierre.Fecha(),
+                                terminal.nombre));
+        QUIMO_INTENTAR(auto transaccion, Transaccion::Iniciar(contexto.ado.Conexion()));
+        QUIMO_TRY_VOID(
+            AnotarTablas(transaccion, cierre, terminal, contado, TodasLasTablas()));
+        QUIMO_INTENTAR_VOID(transaccion.Confirmar());
+        return {};
+    }
+    const auto presente = Sha256DeArchivo(local);
+    if (presente && *presente == sha256) return {};
+    QUIMO_INTENTAR(const QString archivada,
+                   contexto.archivo.Buscar(cierre.Fecha(), terminal.nombre, sha256));
+    if (archivada.isEmpty()) {
+        return DeTerminal({Interrupcion::Motivo::Error, FalloArchivo::kNoEncontrado,
+                           u"Ya no está la copia de la terminal "_s + terminal.nombre +
+                               u" que se contó en este cierre."_s},
+                          terminal.nombre);
+    }
+    QUIMO_INTENTAR_VOID(CrearCarpeta(contexto.CarpetaLocal(terminal.nombre)));
+    QUIMO_INTENTAR(const Copiado repuesta, CopiarEntero(archivada, local));
+    static_cast<void>(repuesta);
+    return {};
+}
+
+}  // namespace
+
 ResultadoCierre<void> RevisarCopias(ContextoCierre& contexto, CierrePendiente& cierre) {
     const QHash<QString, int> terminales = cierre.Terminales();
     for (auto it = terminales.cbegin(); it != terminales.cend(); ++it) {
-        const QString& nombre = it.key();
-        const auto contada = cierre.De(nombre, QString::fromUtf16(CierrePendiente::kArchivo));
-        if (!contada) continue;
-        const QString local = contexto.CopiaLocal(nombre);
-        auto recibido = contexto.archivo.Recibir(contexto.share, contexto.Remoto(nombre),
-                                                 cierre.Fecha(), nombre);
-        if (recibido && recibido->nuevo) {
-            contexto.resumen.avisos
-                << u"La terminal "_s + nombre + u" siguió vendiendo: se copia otra vez."_s;
-            QUIMO_INTENTAR(const Copiado copiado, CopiarEntero(recibido->ruta, local));
-            static_cast<void>(copiado);
-            QStringList todas;
-            for (const DefCopia& copia : Copias())
-                todas << QString::fromUtf16(copia.tabla);
-            QUIMO_INTENTAR(auto transaccion,
-                           foundation::Transaccion::Iniciar(contexto.ado.Conexion()));
-            QUIMO_TRY_VOID(AnotarTablas(contexto, cierre, {it.value(), nombre}, todas));
-            QUIMO_INTENTAR_VOID(transaccion.Confirmar());
-            continue;
-        }
-        const auto presente = Sha256DeArchivo(local);
-        if (presente && *presente == contada->detalle) continue;
-        QUIMO_INTENTAR(const QString archivada,
-                       contexto.archivo.Buscar(cierre.Fecha(), nombre, contada->detalle));
-        if (archivada.isEmpty()) {
-            return Interrupcion{Interrupcion::Motivo::Error, FalloArchivo::kNoEncontrado,
-                                u"Ya no está la copia de la terminal "_s + nombre +
-                                    u" que se contó en este cierre."_s};
-        }
-        QUIMO_INTENTAR(const Copiado copiado, CopiarEntero(archivada, local));
-        static_cast<void>(copiado);
+        QUIMO_TRY_VOID(contexto.PuntoSeguro());
+        const Terminal terminal{it.value(), it.key()};
+        const auto contada =
+            cierre.De(terminal.nombre, QString::fromUtf16(CierrePendiente::kArchivo));
+        if (!contada || cierre.EstaApartada(terminal.nombre) != Apartada::No) continue;
+        auto revisada = RevisarCopia(contexto, cierre, terminal, contada->detalle);
+        if (revisada) continue;
+        Interrupcion fallo = std::move(revisada).error();
+        if (!OfrecerApartar(contexto.ado, fallo)) return fallo;
+        QUIMO_TRY_VOID(ArchivarApartada(contexto, cierre, terminal, Apartada::Omitida));
     }
     return {};
 }

@@ -102,7 +102,10 @@ std::optional<jet::Valor> AValorTerminal(const QVariant& valor, jet::TipoColumna
             return AFecha(valor);
         case Tipo::Texto:
         case Tipo::Memo:
-            return jet::Valor(foundation::TextoDeValor(valor).toStdU16String());
+            // One letter, one code point: an index of the file knows no other spelling of it.
+            return jet::Valor(foundation::TextoDeValor(valor)
+                                  .normalized(QString::NormalizationForm_C)
+                                  .toStdU16String());
         case Tipo::Numerico: {
             const auto texto = TextoDeNumero(valor);
             const auto exacto = texto ? base::Decimal::DeTexto(texto->toStdString()) : std::nullopt;

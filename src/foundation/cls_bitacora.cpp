@@ -14,15 +14,11 @@ using namespace Qt::StringLiterals;
 
 namespace quimo::foundation {
 
-namespace {
-
 QString UsuarioDelSistema() {
     const passwd* entrada = getpwuid(geteuid());
     if (entrada != nullptr) return QString::fromLocal8Bit(entrada->pw_name);
     return qEnvironmentVariable("USER", u"Desconocido"_s);
 }
-
-}  // namespace
 
 ClsBitacora::ClsBitacora(const OpcionesBitacora& opciones, Dialogos& dialogos, const Reloj& reloj)
     : dialogos_(dialogos),

@@ -30,6 +30,9 @@ struct OpcionesBitacora {
     QString PUsuarioApp = QStringLiteral("Desconocido");
 };
 
+/// The operating-system user of this session.
+QString UsuarioDelSistema();
+
 /// The operation log: one line per event, appended to a text file. Also the upkeep of log files.
 /// A file that cannot be written is told to the user once, not at every entry.
 class ClsBitacora {

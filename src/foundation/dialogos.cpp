@@ -20,6 +20,10 @@ QString NombreDeRespuesta(Respuesta respuesta) {
             return u"Reintentar"_s;
         case Respuesta::Ignorar:
             return u"Omitir"_s;
+        case Respuesta::Terminar:
+            return u"Terminar"_s;
+        case Respuesta::Apartar:
+            return u"Apartar"_s;
     }
     return {};
 }
@@ -36,6 +40,8 @@ QVector<Respuesta> RespuestasDe(Botones botones) {
             return {Respuesta::Si, Respuesta::No, Respuesta::Cancelar};
         case Botones::AbortarReintentarIgnorar:
             return {Respuesta::Abortar, Respuesta::Reintentar, Respuesta::Ignorar};
+        case Botones::TerminarApartar:
+            return {Respuesta::Apartar, Respuesta::Terminar};
     }
     return {};
 }

@@ -8,8 +8,25 @@
 namespace quimo::foundation {
 
 enum class Icono { Ninguno, Informacion, Exclamacion, Critico, Pregunta };
-enum class Botones { Aceptar, AceptarCancelar, SiNo, SiNoCancelar, AbortarReintentarIgnorar };
-enum class Respuesta { Aceptar, Cancelar, Si, No, Abortar, Reintentar, Ignorar };
+enum class Botones {
+    Aceptar,
+    AceptarCancelar,
+    SiNo,
+    SiNoCancelar,
+    AbortarReintentarIgnorar,
+    TerminarApartar,  ///< leave the work here, or set aside what it is about and go on
+};
+enum class Respuesta {
+    Aceptar,
+    Cancelar,
+    Si,
+    No,
+    Abortar,
+    Reintentar,
+    Ignorar,
+    Terminar,
+    Apartar
+};
 
 /// What an answer is called on its button.
 QString NombreDeRespuesta(Respuesta respuesta);

@@ -44,10 +44,12 @@ QMessageBox::ButtonRole PapelDe(Respuesta respuesta) {
             return QMessageBox::NoRole;
         case Respuesta::Cancelar:
         case Respuesta::Abortar:
+        case Respuesta::Terminar:
             return QMessageBox::RejectRole;
         case Respuesta::Aceptar:
         case Respuesta::Reintentar:
         case Respuesta::Ignorar:
+        case Respuesta::Apartar:
             return QMessageBox::AcceptRole;
     }
     return QMessageBox::AcceptRole;
@@ -75,7 +77,9 @@ Respuesta Mostrar(const QString& texto, Botones botones, Icono icono, const QStr
         QPushButton* const boton = caja.addButton(u'&' + nombre, PapelDe(respuesta));
         Nombrar(boton, u"Boton"_s + nombre, nombre);
         de_boton.insert(boton, respuesta);
-        if (respuesta == Respuesta::Cancelar || respuestas.size() == 1) caja.setEscapeButton(boton);
+        if (respuesta == Respuesta::Cancelar || respuesta == Respuesta::Terminar ||
+            respuestas.size() == 1)
+            caja.setEscapeButton(boton);
     }
     caja.exec();
     if (ocupado != nullptr) QApplication::restoreOverrideCursor();

@@ -1,0 +1,142 @@
+#include "dayclose/resumen_cierre.h"
+
+#include <algorithm>
+
+#include "dayclose/base_terminal.h"
+#include "dayclose/traspaso.h"
+#include "foundation/parametros.h"
+
+using namespace Qt::StringLiterals;
+
+namespace quimo::dayclose {
+
+namespace {
+
+QString Ruta(const ContextoCierre& contexto, const QString& fecha, const QString& terminal,
+             const QString& sha256) {
+    if (sha256.isEmpty()) return {};
+    const auto ruta = contexto.archivo.Buscar(fecha, terminal, sha256);
+    return ruta ? *ruta : QString();
+}
+
+std::optional<ValoresCifras> CifrasDeArchivo(const QString& ruta, const QString& terminal) {
+    if (ruta.isEmpty()) return std::nullopt;
+    const auto base = BaseTerminal::Abrir(ruta, terminal);
+    if (!base) return std::nullopt;
+    auto cifras = base->Contar();
+    if (!cifras) return std::nullopt;
+    return *cifras;
+}
+
+void AgregarContada(ContextoCierre& contexto, const CierrePendiente& cierre,
+                    const Terminal& terminal) {
+    auto& contadas = contexto.resumen.contadas;
+    const bool esta =
+        std::any_of(contadas.begin(), contadas.end(), [&](const TerminalContada& otra) {
+            return otra.terminal.nombre == terminal.nombre;
+        });
+    const auto archivo = cierre.De(terminal.nombre, QString::fromUtf16(CierrePendiente::kArchivo));
+    if (esta || !archivo) return;
+    const QString ruta = Ruta(contexto, cierre.Fecha(), terminal.nombre, archivo->detalle);
+    const auto cifras = CifrasDeArchivo(ruta, terminal.nombre);
+    if (cifras) contadas.append({terminal, *cifras});
+}
+
+void AgregarSinCopiar(ContextoCierre& contexto, const CierrePendiente& cierre,
+                      const Terminal& terminal) {
+    const auto apartada =
+        cierre.De(terminal.nombre, QString::fromUtf16(CierrePendiente::kApartada));
+    TerminalSinCopiar sin;
+    sin.terminal = terminal.nombre;
+    sin.motivo = cierre.EstaApartada(terminal.nombre);
+    if (apartada) sin.archivo = Ruta(contexto, cierre.Fecha(), terminal.nombre, apartada->detalle);
+    sin.cifras = CifrasDeArchivo(sin.archivo, terminal.nombre);
+    contexto.resumen.sin_copiar.append(sin);
+    contexto.resumen.contadas.removeIf([&](const TerminalContada& contada) {
+        return contada.terminal.nombre == terminal.nombre;
+    });
+}
+
+QString Motivo(const TerminalSinCopiar& sin) {
+    switch (sin.motivo) {
+        case Apartada::SinComunicacion:
+            return u"no se leyó (falla de comunicación)"_s;
+        case Apartada::Omitida:
+            return u"se apartó de este cierre"_s;
+        case Apartada::Abierta:
+            return u"no se leyó (no se cerró)"_s;
+        case Apartada::SinArchivo:
+            return u"no se leyó (no tiene base de datos)"_s;
+        case Apartada::No:
+            break;
+    }
+    return u"no se leyó"_s;
+}
+
+QString Linea(const TerminalSinCopiar& sin) {
+    QString linea = sin.terminal + u": "_s + Motivo(sin);
+    if (sin.archivo.isEmpty()) return linea + u"; su archivo no se pudo traer"_s;
+    if (!sin.cifras) return linea + u"; su archivo está en "_s + sin.archivo;
+    const auto lugar = static_cast<std::size_t>(Cifra::PXC);
+    return linea + u": %1 artículos, %2 en %3"_s.arg(
+                       QLocale(u"es_MX"_s).toString(sin.cifras->registros[lugar]),
+                       QString::fromStdString(sin.cifras->totales[lugar].AMoneda()), sin.archivo);
+}
+
+}  // namespace
+
+void CompletarResumen(ContextoCierre& contexto, const CierrePendiente& cierre) {
+    ResumenCierre& resumen = contexto.resumen;
+    resumen.copiadas.clear();
+    resumen.sin_copiar.clear();
+    QVector<Terminal> terminales;
+    const QHash<QString, int> conocidas = cierre.Terminales();
+    for (auto it = conocidas.cbegin(); it != conocidas.cend(); ++it) {
+        terminales.append({it.value(), it.key()});
+    }
+    const auto por_numero = [](const Terminal& a, const Terminal& b) {
+        return std::pair(a.id, a.nombre) < std::pair(b.id, b.nombre);
+    };
+    std::sort(terminales.begin(), terminales.end(), por_numero);
+    for (const Terminal& terminal : terminales) {
+        AgregarContada(contexto, cierre, terminal);
+        for (const DefCopia& copia : Copias()) {
+            const QString tabla = QString::fromUtf16(copia.tabla);
+            const auto avance = cierre.De(terminal.nombre, tabla);
+            if (!avance || avance->estado != CierrePendiente::kHecho) continue;
+            resumen.copiadas.append(CopiaDeDetalle(terminal.nombre, tabla, avance->detalle));
+        }
+        if (cierre.EstaApartada(terminal.nombre) != Apartada::No) {
+            AgregarSinCopiar(contexto, cierre, terminal);
+        }
+    }
+    std::sort(resumen.contadas.begin(), resumen.contadas.end(),
+              [&](const TerminalContada& a, const TerminalContada& b) {
+                  return por_numero(a.terminal, b.terminal);
+              });
+}
+
+TextoResumen RedactarResumen(const ResumenCierre& resumen) {
+    TextoResumen texto;
+    texto.titulo = u"Cierre del "_s + foundation::FechaTrabajoVisible(resumen.fecha);
+    for (const TerminalSinCopiar& sin : resumen.sin_copiar) {
+        texto.sin_copiar << Linea(sin);
+        if (sin.motivo == Apartada::SinArchivo) continue;
+        texto.faltantes << (sin.archivo.isEmpty()
+                                ? u"Las ventas de %1 siguen sólo en la terminal. Cuando se pueda leer, "
+                                  u"copie su Quimo_Terminal.mdb y tráigalo con: quimoctl cerrar ... "
+                                  u"--traer ARCHIVO --terminal %1"_s.arg(sin.terminal)
+                                : u"Para traer las ventas de %1: quimoctl cerrar ... --traer %2 "
+                                  u"--terminal %1"_s.arg(sin.terminal, sin.archivo));
+    }
+    for (const QString& terminal : resumen.sin_entregar) {
+        texto.sin_entregar << u"%1 no recibió su base de datos nueva."_s.arg(terminal);
+        texto.faltantes << u"Mientras %1 no reciba su base nueva seguirá vendiendo con la fecha, los "
+                           u"precios y los números de antes, y el próximo cierre se detendrá en sus "
+                           u"ventas repetidas. Antes de abrirla: quimoctl cerrar ... --enviar %1"_s
+                               .arg(terminal);
+    }
+    return texto;
+}
+
+}  // namespace quimo::dayclose
