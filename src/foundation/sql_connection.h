@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 
@@ -133,6 +134,9 @@ public:
     virtual base::Result<void, FalloSql> Confirmar() = 0;
     virtual base::Result<void, FalloSql> Revertir() = 0;
     virtual bool EnTransaccion() const = 0;
+    /// Which transaction is open: a number that grows with each outermost BEGIN, 0 when none is.
+    /// Whoever began one knows by it whether the open one is still that.
+    virtual std::uint64_t TransaccionActual() const = 0;
 
     /// Definition of a table, a temporary one included. Native 208 when there is none.
     virtual base::Result<DefinicionTabla, FalloSql> Describir(const QString& tabla) = 0;

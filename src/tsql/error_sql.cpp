@@ -179,6 +179,13 @@ constexpr auto kPlantillas = std::to_array<Plantilla>({
     {3728, "42000", "'%1' is not a constraint."},
     {3902, "25000", "The COMMIT TRANSACTION request has no corresponding BEGIN TRANSACTION."},
     {3903, "25000", "The ROLLBACK TRANSACTION request has no corresponding BEGIN TRANSACTION."},
+    {3915, "42000", "Cannot use the ROLLBACK statement within an INSERT-EXEC statement."},
+    {3916, "42000",
+     "Cannot use the COMMIT statement within an INSERT-EXEC statement unless BEGIN TRANSACTION is "
+     "used first."},
+    {3998, "HY000",
+     "Uncommittable transaction is detected at the end of the batch. The transaction is rolled "
+     "back."},
     {3914, "42000", "The data type \"%1\" is invalid for transaction names or savepoint names."},
     {4060, "08004", "Cannot open database \"%1\" requested by the login. The login failed."},
     {4104, "42000", "The multi-part identifier \"%1\" could not be bound."},

@@ -25,6 +25,7 @@ public:
     base::Result<void, FalloSql> Confirmar() override { return dentro_->Confirmar(); }
     base::Result<void, FalloSql> Revertir() override { return dentro_->Revertir(); }
     bool EnTransaccion() const override { return dentro_->EnTransaccion(); }
+    std::uint64_t TransaccionActual() const override { return dentro_->TransaccionActual(); }
     base::Result<foundation::DefinicionTabla, FalloSql> Describir(const QString& tabla) override {
         return dentro_->Describir(tabla);
     }

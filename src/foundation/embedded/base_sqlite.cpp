@@ -174,13 +174,41 @@ Hecho BaseSqlite::Correr(const std::string& sql) {
     return {};
 }
 
+Hecho BaseSqlite::CadaFila(Preparada& sentencia, const std::function<Hecho()>& hacer) {
+    int codigo = SQLITE_ROW;
+    for (codigo = sentencia.Paso(); codigo == SQLITE_ROW; codigo = sentencia.Paso()) {
+        QUIMO_TRY_VOID(hacer());
+    }
+    if (codigo != SQLITE_DONE) return Fallo(codigo);
+    sentencia.Reiniciar();
+    return {};
+}
+
+void BaseSqlite::TaparRestos() {
+    if (!con_restos_ || base_ == nullptr) return;
+    auto numero = Preparar("PRAGMA user_version");
+    if (!numero || numero->Paso() != SQLITE_ROW) return;
+    const std::int64_t otro = (numero->Entero(0) + 1) & 0x7FFFFFFF;
+    numero->Reiniciar();
+    // Without waiting for the disk, which may still refuse: what counts is that the log's end is
+    // another one. The next COMMIT waits for both.
+    const bool tapados =
+        Correr("PRAGMA synchronous=OFF;PRAGMA user_version=" + std::to_string(otro)).has_value();
+    const bool repuesto = Correr("PRAGMA synchronous=FULL").has_value();
+    QUIMO_CHECK(repuesto);
+    con_restos_ = !tapados;
+}
+
 std::string BaseSqlite::Mensaje() const { return sqlite3_errmsg(base_); }
 int BaseSqlite::CodigoExtendido() const { return sqlite3_extended_errcode(base_); }
 bool BaseSqlite::EnTransaccion() const { return sqlite3_get_autocommit(base_) == 0; }
 std::int64_t BaseSqlite::Cambios() const { return sqlite3_changes64(base_); }
 
-ErrorSql BaseSqlite::Fallo(int codigo) const {
+ErrorSql BaseSqlite::Fallo(int codigo) {
     const int primario = codigo & 0xFF;
+    if (primario == SQLITE_IOERR || primario == SQLITE_FULL || primario == SQLITE_NOMEM) {
+        con_restos_ = true;
+    }
     const std::string mensaje = Mensaje();
     const auto dice = [&](const char* que) { return mensaje.find(que) != std::string::npos; };
     if (primario == SQLITE_BUSY || primario == SQLITE_LOCKED) return tsql::CrearError(1222);

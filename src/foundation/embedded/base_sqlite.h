@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -68,8 +69,14 @@ public:
     Resultado<Preparada> Preparar(const std::string& sql, bool duradera = false);
     /// Runs statements that bind nothing and whose rows nobody reads.
     Hecho Correr(const std::string& sql);
+    /// Does something with every row; fails when they cannot be read to the last one.
+    Hecho CadaFila(Preparada& sentencia, const std::function<Hecho()>& hacer);
     /// The failure behind a result code, for what no constraint explains.
-    ErrorSql Fallo(int codigo) const;
+    ErrorSql Fallo(int codigo);
+    /// After a failure of the disk, outside of a transaction: what a COMMIT that failed may have
+    /// left whole at the log's end is written over, or whoever opens the file after a crash would
+    /// take it for done. Does nothing without such a failure.
+    void TaparRestos();
     std::string Mensaje() const;
     int CodigoExtendido() const;
     bool EnTransaccion() const;
@@ -81,6 +88,7 @@ private:
 
     sqlite3* base_ = nullptr;
     std::string archivo_;
+    bool con_restos_ = false;
 };
 
 }  // namespace quimo::foundation::embebido

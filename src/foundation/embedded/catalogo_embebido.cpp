@@ -141,6 +141,11 @@ Hecho CatalogoEmbebido::Abrir() {
     return Cargar();
 }
 
+void CatalogoEmbebido::Cerrar() {
+    leer_numero_ = Preparada();
+    guardar_numero_ = Preparada();
+}
+
 Resultado<std::int64_t> CatalogoEmbebido::LeerVersion() {
     QUIMO_TRY(Preparada version, base_.Preparar("SELECT version FROM _quimo_version"));
     if (const int codigo = version.Paso(); codigo != SQLITE_ROW) return base_.Fallo(codigo);
@@ -149,36 +154,40 @@ Resultado<std::int64_t> CatalogoEmbebido::LeerVersion() {
 
 Hecho CatalogoEmbebido::Refrescar() {
     QUIMO_TRY(const std::int64_t version, LeerVersion());
-    if (version == version_archivo_) return {};
+    if (version == foto_.version_archivo) return {};
     return Cargar();
 }
 
 Hecho CatalogoEmbebido::Cargar() {
-    QUIMO_TRY(version_archivo_, LeerVersion());
+    // Read first: what somebody changes meanwhile is read again by the next look.
+    Foto nueva;
+    QUIMO_TRY(nueva.version_archivo, LeerVersion());
     std::map<std::int64_t, Tabla> tablas;
     QUIMO_TRY(Preparada filas, base_.Preparar("SELECT id,nombre FROM _quimo_tablas"));
-    while (filas.Paso() == SQLITE_ROW) {
+    QUIMO_TRY_VOID(base_.CadaFila(filas, [&]() -> Hecho {
         Tabla tabla;
         tabla.id = filas.Entero(0);
         tabla.nombre = filas.Texto(1);
         tabla.sql = tsql::EntreComillas(tabla.nombre);
         ultimo_id_ = std::max(ultimo_id_, tabla.id);
         tablas.emplace(tabla.id, std::move(tabla));
-    }
+        return {};
+    }));
     QUIMO_TRY_VOID(CargarColumnas(tablas));
     QUIMO_TRY_VOID(CargarRestricciones(tablas));
-    for (auto i = foto_.tablas.begin(); i != foto_.tablas.end();) {
-        i = i->second->temporal ? std::next(i) : foto_.tablas.erase(i);
+    QUIMO_TRY_VOID(CargarModulos(nueva));
+    for (const auto& [nombre, tabla] : foto_.tablas) {
+        if (tabla->temporal) nueva.tablas[nombre] = tabla;
     }
     for (auto& [id, tabla] : tablas) {
         const std::string nombre = AMinusculas(tabla.nombre);
-        foto_.tablas[nombre] = std::make_shared<const Tabla>(std::move(tabla));
+        nueva.tablas[nombre] = std::make_shared<const Tabla>(std::move(tabla));
     }
     for (const TablaPtr& vista : VistasDelSistema()) {
-        foto_.tablas[AMinusculas(vista->nombre)] = vista;
+        nueva.tablas[AMinusculas(vista->nombre)] = vista;
     }
-    ++version_;
-    return CargarModulos();
+    Restaurar(std::move(nueva));
+    return {};
 }
 
 Hecho CatalogoEmbebido::CargarColumnas(std::map<std::int64_t, Tabla>& tablas) {
@@ -186,7 +195,7 @@ Hecho CatalogoEmbebido::CargarColumnas(std::map<std::int64_t, Tabla>& tablas) {
               base_.Preparar("SELECT tabla,nombre,tipo,nulos,identidad,semilla,incremento,defecto,"
                              "nombre_defecto,calculada,persistida FROM _quimo_columnas ORDER BY "
                              "tabla,orden"));
-    while (filas.Paso() == SQLITE_ROW) {
+    return base_.CadaFila(filas, [&]() -> Hecho {
         tsql::ColumnaTabla columna;
         columna.nombre = filas.Texto(1);
         columna.tipo = tsql::Desempaquetar(filas.Entero(2));
@@ -199,8 +208,8 @@ Hecho CatalogoEmbebido::CargarColumnas(std::map<std::int64_t, Tabla>& tablas) {
         columna.calculada = filas.Texto(9);
         columna.persistida = filas.Entero(10) != 0;
         tablas[filas.Entero(0)].columnas.push_back(std::move(columna));
-    }
-    return {};
+        return {};
+    });
 }
 
 Hecho CatalogoEmbebido::CargarRestricciones(std::map<std::int64_t, Tabla>& tablas) {
@@ -208,23 +217,22 @@ Hecho CatalogoEmbebido::CargarRestricciones(std::map<std::int64_t, Tabla>& tabla
               base_.Preparar("SELECT tabla,nombre,clase,columnas,referida,columnas_referidas,"
                              "al_borrar,al_cambiar,texto FROM _quimo_restricciones ORDER BY "
                              "tabla,orden"));
-    while (filas.Paso() == SQLITE_ROW)
+    return base_.CadaFila(filas, [&]() -> Hecho {
         AgregarRestriccion(tablas[filas.Entero(0)], filas);
-    return {};
+        return {};
+    });
 }
 
-Hecho CatalogoEmbebido::CargarModulos() {
-    foto_.modulos.clear();
-    ++version_modulos_;
+Hecho CatalogoEmbebido::CargarModulos(Foto& foto) {
     QUIMO_TRY(Preparada filas, base_.Preparar("SELECT clave,texto FROM _quimo_modulos"));
-    while (filas.Paso() == SQLITE_ROW) {
+    return base_.CadaFila(filas, [&]() -> Hecho {
         QUIMO_TRY(const tsql::Lote lote,
                   tsql::LeerLote(filas.Texto(1), tsql::Constantes::EnElArbol));
         const auto* modulo = std::get_if<tsql::CrearModulo>(&lote.sentencias.at(0)->que);
         QUIMO_CHECK(modulo != nullptr);
-        foto_.modulos[filas.Texto(0)] = std::make_shared<const tsql::CrearModulo>(*modulo);
-    }
-    return {};
+        foto.modulos[filas.Texto(0)] = std::make_shared<const tsql::CrearModulo>(*modulo);
+        return {};
+    });
 }
 
 tsql::TablaPtr CatalogoEmbebido::BuscarTabla(const tsql::NombreObjeto& nombre) const {
@@ -268,7 +276,7 @@ std::int64_t CatalogoEmbebido::IdModulo(const std::string& nombre) const {
 Hecho CatalogoEmbebido::Avanzar() {
     ++version_;
     QUIMO_TRY_VOID(base_.Correr("UPDATE _quimo_version SET version=version+1"));
-    QUIMO_TRY(version_archivo_, LeerVersion());
+    QUIMO_TRY(foto_.version_archivo, LeerVersion());
     return {};
 }
 

@@ -17,6 +17,8 @@ public:
 
     /// Makes the tables of an empty file and reads what there is.
     Hecho Abrir();
+    /// Gives its statements back: the file stays open until the last one is gone.
+    void Cerrar();
     /// Reads again when another process has changed the definitions.
     Hecho Refrescar();
 
@@ -40,6 +42,7 @@ public:
     struct Foto {
         std::map<std::string, tsql::TablaPtr> tablas;
         std::map<std::string, tsql::ModuloPtr> modulos;
+        std::int64_t version_archivo = 0;  ///< of the file that these were read from
     };
     Foto Retratar() const { return foto_; }
     void Restaurar(Foto foto);
@@ -60,7 +63,7 @@ private:
     Hecho Cargar();
     Hecho CargarColumnas(std::map<std::int64_t, tsql::Tabla>& tablas);
     Hecho CargarRestricciones(std::map<std::int64_t, tsql::Tabla>& tablas);
-    Hecho CargarModulos();
+    Hecho CargarModulos(Foto& foto);
     Hecho Avanzar();
     Resultado<std::int64_t> LeerVersion();
 
@@ -70,7 +73,6 @@ private:
     std::map<std::int64_t, std::int64_t> temporales_;
     std::int64_t version_ = 1;
     std::int64_t version_modulos_ = 1;
-    std::int64_t version_archivo_ = 0;
     std::int64_t ultimo_id_ = 0;
     Preparada leer_numero_;
     Preparada guardar_numero_;

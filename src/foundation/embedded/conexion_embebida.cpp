@@ -76,7 +76,8 @@ public:
     base::Result<void, FalloSql> Revertir() override {
         return Con([this] { return sesion_.Revertir({}); });
     }
-    bool EnTransaccion() const override { return sesion_.Estado().transacciones > 0; }
+    bool EnTransaccion() const override { return sesion_.TransaccionActual() != 0; }
+    std::uint64_t TransaccionActual() const override { return sesion_.TransaccionActual(); }
 
     base::Result<DefinicionTabla, FalloSql> Describir(const QString& nombre) override {
         if (!sesion_.Abierta()) return Cerrada();
@@ -111,9 +112,15 @@ private:
     template <typename Trabajo>
     base::Result<void, FalloSql> Con(Trabajo trabajo) {
         if (!sesion_.Abierta()) return Cerrada();
+        const std::uint64_t antes = sesion_.TransaccionActual();
         const auto hecho = trabajo();
-        if (!hecho) return AFallo(hecho.error());
-        return {};
+        sesion_.Conciliar();
+        if (hecho) return {};
+        FalloSql fallo = AFallo(hecho.error());
+        if (antes != 0 && sesion_.TransaccionActual() != antes) {
+            fallo.errores.append(embebido::AProveedor(embebido::TransaccionDeshecha()));
+        }
+        return fallo;
     }
 
     /// Gives the functions of running statements what they need of the connection.

@@ -193,10 +193,19 @@ Hecho Definiciones::Definir(Tabla& tabla, const tsql::CrearTabla& crear) {
     return Calcular(tabla);
 }
 
+/// A point from which nobody else changes definitions, with those that others have made until now:
+/// two that did not know of each other would give two tables one number.
+Resultado<PuntoDeSentencia> Definiciones::AbrirAlDia() {
+    QUIMO_TRY(PuntoDeSentencia punto, PuntoDeSentencia::Abrir(sesion_));
+    QUIMO_TRY_VOID(sesion_.Catalogo().Refrescar());
+    return punto;
+}
+
 Hecho Definiciones::Crear(const tsql::CrearTabla& crear, bool local) {
     Tabla tabla;
     tabla.nombre = crear.tabla.objeto;
     tabla.temporal = local || crear.tabla.EsTemporal();
+    QUIMO_TRY(PuntoDeSentencia punto, AbrirAlDia());
     tabla.id = sesion_.Catalogo().NuevoId();
     if (sesion_.Catalogo().BuscarTabla(crear.tabla) ||
         sesion_.Catalogo().BuscarModulo(crear.tabla)) {
@@ -207,7 +216,6 @@ Hecho Definiciones::Crear(const tsql::CrearTabla& crear, bool local) {
     if (reservado) return CrearError(2714, tabla.nombre);
     tabla.sql = (tabla.temporal ? "temp." : "") + EntreComillas(tabla.nombre);
     QUIMO_TRY_VOID(Definir(tabla, crear));
-    QUIMO_TRY(PuntoDeSentencia punto, PuntoDeSentencia::Abrir(sesion_));
     QUIMO_TRY_VOID(CrearEnMotor(tabla, tabla.sql));
     QUIMO_TRY_VOID(CrearIndices(tabla));
     QUIMO_TRY_VOID(AsegurarClaves(tabla));
@@ -216,6 +224,7 @@ Hecho Definiciones::Crear(const tsql::CrearTabla& crear, bool local) {
 }
 
 Hecho Definiciones::Crear(const tsql::CrearIndice& crear) {
+    QUIMO_TRY(PuntoDeSentencia punto, AbrirAlDia());
     const auto hallada = sesion_.Catalogo().BuscarTabla(crear.tabla);
     if (!hallada || hallada->del_sistema) {
         ErrorSql error = CrearError(4902, crear.tabla.Completo());
@@ -237,13 +246,13 @@ Hecho Definiciones::Crear(const tsql::CrearIndice& crear) {
         indice.columnas.push_back(cual);
     }
     tabla.indices.push_back(indice);
-    QUIMO_TRY(PuntoDeSentencia punto, PuntoDeSentencia::Abrir(sesion_));
     QUIMO_TRY_VOID(CrearIndiceEnMotor(tabla, indice));
     QUIMO_TRY_VOID(sesion_.Catalogo().Guardar(tabla));
     return punto.Confirmar();
 }
 
 Hecho Definiciones::Crear(const tsql::CrearModulo& crear) {
+    QUIMO_TRY(PuntoDeSentencia punto, AbrirAlDia());
     const auto antes = sesion_.Catalogo().BuscarModulo(crear.nombre);
     if (crear.cambiar) {
         if (!antes) return CrearError(208, crear.nombre.Completo());
@@ -269,7 +278,6 @@ Hecho Definiciones::Crear(const tsql::CrearModulo& crear) {
         QUIMO_TRY(const tsql::Plan plan, TraducirConsulta(prueba, Entorno()));
         QUIMO_TRY(const Preparada comprobada, sesion_.Base().Preparar(plan.sql));
     }
-    QUIMO_TRY(PuntoDeSentencia punto, PuntoDeSentencia::Abrir(sesion_));
     QUIMO_TRY_VOID(sesion_.Catalogo().GuardarModulo(crear));
     return punto.Confirmar();
 }

@@ -21,6 +21,7 @@ public:
     Hecho Truncar(const tsql::NombreObjeto& nombre);
 
 private:
+    Resultado<PuntoDeSentencia> AbrirAlDia();
     Hecho Definir(tsql::Tabla& tabla, const tsql::CrearTabla& crear);
     Hecho AgregarColumna(tsql::Tabla& tabla, const tsql::ColumnaDef& def) const;
     Hecho AgregarRestriccion(tsql::Tabla& tabla, const tsql::RestriccionDef& def) const;

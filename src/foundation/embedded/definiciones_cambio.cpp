@@ -77,7 +77,9 @@ Hecho Definiciones::AgregarColumnas(const Tabla& vieja, const CambiarTabla& camb
     }
     QUIMO_TRY_VOID(Calcular(nueva));
     QUIMO_TRY(Preparada filas, sesion_.Base().Preparar("SELECT 1 FROM " + vieja.sql + " LIMIT 1"));
-    const bool con_filas = filas.Paso() == SQLITE_ROW;
+    const int codigo = filas.Paso();
+    if (codigo != SQLITE_ROW && codigo != SQLITE_DONE) return sesion_.Base().Fallo(codigo);
+    const bool con_filas = codigo == SQLITE_ROW;
     filas.Reiniciar();
     for (std::size_t i = vieja.columnas.size(); i < nueva.columnas.size(); ++i) {
         const auto& columna = nueva.columnas[i];

@@ -234,7 +234,9 @@ Hecho Definiciones::Rehacer(const Tabla& vieja, const Tabla& nueva) {
         QUIMO_TRY_VOID(AsegurarClaves(nueva));
         QUIMO_TRY(Preparada rotas,
                   sesion_.Base().Preparar("PRAGMA foreign_key_check(" + nueva.sql + ")"));
-        if (rotas.Paso() == SQLITE_ROW) {
+        const int codigo = rotas.Paso();
+        if (codigo != SQLITE_ROW && codigo != SQLITE_DONE) return sesion_.Base().Fallo(codigo);
+        if (codigo == SQLITE_ROW) {
             ErrorSql error = tsql::CrearError(1750);
             error.nativo = 547;
             error.sqlstate = "23000";

@@ -130,12 +130,19 @@ bool ErrorDeRestriccion::Viola(const Tabla& hija, const Foranea& foranea, const 
 
 ErrorSql ErrorDeRestriccion::Referencia(const std::function<int()>& repetir) {
     // The write is done again with references left for later, to see which of them is broken then.
-    BaseSqlite& base = sesion_.Base();
-    const bool propia = !base.EnTransaccion();
     ErrorSql hallado = Texto547("REFERENCE", "", tabla_->nombre, {});
-    const std::string abrir = std::string(propia ? "BEGIN" : "SAVEPOINT q_examen");
-    if (!base.Correr(abrir + ";PRAGMA defer_foreign_keys=ON")) return hallado;
-    const int codigo = repetir();
+    {
+        const auto punto = PuntoDeSentencia::Abrir(sesion_);
+        if (!punto || !sesion_.Base().Correr("PRAGMA defer_foreign_keys=ON")) return hallado;
+        Examinar(repetir(), hallado);
+    }
+    // What stands no longer in a transaction has lost the setting with it.
+    static_cast<void>(sesion_.Base().Correr("PRAGMA defer_foreign_keys=OFF"));
+    return hallado;
+}
+
+/// Looks for the reference that is broken after the write.
+void ErrorDeRestriccion::Examinar(int codigo, ErrorSql& hallado) {
     bool encontrada = false;
     if (codigo == SQLITE_DONE || codigo == SQLITE_ROW) {
         const auto& tablas = sesion_.Catalogo().Tablas();
@@ -160,12 +167,6 @@ ErrorSql ErrorDeRestriccion::Referencia(const std::function<int()>& repetir) {
             }
         }
     }
-    const bool deshecho = base.Correr(propia ? "ROLLBACK"
-                                             : "ROLLBACK TO q_examen;RELEASE q_examen;"
-                                               "PRAGMA defer_foreign_keys=OFF")
-                              .has_value();
-    QUIMO_CHECK(deshecho);
-    return hallado;
 }
 
 }  // namespace quimo::foundation::embebido

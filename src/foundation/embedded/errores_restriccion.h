@@ -20,6 +20,7 @@ private:
     ErrorSql Repetida(const std::string& mensaje) const;
     ErrorSql Comprobacion(const std::string& mensaje) const;
     ErrorSql Referencia(const std::function<int()>& repetir);
+    void Examinar(int codigo, ErrorSql& hallado);
     bool Viola(const tsql::Tabla& hija, const tsql::Foranea& foranea, const tsql::Tabla& madre);
     ErrorSql Texto547(const std::string& clase, const std::string& nombre, const std::string& tabla,
                       const std::vector<std::string>& columnas) const;

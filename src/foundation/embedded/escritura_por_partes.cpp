@@ -44,6 +44,11 @@ std::string SqlDeFila(const Tabla& tabla, const std::vector<int>& columnas) {
 
 }  // namespace
 
+Resultado<bool> Interprete::SinPartes(int codigo) {
+    if ((codigo & 0xFF) == SQLITE_CONSTRAINT) return false;
+    return sesion_.Base().Fallo(codigo);
+}
+
 /// An UPDATE whose keys pass through values that other rows of it still hold (ID=ID+1): every key
 /// is first moved out of the way. False when keys repeat even so.
 Resultado<bool> Interprete::EscribirPorPartes(const PlanListo& listo, const Marco& marco) {
@@ -66,13 +71,14 @@ Resultado<bool> Interprete::EscribirPorPartes(const PlanListo& listo, const Marc
         lectura.plan.ranuras = listo.plan.ranuras;
         QUIMO_TRY(lectura.sentencia, sesion_.Base().Preparar(listo.plan.sql_filas));
         QUIMO_TRY_VOID(Ligar(lectura, marco));
-        while (lectura.sentencia.Paso() == SQLITE_ROW) {
+        QUIMO_TRY_VOID(sesion_.Base().CadaFila(lectura.sentencia, [&]() -> Hecho {
             FilaNueva fila{lectura.sentencia.Entero(0), {}};
             for (std::size_t i = 0; i < listo.plan.columnas_escritas.size(); ++i) {
                 fila.valores.push_back(lectura.sentencia.Leer(static_cast<int>(i) + 1));
             }
             filas.push_back(std::move(fila));
-        }
+            return {};
+        }));
     }
     if (filas.size() < 2) return false;
     QUIMO_TRY(PuntoDeSentencia punto, PuntoDeSentencia::Abrir(sesion_));
@@ -90,7 +96,7 @@ Resultado<bool> Interprete::EscribirPorPartes(const PlanListo& listo, const Marc
                           DePaso(tabla.columnas[static_cast<std::size_t>(c)].tipo, numero));
         }
         apartar.Ligar(++lugar, fila.fila);
-        if (apartar.Paso() != SQLITE_DONE) return false;
+        if (const int codigo = apartar.Paso(); codigo != SQLITE_DONE) return SinPartes(codigo);
         apartar.Reiniciar();
         if (mueve_fila) fila.fila = kDePaso + numero;
     }
@@ -99,7 +105,7 @@ Resultado<bool> Interprete::EscribirPorPartes(const PlanListo& listo, const Marc
         for (const Valor& valor : fila.valores)
             escribir.Ligar(++lugar, valor);
         escribir.Ligar(++lugar, fila.fila);
-        if (escribir.Paso() != SQLITE_DONE) return false;
+        if (const int codigo = escribir.Paso(); codigo != SQLITE_DONE) return SinPartes(codigo);
         escribir.Reiniciar();
     }
     apartar = Preparada();

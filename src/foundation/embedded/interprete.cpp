@@ -77,9 +77,10 @@ void Interprete::Terminar(Marco& marco) {
         objeto.objeto = nombre;
         const auto tabla = sesion_.Catalogo().BuscarTabla(objeto);
         if (!tabla || !tabla->temporal) continue;
-        const bool borrada = sesion_.Catalogo().Borrar(*tabla).has_value() &&
-                             sesion_.Base().Correr("DROP TABLE " + tabla->sql).has_value();
-        QUIMO_CHECK(borrada);
+        const bool olvidada = sesion_.Catalogo().Borrar(*tabla).has_value();
+        QUIMO_CHECK(olvidada);
+        const auto borrada = sesion_.Base().Correr("DROP TABLE " + tabla->sql);
+        if (!borrada) Informar(borrada.error());
     }
     marco.temporales.clear();
 }
@@ -138,7 +139,9 @@ Flujo Interprete::Lista(const std::vector<tsql::SentenciaPtr>& sentencias, Marco
 Flujo Interprete::Una(const tsql::Sentencia& sentencia, Marco& marco) {
     const bool compuesta = std::holds_alternative<tsql::Bloque>(sentencia.que);
     sesion_.FijarHora();
+    const std::uint64_t transaccion = sesion_.TransaccionActual();
     auto flujo = Hacer(sentencia, marco);
+    sesion_.Conciliar();
     if (flujo) {
         const bool conserva = compuesta || std::holds_alternative<tsql::Ejecutar>(sentencia.que) ||
                               std::holds_alternative<tsql::LanzarError>(sentencia.que) ||
@@ -151,6 +154,10 @@ Flujo Interprete::Una(const tsql::Sentencia& sentencia, Marco& marco) {
     const ErrorSql& error = flujo.error();
     Informar(error);
     sesion_.Estado().filas = 0;
+    if (transaccion != 0 && sesion_.TransaccionActual() != transaccion) {
+        Informar(TransaccionDeshecha());
+        return Flujo::Aborta;
+    }
     if (sesion_.Estado().aborta_todo && error.severidad > 10) {
         if (sesion_.Estado().transacciones > 0) {
             const auto revertida = sesion_.Revertir({});
@@ -316,6 +323,11 @@ Hecho Interprete::HacerImprimir(const tsql::Imprimir& imprimir, Marco& marco) {
 Hecho Interprete::HacerTransaccion(const tsql::Transaccion& transaccion) {
     using Clase = tsql::Transaccion::Clase;
     if (transaccion.clase == Clase::Iniciar) return sesion_.Iniciar(transaccion.nombre);
+    if (captura_ != nullptr && transaccion.clase == Clase::Revertir) return tsql::CrearError(3915);
+    if (captura_ != nullptr && transaccion.clase == Clase::Confirmar &&
+        sesion_.Estado().transacciones <= 1) {
+        return tsql::CrearError(3916);
+    }
     if (transaccion.clase == Clase::Confirmar) return sesion_.Confirmar();
     if (transaccion.clase == Clase::Revertir) return sesion_.Revertir(transaccion.nombre);
     return sesion_.Guardar(transaccion.nombre);

@@ -87,6 +87,7 @@ private:
     Hecho Escribir(PlanListo& listo, const std::string& verbo, const Marco& marco);
     Hecho Numerar(PlanListo& listo, const std::string& verbo, const Marco& marco);
     Hecho PasoDeEscritura(PlanListo& listo, const std::string& verbo, const Marco& marco);
+    Resultado<bool> SinPartes(int codigo);
     Resultado<bool> EscribirPorPartes(const PlanListo& listo, const Marco& marco);
     ErrorSql FalloDe(int codigo);
     void Contar(std::int64_t filas);

@@ -223,6 +223,7 @@ Hecho Interprete::PasoDeEscritura(PlanListo& listo, const std::string& verbo, co
         // Once more, for the text of what is repeated.
         const Uso uso(listo);
         codigo = listo.sentencia.Paso();
+        if (codigo == SQLITE_DONE) return {};
         codigo = sesion_.Base().CodigoExtendido();
     }
     ErrorDeRestriccion error(sesion_, listo.plan.tabla, verbo);

@@ -61,6 +61,7 @@ Hecho Interprete::HacerTruncar(const tsql::Truncar& truncar) {
 }
 
 Hecho Interprete::HacerDefinicion(const tsql::Sentencia& s, Marco& marco) {
+    QUIMO_TRY_VOID(sesion_.Catalogo().Refrescar());
     Definiciones definiciones(sesion_);
     Hecho hecho;
     if (const auto* tabla = std::get_if<tsql::CrearTabla>(&s.que)) {
@@ -245,12 +246,13 @@ Hecho Interprete::HacerInsertExec(const tsql::Insertar& insertar, Marco& marco) 
     QUIMO_TRY(PuntoDeSentencia punto, PuntoDeSentencia::Abrir(sesion_));
     std::vector<ConjuntoInterno> conjuntos;
     captura_ = &conjuntos;
-    const bool habia_fallo = respuesta_.fallo.has_value();
+    const auto fallos = [this] { return respuesta_.fallo ? respuesta_.fallo->errores.size() : 0; };
+    const auto antes = fallos();
     const auto flujo = insertar.ejecutar->texto ? HacerTexto(*insertar.ejecutar, marco)
                                                 : HacerExec(*insertar.ejecutar, marco);
     captura_ = nullptr;
     if (!flujo) return flujo.error();
-    if (!habia_fallo && respuesta_.fallo) {
+    if (*flujo == Flujo::Aborta || fallos() > antes) {
         ErrorSql error = tsql::CrearError(3621);
         error.severidad = 0;
         return error;

@@ -59,10 +59,13 @@ void Sesion::Cerrar() {
     por_texto_.clear();
     recordados_.clear();
     modulos_.clear();
+    catalogo_.Cerrar();
+    estado_.transacciones = 0;
     base_.Cerrar();
 }
 
 Hecho Sesion::Iniciar(const std::string& nombre) {
+    Conciliar();
     if (estado_.transacciones == 0) {
         // At once for writing: a transaction that has read and then waits for another writer could
         // never go on.
@@ -70,35 +73,63 @@ Hecho Sesion::Iniciar(const std::string& nombre) {
         foto_ = catalogo_.Retratar();
         nombre_externo_ = nombre;
         puntos_.clear();
+        ++numero_transaccion_;
     }
     ++estado_.transacciones;
     return {};
 }
 
+void Sesion::Olvidar() {
+    estado_.transacciones = 0;
+    puntos_.clear();
+    catalogo_.Restaurar(std::move(foto_));
+}
+
+void Sesion::Conciliar() {
+    if (base_.EnTransaccion()) return;
+    if (estado_.transacciones > 0) Olvidar();
+    base_.TaparRestos();
+}
+
 Hecho Sesion::Confirmar() {
     if (estado_.transacciones == 0) return tsql::CrearError(3902);
-    if (estado_.transacciones == 1) {
-        QUIMO_TRY_VOID(base_.Correr("COMMIT"));
-        puntos_.clear();
+    if (estado_.transacciones > 1) {
+        --estado_.transacciones;
+        return {};
     }
-    --estado_.transacciones;
-    return {};
+    auto hecho = base_.Correr("COMMIT");
+    if (hecho) {
+        estado_.transacciones = 0;
+        puntos_.clear();
+        return {};
+    }
+    // Another's lock leaves it open: over even so, or what follows would count on it.
+    if (base_.EnTransaccion()) static_cast<void>(base_.Correr("ROLLBACK"));
+    QUIMO_CHECK(!base_.EnTransaccion());
+    Conciliar();
+    return hecho;
 }
 
 Hecho Sesion::Revertir(const std::string& nombre) {
     if (estado_.transacciones == 0) return tsql::CrearError(3903);
     if (nombre.empty() || tsql::MismoNombre(nombre, nombre_externo_)) {
-        estado_.transacciones = 0;
-        puntos_.clear();
-        catalogo_.Restaurar(std::move(foto_));
-        if (!base_.EnTransaccion()) return {};
-        return base_.Correr("ROLLBACK");
+        auto hecho = base_.Correr("ROLLBACK");
+        if (base_.EnTransaccion()) return hecho;
+        // What the engine could not read while it undid, the next reader undoes.
+        Olvidar();
+        return {};
     }
     for (std::size_t i = puntos_.size(); i > 0; --i) {
         if (!tsql::MismoNombre(puntos_[i - 1].nombre, nombre)) continue;
+        const auto hecho = base_.Correr("ROLLBACK TO " + puntos_[i - 1].interno);
+        if (!hecho) {
+            static_cast<void>(base_.Correr("ROLLBACK"));
+            Conciliar();
+            return hecho;
+        }
         puntos_.resize(i);
         catalogo_.Restaurar(puntos_.back().foto);
-        return base_.Correr("ROLLBACK TO " + puntos_.back().interno);
+        return {};
     }
     return tsql::CrearError(6401, nombre);
 }
@@ -226,8 +257,11 @@ Valor Sesion::Global(const std::string& nombre) const {
     return Valor::DeTexto("QUIMO");
 }
 
+ErrorSql TransaccionDeshecha() { return tsql::CrearError(3998); }
+
 Resultado<PuntoDeSentencia> PuntoDeSentencia::Abrir(Sesion& sesion) {
     const bool propia = !sesion.Base().EnTransaccion();
+    if (propia && sesion.TransaccionActual() != 0) return TransaccionDeshecha();
     QUIMO_TRY_VOID(sesion.Base().Correr(propia ? "BEGIN IMMEDIATE" : "SAVEPOINT q_sentencia"));
     return PuntoDeSentencia(sesion, propia, sesion.Catalogo().Retratar());
 }
@@ -235,6 +269,7 @@ Resultado<PuntoDeSentencia> PuntoDeSentencia::Abrir(Sesion& sesion) {
 PuntoDeSentencia::PuntoDeSentencia(PuntoDeSentencia&& otro) noexcept
     : sesion_(std::exchange(otro.sesion_, nullptr)),
       propia_(otro.propia_),
+      transaccion_(otro.transaccion_),
       foto_(std::move(otro.foto_)) {}
 
 Hecho PuntoDeSentencia::Confirmar() {
@@ -245,10 +280,17 @@ Hecho PuntoDeSentencia::Confirmar() {
 
 PuntoDeSentencia::~PuntoDeSentencia() {
     if (sesion_ == nullptr) return;
-    sesion_->Catalogo().Restaurar(std::move(foto_));
-    if (!sesion_->Base().EnTransaccion()) return;
-    const char* deshacer = propia_ ? "ROLLBACK" : "ROLLBACK TO q_sentencia;RELEASE q_sentencia";
-    QUIMO_CHECK(sesion_->Base().Correr(deshacer).has_value() || !sesion_->Base().EnTransaccion());
+    BaseSqlite& base = sesion_->Base();
+    if (propia_) {
+        sesion_->Catalogo().Restaurar(std::move(foto_));
+    } else if (sesion_->TransaccionActual() != transaccion_ || !base.EnTransaccion()) {
+        return;  // the transaction that it stood in is over, and all of it undone
+    } else if (base.Correr("ROLLBACK TO q_sentencia;RELEASE q_sentencia")) {
+        sesion_->Catalogo().Restaurar(std::move(foto_));
+        return;
+    }
+    if (base.EnTransaccion()) static_cast<void>(base.Correr("ROLLBACK"));
+    QUIMO_CHECK(!base.EnTransaccion());
 }
 
 }  // namespace quimo::foundation::embebido

@@ -64,11 +64,19 @@ public:
     EstadoSesion& Estado() { return estado_; }
     const std::string& NombreBase() const { return nombre_base_; }
 
-    // Transactions, nested as T-SQL nests them.
+    // Transactions, nested as T-SQL nests them. One that could not be confirmed is over: rolled
+    // back, whatever the engine did with it by itself.
     Hecho Iniciar(const std::string& nombre);
     Hecho Confirmar();
     Hecho Revertir(const std::string& nombre);
     Hecho Guardar(const std::string& nombre);
+    /// Number of the open transaction, another for each outermost BEGIN; 0 when none is open.
+    std::uint64_t TransaccionActual() const {
+        return estado_.transacciones > 0 ? numero_transaccion_ : 0;
+    }
+    /// A failure of the disk or of memory makes the engine end a transaction by itself: then it is
+    /// over here too, with its savepoints and definitions. To be called after every statement.
+    void Conciliar();
 
     /// A text of this form that was read before and serves these constants too; a new one
     /// otherwise. It is marked as in use.
@@ -92,6 +100,7 @@ private:
         std::string clave;
         std::shared_ptr<LoteListo> lote;
     };
+    void Olvidar();
     std::shared_ptr<LoteListo> LeidoAsi(const std::string& texto,
                                         const std::vector<tsql::Tipo>& tipos);
     bool Sirve(const LoteListo& listo, const std::vector<tsql::Literal>& literales) const;
@@ -107,6 +116,7 @@ private:
     std::string nombre_externo_;
     CatalogoEmbebido::Foto foto_;
     std::vector<Punto> puntos_;
+    std::uint64_t numero_transaccion_ = 0;
     std::int64_t hora_ = 0;
     std::list<Recordado> recordados_;
     std::unordered_multimap<std::string, std::list<Recordado>::iterator> por_forma_;
@@ -114,8 +124,11 @@ private:
     std::map<const tsql::CrearModulo*, std::shared_ptr<LoteListo>> modulos_;
 };
 
+/// The failure that tells that a transaction was ended by what went wrong in it.
+ErrorSql TransaccionDeshecha();
+
 /// Undoes what one statement did unless Confirmar was reached: a savepoint inside a transaction, a
-/// transaction of its own outside.
+/// transaction of its own outside. What cannot be undone alone goes with the whole transaction.
 class PuntoDeSentencia {
 public:
     static Resultado<PuntoDeSentencia> Abrir(Sesion& sesion);
@@ -129,10 +142,14 @@ public:
 
 private:
     PuntoDeSentencia(Sesion& sesion, bool propia, CatalogoEmbebido::Foto foto)
-        : sesion_(&sesion), propia_(propia), foto_(std::move(foto)) {}
+        : sesion_(&sesion),
+          propia_(propia),
+          transaccion_(sesion.TransaccionActual()),
+          foto_(std::move(foto)) {}
 
     Sesion* sesion_;
     bool propia_;
+    std::uint64_t transaccion_;
     CatalogoEmbebido::Foto foto_;
 };
 

@@ -38,6 +38,14 @@ bool SoloTerminaTransaccion(const QString& tsql) {
     return tsql.contains(kTermina);
 }
 
+bool TerminaYEmpieza(const QString& tsql) {
+    static const QRegularExpression kFin(u"\\b(?:COMMIT|ROLLBACK)\\b"_s,
+                                         QRegularExpression::CaseInsensitiveOption);
+    static const QRegularExpression kPrincipio(u"\\bBEGIN\\s+TRAN"_s,
+                                               QRegularExpression::CaseInsensitiveOption);
+    return tsql.contains(kFin) && tsql.contains(kPrincipio);
+}
+
 class ConexionOdbc final : public SqlConnection {
 public:
     ConexionOdbc(DatosConexion datos, OpcionesOdbc opciones, FrasesDeSesion frases)
@@ -79,6 +87,9 @@ public:
     base::Result<void, FalloSql> Confirmar() override { return Terminar(u"COMMIT TRANSACTION"_s); }
     base::Result<void, FalloSql> Revertir() override { return Terminar(u"ROLLBACK TRANSACTION"_s); }
     bool EnTransaccion() const override { return transaccion_rota_ || transacciones_ > 0; }
+    std::uint64_t TransaccionActual() const override {
+        return EnTransaccion() ? numero_transaccion_ : 0;
+    }
 
     base::Result<DefinicionTabla, FalloSql> Describir(const QString& tabla) override {
         return LeerDefinicion(tabla, Ejecutar(ConsultaDeTabla(tabla), {}));
@@ -114,7 +125,7 @@ private:
     base::Result<void, FalloSql> Mandar(const QString& texto) {
         RespuestaSql respuesta = Ejecutar(texto, {});
         if (respuesta.fallo) return *std::move(respuesta.fallo);
-        if (frases_.cuenta_transacciones.isEmpty()) transacciones_ = texto.startsWith(u'B') ? 1 : 0;
+        if (frases_.cuenta_transacciones.isEmpty()) Contadas(texto.startsWith(u'B') ? 1 : 0, texto);
         return {};
     }
 
@@ -140,7 +151,15 @@ private:
         if (cuenta.fallo || cuenta.resultados.isEmpty() || !cuenta.resultados.first().conjunto) {
             return;
         }
-        transacciones_ = cuenta.resultados.first().conjunto->filas.value(0).value(0).toInt();
+        Contadas(cuenta.resultados.first().conjunto->filas.value(0).value(0).toInt(), tsql);
+    }
+
+    /// The count after a text. One that ends and begins may have put another in the place of the
+    /// transaction that was open.
+    void Contadas(int transacciones, const QString& tsql) {
+        if (transacciones > 0 && (transacciones_ == 0 || TerminaYEmpieza(tsql)))
+            ++numero_transaccion_;
+        transacciones_ = transacciones;
     }
 
     DatosConexion datos_;
@@ -148,6 +167,7 @@ private:
     FrasesDeSesion frases_;
     std::optional<Enlace> enlace_;
     int transacciones_ = 0;
+    std::uint64_t numero_transaccion_ = 0;
     bool transaccion_rota_ = false;  // lost with its connection, and nobody has ended it yet
     bool cerrada_ = false;
 };

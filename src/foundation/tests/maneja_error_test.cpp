@@ -24,6 +24,7 @@ public:
     base::Result<void, FalloSql> Confirmar() override { return fallo_; }
     base::Result<void, FalloSql> Revertir() override { return fallo_; }
     bool EnTransaccion() const override { return false; }
+    std::uint64_t TransaccionActual() const override { return 0; }
     base::Result<DefinicionTabla, FalloSql> Describir(const QString& /*tabla*/) override {
         return fallo_;
     }
