@@ -249,7 +249,7 @@ public:
         if (!guardado) return {};
         QUIMO_TRY_VOID(Anotar(CierrePendiente::kEnviando, sha256));
         QUIMO_TRY(const bool llevado,
-                  Intentar([&] { return contexto_.share.Llevar(archivo, remoto_); }));
+                  Intentar([&] { return contexto_.share.Llevar(archivo, remoto_, guardada_); }));
         if (!llevado) return {};
         QUIMO_TRY_VOID(Anotar(CierrePendiente::kHecho, sha256));
         contexto_.resumen.entregadas << terminal_.nombre;
@@ -269,10 +269,12 @@ private:
             return FalloDeNumero(FalloArchivo::kNombreIncorrecto, terminal_.nombre);
         }
         QUIMO_TRY(const bool existe, contexto_.share.Existe(remoto_));
+        guardada_.clear();
         if (!existe) return {};
         QUIMO_TRY(
             const Archivado archivado,
             contexto_.archivo.Recibir(contexto_.share, remoto_, cierre_.Fecha(), terminal_.nombre));
+        guardada_ = archivado.sha256;
         if (archivado.nuevo) {
             contexto_.resumen.avisos
                 << u"Las ventas de "_s + terminal_.nombre +
@@ -291,6 +293,7 @@ private:
     CierrePendiente& cierre_;
     Terminal terminal_;
     QString remoto_;
+    QString guardada_;  ///< digest of the archived file that is to be replaced; empty for none
 };
 
 /// The central counters and the end of the close, at once: a close that goes on later must not

@@ -96,6 +96,7 @@ ResultadoCierre<void> FinDeDia::Correr() {
         pendiente = std::move(nuevo);
     }
     contexto_.resumen.fecha = pendiente->Fecha();
+    BorrarRestos(contexto_.carpeta);
     QUIMO_TRY(contexto_.directorio, LeerCadena(ado, foundation::parametro::kDirectorioTerminal));
     if (pendiente->PasoActual() == Paso::Reunir) {
         QUIMO_TRY_VOID(ReunirTerminales(contexto_, *pendiente));
