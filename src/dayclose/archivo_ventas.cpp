@@ -52,12 +52,16 @@ ResultadoArchivo<Archivado> ArchivoVentas::Agregar(const QString& local, const Q
 ResultadoArchivo<Archivado> ArchivoVentas::Guardar(const QString& fecha, const QString& terminal,
                                                    const Entrega& traer) const {
     const QString carpeta = Carpeta(raiz_, fecha, terminal);
-    QUIMO_TRY_VOID(CrearCarpeta(carpeta));
-    const QString recibido = carpeta + u"/recibido.tmp"_s;
+    for (const QString& una : {raiz_, raiz_ + u'/' + fecha, carpeta})
+        QUIMO_TRY_VOID(CrearCarpeta(una));
+    // What is not finished lies in one place, where the next run writes over it.
+    const QString recibido = raiz_ + u"/recibido.tmp"_s;
     QUIMO_TRY(const Copiado copiado, traer(recibido));
     QUIMO_TRY(const QString conocido, Buscar(fecha, terminal, copiado.sha256));
     if (!conocido.isEmpty()) {
         QFile::remove(recibido);
+        // Who put it there may have been ended before its name was durable.
+        QUIMO_TRY_VOID(AsentarNombre(conocido));
         return Archivado{conocido, copiado.sha256, false};
     }
     for (int numero = 1; numero < kVersionesMax; ++numero) {
@@ -65,8 +69,10 @@ ResultadoArchivo<Archivado> ArchivoVentas::Guardar(const QString& fecha, const Q
         const QString ruta = carpeta + u'/' + nombre;
         if (QFile::exists(ruta)) continue;
         // The digest first: a data file without one would be a copy that nobody can check.
-        QUIMO_TRY_VOID(EscribirEntero(ruta + u".sha256"_s,
-                                      (copiado.sha256 + u"  "_s + nombre + u'\n').toLatin1()));
+        const QString resumen = raiz_ + u"/resumen.tmp"_s;
+        QUIMO_TRY_VOID(
+            EscribirEntero(resumen, (copiado.sha256 + u"  "_s + nombre + u'\n').toLatin1()));
+        QUIMO_TRY_VOID(Renombrar(resumen, ruta + u".sha256"_s));
         QUIMO_TRY_VOID(Renombrar(recibido, ruta));
         return Archivado{ruta, copiado.sha256, true};
     }

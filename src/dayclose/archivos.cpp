@@ -1,11 +1,15 @@
 #include "dayclose/archivos.h"
 
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
+#include <thread>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/vfs.h>
 #include <unistd.h>
 
 #include <QCryptographicHash>
@@ -20,6 +24,7 @@ namespace quimo::dayclose {
 namespace {
 
 constexpr qsizetype kTrozo = 1 << 18;
+constexpr std::chrono::milliseconds kTic{20};  // longer than that of any kernel
 
 class Descriptor {
 public:
@@ -42,22 +47,6 @@ public:
 private:
     int fd_;
     int error_;
-};
-
-/// Removes the half-written file unless it was put in its place.
-class Parcial {
-public:
-    explicit Parcial(QString ruta) : ruta_(std::move(ruta)) {}
-    Parcial(const Parcial&) = delete;
-    Parcial& operator=(const Parcial&) = delete;
-    ~Parcial() {
-        if (!ruta_.isEmpty()) ::unlink(QFile::encodeName(ruta_).constData());
-    }
-    const QString& Ruta() const { return ruta_; }
-    void Conservar() { ruta_.clear(); }
-
-private:
-    QString ruta_;
 };
 
 /// True when another process holds a lock that `tipo` (F_RDLCK, F_WRLCK) would wait for.
@@ -83,15 +72,31 @@ int EscribirTodo(int fd, const char* datos, qsizetype bytes) {
     return 0;
 }
 
-ResultadoArchivo<void> SincronizarCarpeta(const QString& archivo) {
-    const QString carpeta = QFileInfo(archivo).absolutePath();
-    const Descriptor descriptor(carpeta, O_RDONLY | O_DIRECTORY);
-    if (descriptor.Fd() < 0) return FalloDeErrno(descriptor.Error(), carpeta);
-    // Not every network file system can make a folder durable; those that cannot say so.
-    if (::fsync(descriptor.Fd()) != 0 && errno != EINVAL && errno != ENOTSUP && errno != EBADF) {
-        return FalloDeErrno(errno, carpeta);
+/// The same size and time of change.
+bool SonIguales(const struct stat& uno, const struct stat& otro) {
+    return uno.st_size == otro.st_size && uno.st_mtim.tv_sec == otro.st_mtim.tv_sec &&
+           uno.st_mtim.tv_nsec == otro.st_mtim.tv_nsec;
+}
+
+bool AcabaDeCambiar(const struct stat& estado) {
+    const auto cambio = std::chrono::seconds(estado.st_mtim.tv_sec) +
+                        std::chrono::nanoseconds(estado.st_mtim.tv_nsec);
+    const auto pasado = std::chrono::system_clock::now().time_since_epoch() - cambio;
+    return pasado >= std::chrono::nanoseconds::zero() && pasado < kTic;
+}
+
+/// Hands the rest of an open file to a sink; how many bytes it was.
+ResultadoArchivo<qint64> LeerTodo(int fd, const QString& ruta, const Sumidero& sumidero) {
+    QByteArray trozo(kTrozo, Qt::Uninitialized);
+    qint64 total = 0;
+    while (true) {
+        const ssize_t leidos = ::read(fd, trozo.data(), static_cast<std::size_t>(trozo.size()));
+        if (leidos < 0 && errno == EINTR) continue;
+        if (leidos < 0) return FalloDeErrno(errno, ruta);
+        if (leidos == 0) return total;
+        QUIMO_TRY_VOID(sumidero(trozo.constData(), leidos));
+        total += leidos;
     }
-    return {};
 }
 
 /// A local file that is read whole. It must be open before its reader writes anything anywhere.
@@ -106,29 +111,21 @@ public:
             return FalloDeNumero(FalloArchivo::kPermisoDenegado, ruta_);
         }
         if (::fstat(archivo_.Fd(), &antes_) != 0) return FalloDeErrno(errno, ruta_);
+        // Times move in ticks: a sale within the tick of the one before would not be seen.
+        if (candados == Candados::Respetar && AcabaDeCambiar(antes_)) {
+            std::this_thread::sleep_for(kTic);
+            if (::fstat(archivo_.Fd(), &antes_) != 0) return FalloDeErrno(errno, ruta_);
+        }
         if (!S_ISREG(antes_.st_mode)) return FalloDeErrno(EISDIR, ruta_);
         return {};
     }
 
     ResultadoArchivo<void> Recorrer(const Sumidero& sumidero) const {
-        QByteArray trozo(kTrozo, Qt::Uninitialized);
-        qint64 total = 0;
-        while (true) {
-            const ssize_t leidos =
-                ::read(archivo_.Fd(), trozo.data(), static_cast<std::size_t>(trozo.size()));
-            if (leidos < 0 && errno == EINTR) continue;
-            if (leidos < 0) return FalloDeErrno(errno, ruta_);
-            if (leidos == 0) break;
-            QUIMO_TRY_VOID(sumidero(trozo.constData(), leidos));
-            total += leidos;
-        }
+        QUIMO_TRY(const qint64 total, LeerTodo(archivo_.Fd(), ruta_, sumidero));
         struct stat despues {};
         if (::fstat(archivo_.Fd(), &despues) != 0) return FalloDeErrno(errno, ruta_);
-        if (total != antes_.st_size || despues.st_size != antes_.st_size ||
-            despues.st_mtim.tv_sec != antes_.st_mtim.tv_sec ||
-            despues.st_mtim.tv_nsec != antes_.st_mtim.tv_nsec) {
+        if (total != antes_.st_size || !SonIguales(antes_, despues))
             return FalloDeNumero(FalloArchivo::kPermisoDenegado, ruta_);
-        }
         return {};
     }
 
@@ -138,16 +135,70 @@ private:
     struct stat antes_ {};
 };
 
-ResultadoArchivo<void> Asentar(Descriptor& salida, Parcial& parcial, const QString& destino) {
-    if (::fsync(salida.Fd()) != 0) return FalloDeErrno(errno, destino);
-    const int al_cerrar = salida.Cerrar();
-    if (al_cerrar != 0) return FalloDeErrno(al_cerrar, destino);
-    QUIMO_TRY_VOID(Renombrar(parcial.Ruta(), destino));
-    parcial.Conservar();
-    return {};
+/// Whether a descriptor's file lies on another computer, mounted by the system's own SMB client.
+bool EsMontajeSmb(int fd) {
+    constexpr auto kCifs = 0xFF534D42U;
+    constexpr auto kSmb2 = 0xFE534D42U;
+    struct statfs sistema {};
+    if (::fstatfs(fd, &sistema) != 0) return false;
+    const auto tipo = static_cast<unsigned>(sistema.f_type);
+    return tipo == kCifs || tipo == kSmb2;
 }
 
-QString NombreParcial(const QString& destino) { return destino + u".parcial"_s; }
+/// The file that is about to be replaced, locked for us alone from `Tomar` on.
+class Retenido {
+public:
+    explicit Retenido(const QString& ruta) : ruta_(ruta), archivo_(ruta, O_RDWR) {}
+
+    ResultadoArchivo<void> Tomar() {
+        if (archivo_.Fd() < 0) {
+            return archivo_.Error() == ENOENT ? Cambiado() : FalloDeErrno(archivo_.Error(), ruta_);
+        }
+        montado_ = EsMontajeSmb(archivo_.Fd());
+        // Over SMB both kinds are one, and the second would wait for the first.
+        if (!montado_ && ::flock(archivo_.Fd(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK)
+            return FalloDeNumero(FalloArchivo::kPermisoDenegado, ruta_);
+        struct flock candado {};
+        candado.l_type = F_WRLCK;
+        candado.l_whence = SEEK_SET;
+        if (::fcntl(archivo_.Fd(), F_OFD_SETLK, &candado) != 0 &&
+            (errno == EAGAIN || errno == EACCES)) {
+            return FalloDeNumero(FalloArchivo::kPermisoDenegado, ruta_);
+        }
+        if (::fstat(archivo_.Fd(), &tomado_) != 0) return FalloDeErrno(errno, ruta_);
+        return {};
+    }
+
+    ResultadoArchivo<QString> Sha256() const {
+        QCryptographicHash resumen(QCryptographicHash::Sha256);
+        QUIMO_TRY(const qint64 bytes,
+                  LeerTodo(archivo_.Fd(), ruta_,
+                           [&](const char* datos, qsizetype cuantos) -> ResultadoArchivo<void> {
+                               resumen.addData(QByteArrayView(datos, cuantos));
+                               return {};
+                           }));
+        if (bytes != tomado_.st_size) return Cambiado();
+        return QString::fromLatin1(resumen.result().toHex());
+    }
+
+    /// `kCambiado` unless the file still is what it was when it was taken, and still has its name.
+    ResultadoArchivo<void> ExigirIntacto() {
+        struct stat ahora {};
+        // A computer that speaks SMB does not let anybody replace a file that is open, not even us.
+        if (montado_ && archivo_.Cerrar() != 0) return FalloDeErrno(EIO, ruta_);
+        if (::stat(QFile::encodeName(ruta_).constData(), &ahora) != 0) return Cambiado();
+        const bool mismo = montado_ || ahora.st_ino == tomado_.st_ino;
+        return mismo && SonIguales(ahora, tomado_) ? ResultadoArchivo<void>() : Cambiado();
+    }
+
+private:
+    FalloArchivo Cambiado() const { return FalloDeNumero(FalloArchivo::kCambiado, ruta_); }
+
+    QString ruta_;
+    Descriptor archivo_;
+    bool montado_ = false;
+    struct stat tomado_ {};
+};
 
 /// The failure to make a new file: a missing folder is a path, not a file, that was not found.
 FalloArchivo FalloAlCrear(int error, const QString& destino) {
@@ -157,30 +208,84 @@ FalloArchivo FalloAlCrear(int error, const QString& destino) {
 
 }  // namespace
 
-ResultadoArchivo<Copiado> EscribirCon(const QString& destino, const Productor& producir) {
-    Parcial parcial(NombreParcial(destino));
-    Descriptor salida(parcial.Ruta(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-    if (salida.Fd() < 0) {
-        parcial.Conservar();
-        return FalloAlCrear(salida.Error(), destino);
-    }
-    Copiado copiado;
+ArchivoNuevo::ArchivoNuevo(ArchivoNuevo&& otro) noexcept
+    : destino_(std::move(otro.destino_)),
+      parcial_(std::exchange(otro.parcial_, QString())),
+      contenido_(std::move(otro.contenido_)) {}
+
+ArchivoNuevo::~ArchivoNuevo() {
+    if (!parcial_.isEmpty()) ::unlink(QFile::encodeName(parcial_).constData());
+}
+
+ResultadoArchivo<ArchivoNuevo> ArchivoNuevo::Escribir(const QString& destino,
+                                                      const Productor& producir) {
+    const QString parcial = destino + u".parcial"_s;
+    Descriptor salida(parcial, O_WRONLY | O_CREAT | O_TRUNC, 0644);
+    if (salida.Fd() < 0) return FalloAlCrear(salida.Error(), destino);
+    ArchivoNuevo nuevo(destino, parcial);
     QCryptographicHash resumen(QCryptographicHash::Sha256);
     QUIMO_TRY_VOID(producir([&](const char* datos, qsizetype bytes) -> ResultadoArchivo<void> {
         resumen.addData(QByteArrayView(datos, bytes));
-        copiado.bytes += bytes;
+        nuevo.contenido_.bytes += bytes;
         const int fallo = EscribirTodo(salida.Fd(), datos, bytes);
         if (fallo != 0) return FalloDeErrno(fallo, destino);
         return {};
     }));
-    QUIMO_TRY_VOID(Asentar(salida, parcial, destino));
-    copiado.sha256 = QString::fromLatin1(resumen.result().toHex());
-    return copiado;
+    if (::fsync(salida.Fd()) != 0) return FalloDeErrno(errno, destino);
+    const int al_cerrar = salida.Cerrar();
+    if (al_cerrar != 0) return FalloDeErrno(al_cerrar, destino);
+    nuevo.contenido_.sha256 = QString::fromLatin1(resumen.result().toHex());
+    return nuevo;
 }
 
-ResultadoArchivo<void> RecorrerArchivo(const QString& ruta, const Sumidero& sumidero) {
+ResultadoArchivo<ArchivoNuevo> ArchivoNuevo::CopiaDe(const QString& origen,
+                                                     const QString& destino) {
+    Origen entrada(origen);
+    QUIMO_TRY_VOID(entrada.Revisar(Candados::Ignorar));
+    return Escribir(destino, [&](const Sumidero& sumidero) { return entrada.Recorrer(sumidero); });
+}
+
+ResultadoArchivo<void> ArchivoNuevo::Colocar() {
+    QUIMO_TRY_VOID(Renombrar(parcial_, destino_));
+    parcial_.clear();
+    return {};
+}
+
+ResultadoArchivo<void> ArchivoNuevo::ColocarSiFalta() {
+    if (::renameat2(AT_FDCWD, QFile::encodeName(parcial_).constData(), AT_FDCWD,
+                    QFile::encodeName(destino_).constData(), RENAME_NOREPLACE) == 0) {
+        parcial_.clear();
+        return AsentarNombre(destino_);
+    }
+    if (errno == EEXIST) return FalloDeNumero(FalloArchivo::kCambiado, destino_);
+    // A file system that cannot tell: most network ones.
+    if (errno != EINVAL && errno != ENOSYS && errno != ENOTSUP)
+        return FalloDeErrno(errno, destino_);
+    if (QFileInfo::exists(destino_)) return FalloDeNumero(FalloArchivo::kCambiado, destino_);
+    return Colocar();
+}
+
+ResultadoArchivo<void> ArchivoNuevo::ColocarSi(
+    const QString& sha256, const std::function<ResultadoArchivo<void>()>& revisar) {
+    Retenido presente(destino_);
+    QUIMO_TRY_VOID(presente.Tomar());
+    QUIMO_TRY_VOID(revisar());
+    QUIMO_TRY(const QString resumen, presente.Sha256());
+    if (resumen != sha256) return FalloDeNumero(FalloArchivo::kCambiado, destino_);
+    QUIMO_TRY_VOID(presente.ExigirIntacto());
+    return Colocar();
+}
+
+ResultadoArchivo<Copiado> EscribirCon(const QString& destino, const Productor& producir) {
+    QUIMO_TRY(ArchivoNuevo nuevo, ArchivoNuevo::Escribir(destino, producir));
+    QUIMO_TRY_VOID(nuevo.Colocar());
+    return nuevo.Contenido();
+}
+
+ResultadoArchivo<void> RecorrerArchivo(const QString& ruta, const Sumidero& sumidero,
+                                       Candados candados) {
     Origen origen(ruta);
-    QUIMO_TRY_VOID(origen.Revisar(Candados::Ignorar));
+    QUIMO_TRY_VOID(origen.Revisar(candados));
     return origen.Recorrer(sumidero);
 }
 
@@ -211,11 +316,26 @@ ResultadoArchivo<QString> Sha256DeArchivo(const QString& ruta) {
 }
 
 ResultadoArchivo<void> CrearCarpeta(const QString& ruta) {
-    if (QFileInfo(ruta).isDir()) return {};
-    if (QFileInfo::exists(ruta)) return FalloDeNumero(FalloArchivo::kAccesoRuta, ruta);
-    errno = 0;
-    if (!QDir().mkpath(ruta)) return FalloAlCrear(errno == 0 ? EACCES : errno, ruta);
-    return SincronizarCarpeta(ruta);
+    const QFileInfo carpeta(ruta);
+    if (!carpeta.isDir()) {
+        if (carpeta.exists()) return FalloDeNumero(FalloArchivo::kAccesoRuta, ruta);
+        const QString madre = carpeta.absolutePath();
+        if (!QFileInfo(madre).isDir()) QUIMO_TRY_VOID(CrearCarpeta(madre));
+        if (::mkdir(QFile::encodeName(ruta).constData(), 0777) != 0)
+            return FalloAlCrear(errno, ruta);
+    }
+    return AsentarNombre(ruta);
+}
+
+ResultadoArchivo<void> AsentarNombre(const QString& ruta) {
+    const QString carpeta = QFileInfo(ruta).absolutePath();
+    const Descriptor descriptor(carpeta, O_RDONLY | O_DIRECTORY);
+    if (descriptor.Fd() < 0) return FalloDeErrno(descriptor.Error(), carpeta);
+    // Not every network file system can make a folder durable; those that cannot say so.
+    if (::fsync(descriptor.Fd()) != 0 && errno != EINVAL && errno != ENOTSUP && errno != EBADF) {
+        return FalloDeErrno(errno, carpeta);
+    }
+    return {};
 }
 
 ResultadoArchivo<void> Renombrar(const QString& origen, const QString& destino) {
@@ -223,7 +343,19 @@ ResultadoArchivo<void> Renombrar(const QString& origen, const QString& destino) 
                     QFile::encodeName(destino).constData()) != 0) {
         return FalloDeErrno(errno, destino);
     }
-    return SincronizarCarpeta(destino);
+    return AsentarNombre(destino);
+}
+
+void BorrarRestos(const QString& carpeta) {
+    const QStringList restos = {u"Quimo_Terminal.mdb.parcial"_s, u"Quimo_Terminal.mdb.*-*.tmp"_s,
+                                u"revision.tmp*"_s, u"recibido.tmp*"_s, u"resumen.tmp*"_s};
+    QStringList carpetas = QDir(carpeta).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    carpetas.prepend(u"."_s);
+    for (const QString& nombre : carpetas) {
+        QDir una(carpeta + u'/' + nombre);
+        for (const QString& resto : una.entryList(restos, QDir::Files))
+            una.remove(resto);
+    }
 }
 
 bool EstaBloqueado(const QString& ruta) {

@@ -23,9 +23,11 @@ QString Entrada(const QString& carpeta, const QString& nombre) {
     return {};
 }
 
-bool EnUso(const QString& archivo) {
-    return EstaBloqueado(archivo) || jet::MirarLdb(archivo.toStdString()) == jet::EstadoLdb::EnUso;
+bool LdbEnUso(const QString& archivo) {
+    return jet::MirarLdb(archivo.toStdString()) == jet::EstadoLdb::EnUso;
 }
+
+bool EnUso(const QString& archivo) { return EstaBloqueado(archivo) || LdbEnUso(archivo); }
 
 }  // namespace
 
@@ -67,13 +69,18 @@ ResultadoArchivo<Copiado> CarpetaShare::Traer(const QString& remoto, const QStri
     return CopiarEntero(lugar.archivo, local, Candados::Respetar);
 }
 
-ResultadoArchivo<void> CarpetaShare::Llevar(const QString& local, const QString& remoto) {
+ResultadoArchivo<void> CarpetaShare::Llevar(const QString& local, const QString& remoto,
+                                            const QString& esperado) {
     QUIMO_TRY(const Lugar lugar, Ubicar(remoto));
     if (!lugar.carpeta_existe) return FalloDeNumero(FalloArchivo::kRutaNoEncontrada, remoto);
     if (EnUso(lugar.archivo)) return FalloDeNumero(FalloArchivo::kPermisoDenegado, remoto);
-    QUIMO_TRY(const Copiado copiado, CopiarEntero(local, lugar.archivo));
-    static_cast<void>(copiado);
-    return {};
+    QUIMO_TRY(ArchivoNuevo nuevo, ArchivoNuevo::CopiaDe(local, lugar.archivo));
+    if (antes_de_reemplazar) antes_de_reemplazar();
+    if (esperado.isEmpty()) return nuevo.ColocarSiFalta();
+    return nuevo.ColocarSi(esperado, [&]() -> ResultadoArchivo<void> {
+        if (!LdbEnUso(lugar.archivo)) return {};
+        return FalloDeNumero(FalloArchivo::kPermisoDenegado, remoto);
+    });
 }
 
 }  // namespace quimo::dayclose

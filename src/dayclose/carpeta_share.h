@@ -12,7 +12,8 @@ public:
 
     ResultadoArchivo<bool> Existe(const QString& remoto) override;
     ResultadoArchivo<Copiado> Traer(const QString& remoto, const QString& local) override;
-    ResultadoArchivo<void> Llevar(const QString& local, const QString& remoto) override;
+    ResultadoArchivo<void> Llevar(const QString& local, const QString& remoto,
+                                  const QString& esperado) override;
 
 private:
     struct Lugar {

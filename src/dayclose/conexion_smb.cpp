@@ -114,6 +114,15 @@ RutaRed RutaRed::Junto(const QString& sufijo) const {
     return otra;
 }
 
+RutaRed RutaRed::ConExtension(const QString& extension) const {
+    RutaRed otra = *this;
+    QString& nombre = otra.partes.last();
+    const qsizetype punto = nombre.lastIndexOf(u'.');
+    if (punto > 0) nombre.truncate(punto);
+    nombre += extension;
+    return otra;
+}
+
 ConexionSmb::ConexionSmb(QString direccion, const AccesoRed& acceso)
     : direccion_(std::move(direccion)) {
     // A user of this name exists nowhere: computers that let guests in take it for one.

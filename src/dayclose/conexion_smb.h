@@ -31,6 +31,8 @@ struct RutaRed {
     RutaRed Carpeta() const { return {equipo, recurso, partes.mid(0, partes.size() - 1)}; }
     /// A file beside this one, named after it.
     RutaRed Junto(const QString& sufijo) const;
+    /// The file beside this one that differs in what follows the last point.
+    RutaRed ConExtension(const QString& extension) const;
 };
 
 /// What a remote name stands for.

@@ -27,6 +27,9 @@ FalloArchivo FalloDeNumero(int numero, const QString& ruta) {
         case FalloArchivo::kRutaNoEncontrada:
             texto = u"No se encontró la ruta de acceso"_s;
             break;
+        case FalloArchivo::kCambiado:
+            texto = u"El archivo cambió después de guardarse y no se reemplazó"_s;
+            break;
         default:
             texto = u"Error de E/S en el dispositivo"_s;
             break;

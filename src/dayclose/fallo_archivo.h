@@ -16,6 +16,7 @@ struct FalloArchivo {
         kPermisoDenegado = 70,   ///< somebody holds the file open
         kAccesoRuta = 75,        ///< the path is refused
         kRutaNoEncontrada = 76,  ///< the folder or share is not there
+        kCambiado = 3197,        ///< another file lies there than the one to be replaced
     };
     int numero = kErrorDispositivo;
     QString descripcion;  ///< Spanish, with the path

@@ -2,6 +2,8 @@
 
 #include <fcntl.h>
 
+#include <QCryptographicHash>
+
 using namespace Qt::StringLiterals;
 
 namespace quimo::dayclose {
@@ -11,12 +13,16 @@ namespace {
 RutaRed Parcial(const RutaRed& ruta) { return ruta.Junto(u".parcial"_s); }
 RutaRed Anterior(const RutaRed& ruta) { return ruta.Junto(u".anterior"_s); }
 
-/// What lies at a name, after undoing a replacement that was interrupted between its renames.
+/// What lies at a name, after finishing or undoing a replacement that was interrupted.
 ResultadoArchivo<std::optional<EstadoRemoto>> Presente(ConexionSmb& conexion, const RutaRed& ruta) {
     QUIMO_TRY(const auto estado, conexion.Mirar(ruta));
-    if (estado) return estado;
     QUIMO_TRY(const auto anterior, conexion.Mirar(Anterior(ruta)));
-    if (!anterior) return anterior;
+    if (!anterior || anterior->es_carpeta) return estado;
+    if (estado) {
+        // Kept by whoever replaced it. What cannot be deleted now is deleted the next time.
+        static_cast<void>(conexion.Borrar(Anterior(ruta)));
+        return estado;
+    }
     QUIMO_TRY_VOID(conexion.Renombrar(Anterior(ruta), ruta));
     return anterior;
 }
@@ -28,18 +34,57 @@ ResultadoArchivo<void> ExigirCarpeta(ConexionSmb& conexion, const RutaRed& carpe
     return FalloDeNumero(FalloArchivo::kRutaNoEncontrada, carpeta.Texto());
 }
 
+FalloArchivo Cambiado(const RutaRed& ruta) {
+    return FalloDeNumero(FalloArchivo::kCambiado, ruta.Texto());
+}
+
+/// 70 when somebody has the terminal's lock file open, or when nobody may look.
+ResultadoArchivo<void> ExigirSinLdb(ConexionSmb& conexion, const RutaRed& ruta) {
+    const auto abierto =
+        conexion.AbrirArchivo(ruta.ConExtension(u".ldb"_s), O_RDONLY, Compartir::Nada);
+    if (abierto || abierto.error().numero == FalloArchivo::kNoEncontrado) return {};
+    if (abierto.error().numero == FalloArchivo::kNombreIncorrecto) return abierto.error();
+    return FalloDeNumero(FalloArchivo::kPermisoDenegado, ruta.Texto());
+}
+
 /// 70 when somebody has the file open.
 ResultadoArchivo<void> ExigirLibre(ConexionSmb& conexion, const RutaRed& ruta) {
+    QUIMO_TRY_VOID(ExigirSinLdb(conexion, ruta));
     QUIMO_TRY(ArchivoSmb archivo, conexion.AbrirArchivo(ruta, O_RDWR, Compartir::Nada));
     return archivo.Cerrar();
+}
+
+/// The file's size and time, read while nobody else could open it; `kCambiado` when its contents
+/// are not those expected.
+ResultadoArchivo<EstadoRemoto> ExigirContenido(ConexionSmb& conexion, const RutaRed& ruta,
+                                               const QString& sha256) {
+    QUIMO_TRY_VOID(ExigirSinLdb(conexion, ruta));
+    QUIMO_TRY(ArchivoSmb archivo, conexion.AbrirArchivo(ruta, O_RDWR, Compartir::Nada));
+    QCryptographicHash resumen(QCryptographicHash::Sha256);
+    QUIMO_TRY_VOID(
+        archivo.Recorrer([&](const char* datos, qsizetype cuantos) -> ResultadoArchivo<void> {
+            resumen.addData(QByteArrayView(datos, cuantos));
+            return {};
+        }));
+    QUIMO_TRY(const EstadoRemoto estado, archivo.Mirar());
+    QUIMO_TRY_VOID(archivo.Cerrar());
+    if (QString::fromLatin1(resumen.result().toHex()) != sha256) return Cambiado(ruta);
+    return estado;
+}
+
+ResultadoArchivo<void> ExigirEstado(ConexionSmb& conexion, const RutaRed& ruta,
+                                    const EstadoRemoto& esperado) {
+    QUIMO_TRY(const auto estado, conexion.Mirar(ruta));
+    return estado == esperado ? ResultadoArchivo<void>() : Cambiado(ruta);
 }
 
 /// Sends a local file under a remote name, replacing whatever has it.
 ResultadoArchivo<void> Escribir(ConexionSmb& conexion, const QString& local, const RutaRed& ruta) {
     qint64 bytes = 0;
     {
-        QUIMO_TRY(ArchivoSmb salida,
-                  conexion.AbrirArchivo(ruta, O_WRONLY | O_CREAT | O_TRUNC, Compartir::Nada));
+        QUIMO_TRY(
+            ArchivoSmb salida,
+            conexion.AbrirArchivo(ruta, O_WRONLY | O_CREAT | O_TRUNC | O_SYNC, Compartir::Nada));
         QUIMO_TRY_VOID(RecorrerArchivo(local, [&](const char* datos, qsizetype cuantos) {
             bytes += cuantos;
             return salida.Escribir(datos, cuantos);
@@ -53,13 +98,19 @@ ResultadoArchivo<void> Escribir(ConexionSmb& conexion, const QString& local, con
     return fallo;
 }
 
-/// Puts the new file in the destination's place.
-ResultadoArchivo<void> Colocar(ConexionSmb& conexion, const RutaRed& ruta, bool hay_anterior) {
-    if (!hay_anterior) return conexion.Renombrar(Parcial(ruta), ruta);
-    QUIMO_TRY(const auto resto, conexion.Mirar(Anterior(ruta)));
-    if (resto) QUIMO_TRY_VOID(conexion.Borrar(Anterior(ruta)));
+/// Puts the new file in the place of the expected one.
+ResultadoArchivo<void> Colocar(ConexionSmb& conexion, const RutaRed& ruta, const QString& sha256) {
+    if (sha256.isEmpty()) {
+        QUIMO_TRY(const auto estado, conexion.Mirar(ruta));
+        if (estado) return Cambiado(ruta);
+        return conexion.Renombrar(Parcial(ruta), ruta);
+    }
+    QUIMO_TRY(const EstadoRemoto esperado, ExigirContenido(conexion, ruta, sha256));
+    QUIMO_TRY_VOID(ExigirEstado(conexion, ruta, esperado));
     QUIMO_TRY_VOID(conexion.Renombrar(ruta, Anterior(ruta)));
-    auto colocado = conexion.Renombrar(Parcial(ruta), ruta);
+    // Nobody finds it under this name any more: what is there now cannot change again.
+    auto colocado = ExigirEstado(conexion, Anterior(ruta), esperado);
+    if (colocado) colocado = conexion.Renombrar(Parcial(ruta), ruta);
     if (!colocado) {
         // Should this fail as well, the next operation does it: see `Presente`.
         static_cast<void>(conexion.Renombrar(Anterior(ruta), ruta));
@@ -70,16 +121,18 @@ ResultadoArchivo<void> Colocar(ConexionSmb& conexion, const RutaRed& ruta, bool 
     return {};
 }
 
-ResultadoArchivo<void> Reemplazar(ConexionSmb& conexion, const QString& local,
-                                  const RutaRed& ruta) {
+ResultadoArchivo<void> Reemplazar(ConexionSmb& conexion, const QString& local, const RutaRed& ruta,
+                                  const QString& esperado, const std::function<void()>& antes) {
     QUIMO_TRY(const auto estado, Presente(conexion, ruta));
     if (estado) {
         QUIMO_TRY_VOID(ExigirLibre(conexion, ruta));
     } else {
         QUIMO_TRY_VOID(ExigirCarpeta(conexion, ruta.Carpeta()));
     }
+    if (estado.has_value() == esperado.isEmpty()) return Cambiado(ruta);
     auto hecho = Escribir(conexion, local, Parcial(ruta));
-    if (hecho) hecho = Colocar(conexion, ruta, estado.has_value());
+    if (hecho && antes) antes();
+    if (hecho) hecho = Colocar(conexion, ruta, esperado);
     if (!hecho && hecho.error().numero != FalloArchivo::kNombreIncorrecto) {
         // Where the computer is gone nothing can be cleaned; the next upload writes over it.
         static_cast<void>(conexion.Borrar(Parcial(ruta)));
@@ -121,6 +174,7 @@ ResultadoArchivo<Copiado> SmbShare::Traer(const QString& remoto, const QString& 
                        QUIMO_TRY_VOID(ExigirCarpeta(conexion, ruta.Carpeta()));
                        return FalloDeNumero(FalloArchivo::kNoEncontrado, remoto);
                    }
+                   QUIMO_TRY_VOID(ExigirSinLdb(conexion, ruta));
                    QUIMO_TRY(ArchivoSmb entrada,
                              conexion.AbrirArchivo(ruta, O_RDONLY, Compartir::SoloLectura));
                    return EscribirCon(
@@ -128,9 +182,10 @@ ResultadoArchivo<Copiado> SmbShare::Traer(const QString& remoto, const QString& 
                });
 }
 
-ResultadoArchivo<void> SmbShare::Llevar(const QString& local, const QString& remoto) {
+ResultadoArchivo<void> SmbShare::Llevar(const QString& local, const QString& remoto,
+                                        const QString& esperado) {
     return Con(remoto, [&](ConexionSmb& conexion, const RutaRed& ruta) {
-        return Reemplazar(conexion, local, ruta);
+        return Reemplazar(conexion, local, ruta, esperado, antes_de_reemplazar);
     });
 }
 

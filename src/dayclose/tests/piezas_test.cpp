@@ -1,3 +1,6 @@
+#include <functional>
+#include <utility>
+
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/file.h>
@@ -12,11 +15,14 @@
 #include "dayclose/carpeta_share.h"
 #include "dayclose/fecha_trabajo.h"
 #include "dayclose/valor_terminal.h"
+#include "servidor_smb.h"
 
 using namespace Qt::StringLiterals;
 
 namespace quimo::dayclose {
 namespace {
+
+using pruebas::Sha256De;
 
 TEST(FechaTrabajo, SigueLaTablaAlPieDeLaLetra) {
     const std::pair<const char16_t*, const char16_t*> casos[] = {
@@ -97,17 +103,108 @@ TEST_F(CarpetaShareTest, LoQueOtroTieneAbiertoEs70YQuedaComoEstaba) {
             candado.l_whence = SEEK_SET;
             ASSERT_EQ(con_flock ? ::flock(fd, LOCK_EX) : ::fcntl(fd, F_OFD_SETLK, &candado), 0);
             const auto traido = share_.Traer(remoto, carpeta_.filePath(u"local"_s));
-            const auto llevado = share_.Llevar(carpeta_.filePath(u"nuevo"_s), remoto);
+            const QString datos = Sha256De("datos");
+            const auto llevado = share_.Llevar(carpeta_.filePath(u"nuevo"_s), remoto, datos);
             ::close(fd);
             ASSERT_FALSE(traido) << en_ldb << con_flock;
             ASSERT_FALSE(llevado) << en_ldb << con_flock;
             EXPECT_EQ(traido.error().numero, 70);
             EXPECT_EQ(llevado.error().numero, 70);
             EXPECT_EQ(Leer(u"red/CAJA1/quimo/Quimo_Terminal.mdb"_s), "datos");
-            EXPECT_TRUE(share_.Llevar(carpeta_.filePath(u"nuevo"_s), remoto));
+            EXPECT_TRUE(share_.Llevar(carpeta_.filePath(u"nuevo"_s), remoto, datos));
             EXPECT_EQ(Leer(u"red/CAJA1/quimo/Quimo_Terminal.mdb"_s), "nueva");
         }
     }
+}
+
+TEST_F(CarpetaShareTest, LoQueSeVendeHastaElUltimoMomentoNoSeReemplaza) {
+    const QString nombre = u"red/CAJA1/quimo/Quimo_Terminal.mdb"_s;
+    const QString base = carpeta_.filePath(nombre);
+    const QString resumen = Sha256De("vieja");
+    int candado = -1;
+    struct Caso {
+        const char* nombre;
+        QByteArray antes;  // empty: no file
+        QString esperado;
+        std::function<void()> mientras;  // while the new file is written
+        int numero;
+        QByteArray queda;
+    };
+    const Caso casos[] = {
+        {"nadie vende", "vieja", resumen, {}, 0, "nueva"},
+        {"vende", "vieja", resumen, [&] { Escribir(nombre, "viejaY"); }, 3197, "viejaY"},
+        {"cambia sin crecer", "vieja", resumen, [&] { Escribir(nombre, "viejA"); }, 3197, "viejA"},
+        {"vendió antes", "viejaX", resumen, {}, 3197, "viejaX"},
+        {"abre", "vieja", resumen,
+         [&] {
+             candado = ::open(QFile::encodeName(base).constData(), O_RDWR | O_CLOEXEC);
+             ::flock(candado, LOCK_SH);
+         },
+         70, "vieja"},
+        {"desaparece", "vieja", resumen, [&] { QFile::remove(base); }, 3197, "no está"},
+        {"no había", {}, QString(), {}, 0, "nueva"},
+        {"aparece", {}, QString(), [&] { Escribir(nombre, "otra"); }, 3197, "otra"},
+        {"había", "vieja", QString(), {}, 3197, "vieja"},
+        {"ya no hay", {}, resumen, {}, 3197, "no está"},
+    };
+    Escribir(u"nuevo"_s, "nueva");
+    for (const Caso& caso : casos) {
+        QFile::remove(base);
+        Escribir(nombre + u"-otro"_s, "ajeno");
+        if (!caso.antes.isEmpty()) Escribir(nombre, caso.antes);
+        bool completa = false;
+        share_.antes_de_reemplazar = [&] {
+            completa = Leer(nombre + u".parcial"_s) == "nueva";
+            if (caso.mientras) caso.mientras();
+        };
+        const auto llevado =
+            share_.Llevar(carpeta_.filePath(u"nuevo"_s), u"\\\\CAJA1\\quimo\\Quimo_Terminal.mdb"_s,
+                          caso.esperado);
+        if (candado >= 0) ::close(std::exchange(candado, -1));
+        EXPECT_EQ(llevado ? 0 : llevado.error().numero, caso.numero) << caso.nombre;
+        EXPECT_TRUE(completa) << caso.nombre;
+        EXPECT_EQ(Leer(nombre), caso.queda) << caso.nombre;
+        EXPECT_FALSE(QFile::exists(base + u".parcial"_s)) << caso.nombre;
+        EXPECT_EQ(Leer(nombre + u"-otro"_s), "ajeno");
+    }
+    const FalloArchivo fallo = FalloDeNumero(FalloArchivo::kCambiado, base);
+    EXPECT_FALSE(fallo.EsDeComunicacion()) << "it must not be taken for a terminal out of reach";
+}
+
+TEST_F(CarpetaShareTest, LoQueCambiaMientrasSeCopiaEs70) {
+    // Same size, and within the tick of the clock that the file's time shows.
+    const QString base = carpeta_.filePath(u"base.mdb"_s);
+    for (const QByteArray& mientras :
+         {QByteArray("viejA"), QByteArray("viejaY"), QByteArray("v")}) {
+        Escribir(u"base.mdb"_s, "vieja");
+        const auto leido = RecorrerArchivo(
+            base,
+            [&](const char*, qsizetype) -> ResultadoArchivo<void> {
+                Escribir(u"base.mdb"_s, mientras);
+                return {};
+            },
+            Candados::Respetar);
+        ASSERT_FALSE(leido) << mientras.toStdString();
+        EXPECT_EQ(leido.error().numero, 70);
+    }
+}
+
+TEST_F(CarpetaShareTest, LoQueDejoUnProcesoInterrumpidoSeBorra) {
+    const QStringList restos = {
+        u"dir/Quimo_Terminal.mdb.parcial"_s,       u"dir/Quimo_Terminal.mdb.4711-0.tmp"_s,
+        u"dir/CAJA1/Quimo_Terminal.mdb.parcial"_s, u"dir/CAJA1/revision.tmp"_s,
+        u"dir/CAJA1/revision.tmp.parcial"_s,       u"dir/archivo/recibido.tmp"_s,
+        u"dir/archivo/recibido.tmp.parcial"_s,     u"dir/archivo/resumen.tmp.parcial"_s};
+    const QStringList buenos = {u"dir/Plantilla.mdb"_s, u"dir/notas.tmp"_s,
+                                u"dir/CAJA1/Quimo_Terminal.mdb"_s,
+                                u"dir/archivo/14112026/CAJA1/Quimo_Terminal-1.mdb"_s};
+    for (const QString& nombre : restos + buenos)
+        Escribir(nombre, "x");
+    BorrarRestos(carpeta_.filePath(u"dir"_s));
+    for (const QString& nombre : restos)
+        EXPECT_FALSE(QFile::exists(carpeta_.filePath(nombre))) << nombre.toStdString();
+    for (const QString& nombre : buenos)
+        EXPECT_TRUE(QFile::exists(carpeta_.filePath(nombre))) << nombre.toStdString();
 }
 
 TEST_F(CarpetaShareTest, ElDiscoLlenoNoTocaElDestino) {
@@ -117,7 +214,8 @@ TEST_F(CarpetaShareTest, ElDiscoLlenoNoTocaElDestino) {
     ASSERT_TRUE(QFile::link(u"/dev/full"_s, parcial));
     Escribir(u"nuevo"_s, QByteArray(100000, 'n'));
     const auto llevado =
-        share_.Llevar(carpeta_.filePath(u"nuevo"_s), u"\\\\CAJA1\\quimo\\Quimo_Terminal.mdb"_s);
+        share_.Llevar(carpeta_.filePath(u"nuevo"_s), u"\\\\CAJA1\\quimo\\Quimo_Terminal.mdb"_s,
+                      Sha256De("vieja"));
     ASSERT_FALSE(llevado);
     EXPECT_EQ(llevado.error().numero, 61);
     EXPECT_EQ(Leer(u"red/CAJA1/quimo/Quimo_Terminal.mdb"_s), "vieja");

@@ -115,9 +115,11 @@ ResultadoArchivo<Copiado> ShareConFallas::Traer(const QString& remoto, const QSt
     return real_.Traer(remoto, local);
 }
 
-ResultadoArchivo<void> ShareConFallas::Llevar(const QString& local, const QString& remoto) {
+ResultadoArchivo<void> ShareConFallas::Llevar(const QString& local, const QString& remoto,
+                                              const QString& esperado) {
     if (auto falla = Falla(Operacion::Llevar, remoto)) return *falla;
-    return real_.Llevar(local, remoto);
+    real_.antes_de_reemplazar = antes_de_reemplazar;
+    return real_.Llevar(local, remoto, esperado);
 }
 
 Restaurante::Restaurante() : share(carpeta_.filePath(u"red"_s)) {

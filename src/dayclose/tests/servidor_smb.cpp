@@ -12,6 +12,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <QCryptographicHash>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
@@ -202,6 +203,11 @@ void EscribirArchivo(const QString& ruta, const QByteArray& contenido) {
 QByteArray LeerArchivo(const QString& ruta) {
     QFile archivo(ruta);
     return archivo.open(QIODevice::ReadOnly) ? archivo.readAll() : QByteArray("no está");
+}
+
+QString Sha256De(const QByteArray& contenido) {
+    return QString::fromLatin1(
+        QCryptographicHash::hash(contenido, QCryptographicHash::Sha256).toHex());
 }
 
 struct CuandoCrezca::Estado {

@@ -63,6 +63,8 @@ int LlamarALoopback(quint16 puerto);
 void EscribirArchivo(const QString& ruta, const QByteArray& contenido);
 /// A file's bytes; "no está" when there is none.
 QByteArray LeerArchivo(const QString& ruta);
+/// The SHA-256 of some bytes, as the close writes it.
+QString Sha256De(const QByteArray& contenido);
 
 /// Runs `accion` in another thread as soon as a file has this many bytes; ends when it has run or
 /// when the object goes. Whether it ran is asked at the end.

@@ -85,6 +85,11 @@ protected:
         EXPECT_TRUE(leida) << (leida ? std::string() : leida.error().mensaje);
         return leida ? *leida : ConfiguracionRed();
     }
+    /// Sends the new file over whatever can be fetched from there now.
+    ResultadoArchivo<void> Llevar(const QString& remoto) {
+        const auto traido = share_->Traer(remoto, carpeta_.filePath(u"antes"_s));
+        return share_->Llevar(Nueva(), remoto, traido ? traido->sha256 : QString());
+    }
     /// Another client of the share, for holding files open.
     std::unique_ptr<ConexionSmb> OtroCliente(const RutaRed& ruta) const {
         auto otra = ConexionSmb::Abrir(ruta, Configuracion().Para(u"CAJA1"_s));
@@ -147,7 +152,7 @@ TEST_F(SmbShareTest, CadaFallaTieneSuNumero) {
             << caso.remoto.toStdString();
         const auto traido = share_->Traer(caso.remoto, Local());
         EXPECT_EQ(NumeroDe(traido), caso.traer) << caso.remoto.toStdString();
-        const auto llevado = share_->Llevar(Nueva(), caso.remoto);
+        const auto llevado = Llevar(caso.remoto);
         EXPECT_EQ(NumeroDe(llevado), caso.llevar) << caso.remoto.toStdString();
         for (const FalloArchivo* fallo :
              {existe ? nullptr : &existe.error(), traido ? nullptr : &traido.error()}) {
@@ -169,7 +174,7 @@ TEST_F(SmbShareTest, CopiaCualquierContenidoConCualquierNombre) {
         const QString remoto = u"\\\\CAJA1\\quimo\\"_s + nombre;
         for (const QByteArray& contenido : {QByteArray(), QByteArray("corto"), grande}) {
             EscribirArchivo(Nueva(), contenido);
-            ASSERT_EQ(NumeroDe(share_->Llevar(Nueva(), remoto)), 0) << nombre.toStdString();
+            ASSERT_EQ(NumeroDe(Llevar(remoto)), 0) << nombre.toStdString();
             QString en_disco = nombre;
             EXPECT_TRUE(LeerArchivo(Servida(en_disco.replace(u'\\', u'/'))) == contenido);
             const auto existe = share_->Existe(remoto);
@@ -190,32 +195,37 @@ TEST_F(SmbShareTest, LoQueOtroTieneAbiertoEs70YQuedaComoEstaba) {
         int modo;
         Compartir compartir;
         int traer;
+        QString extension;
     };
     const Caso casos[] = {
-        {O_RDWR, Compartir::Nada, 70},
-        {O_RDWR, Compartir::Todo, 70},  // as the terminals' own program holds it
-        {O_RDONLY, Compartir::Nada, 70},
-        {O_RDONLY, Compartir::Todo, 0},
+        {O_RDWR, Compartir::Nada, 70, u".mdb"_s},
+        {O_RDWR, Compartir::Todo, 70, u".mdb"_s},  // as the terminals' own program holds it
+        {O_RDONLY, Compartir::Nada, 70, u".mdb"_s},
+        {O_RDONLY, Compartir::Todo, 0, u".mdb"_s},
+        {O_RDWR | O_CREAT, Compartir::Todo, 70, u".ldb"_s},
+        {O_RDWR | O_CREAT, Compartir::Nada, 70, u".ldb"_s},
     };
-    const auto ruta = RutaRed::Leer(kRemoto);
-    ASSERT_TRUE(ruta);
-    const auto otro = OtroCliente(*ruta);
+    const auto base = RutaRed::Leer(kRemoto);
+    ASSERT_TRUE(base);
+    const auto otro = OtroCliente(*base);
     ASSERT_NE(otro, nullptr);
     for (const Caso& caso : casos) {
+        const RutaRed ruta = base->ConExtension(caso.extension);
         EscribirArchivo(Servida(u"Quimo_Terminal.mdb"_s), "vieja");
         const QString resto = Servida(u"Quimo_Terminal.mdb.parcial"_s);
         EscribirArchivo(resto, "resto de otra vez");
         {
-            const auto abierto = otro->AbrirArchivo(*ruta, caso.modo, caso.compartir);
+            const auto abierto = otro->AbrirArchivo(ruta, caso.modo, caso.compartir);
             ASSERT_TRUE(abierto);
             EXPECT_EQ(NumeroDe(share_->Traer(kRemoto, Local())), caso.traer);
-            EXPECT_EQ(NumeroDe(share_->Llevar(Nueva(), kRemoto)), 70);
+            EXPECT_EQ(NumeroDe(Llevar(kRemoto)), 70);
             EXPECT_TRUE(share_->Existe(kRemoto).has_value());
         }
         EXPECT_EQ(LeerArchivo(Servida(u"Quimo_Terminal.mdb"_s)), "vieja");
         EXPECT_EQ(LeerArchivo(resto), "resto de otra vez") << "nothing was written before the 70";
-        EXPECT_EQ(NumeroDe(share_->Llevar(Nueva(), kRemoto)), 0);
+        EXPECT_EQ(NumeroDe(Llevar(kRemoto)), 0) << "nobody has it open, also when an .ldb is left";
         EXPECT_EQ(LeerArchivo(Servida(u"Quimo_Terminal.mdb"_s)), "nueva");
+        QFile::remove(Servida(u"Quimo_Terminal.ldb"_s));
         EXPECT_EQ(EnLaCarpeta(), QStringList{u"Quimo_Terminal.mdb"_s});
     }
 }
@@ -249,10 +259,49 @@ TEST_F(SmbShareTest, LoQueDejoUnReemplazoInterrumpidoSeArregla) {
                 EXPECT_EQ(LeerArchivo(Local()), caso.se_trae) << caso.nombre.toStdString();
             }
             EscribirArchivo(Nueva(), "otra");
-            ASSERT_EQ(NumeroDe(share_->Llevar(Nueva(), kRemoto)), 0) << caso.nombre.toStdString();
+            ASSERT_EQ(NumeroDe(Llevar(kRemoto)), 0) << caso.nombre.toStdString();
             EXPECT_EQ(LeerArchivo(Servida(base)), "otra");
             EXPECT_EQ(EnLaCarpeta(), QStringList{base}) << caso.nombre.toStdString();
         }
+    }
+}
+
+TEST_F(SmbShareTest, LoQueSeVendeHastaElUltimoMomentoNoSeReemplaza) {
+    const QString base = Servida(u"Quimo_Terminal.mdb"_s);
+    const QString resumen = pruebas::Sha256De("vieja");
+    struct Caso {
+        const char* nombre;
+        QByteArray antes;  // empty: no file
+        QString esperado;
+        std::function<void()> mientras;  // while the new file is sent
+        int numero;
+        QByteArray queda;
+    };
+    const Caso casos[] = {
+        {"nadie vende", "vieja", resumen, {}, 0, "nueva"},
+        {"vende", "vieja", resumen, [&] { EscribirArchivo(base, "viejaY"); }, 3197, "viejaY"},
+        {"cambia sin crecer", "vieja", resumen, [&] { EscribirArchivo(base, "viejA"); }, 3197,
+         "viejA"},
+        {"vendió antes", "viejaX", resumen, {}, 3197, "viejaX"},
+        {"desaparece", "vieja", resumen, [&] { QFile::remove(base); }, 53, "no está"},
+        {"no había", {}, QString(), {}, 0, "nueva"},
+        {"aparece", {}, QString(), [&] { EscribirArchivo(base, "otra"); }, 3197, "otra"},
+        {"había", "vieja", QString(), {}, 3197, "vieja"},
+        {"ya no hay", {}, resumen, {}, 3197, "no está"},
+    };
+    for (const Caso& caso : casos) {
+        QFile::remove(base);
+        if (!caso.antes.isEmpty()) EscribirArchivo(base, caso.antes);
+        bool completa = true;
+        share_->antes_de_reemplazar = [&] {
+            completa = LeerArchivo(base + u".parcial"_s) == "nueva";
+            if (caso.mientras) caso.mientras();
+        };
+        EXPECT_EQ(NumeroDe(share_->Llevar(Nueva(), kRemoto, caso.esperado)), caso.numero)
+            << caso.nombre;
+        EXPECT_TRUE(completa) << caso.nombre;
+        EXPECT_EQ(LeerArchivo(base), caso.queda) << caso.nombre;
+        EXPECT_LE(EnLaCarpeta().size(), 1) << EnLaCarpeta().join(u' ').toStdString();
     }
 }
 
@@ -266,7 +315,7 @@ TEST_F(SmbShareTest, UnEquipoQueSeReinicioEntretantoSigueContestando) {
             QUIMO_TRY_VOID(share_->Traer(kRemoto, Local()));
             return {};
         },
-        [&] { return share_->Llevar(Nueva(), kRemoto); },
+        [&] { return Llevar(kRemoto); },
     };
     for (const auto& operacion : operaciones) {
         for (const bool todo : {false, true}) {
@@ -337,8 +386,7 @@ TEST_F(SmbShareTest, UnEnvioQueSeRompeDejaElAnteriorYElSiguienteLlega) {
         ASSERT_TRUE(hueco.open(QIODevice::WriteOnly) && hueco.resize(qint64{1} << 30));
         hueco.close();
         CuandoCrezca vigia(parcial, 1 << 20, caso.accion);
-        EXPECT_EQ(NumeroDe(share_->Llevar(Nueva(), remoto)), caso.numero)
-            << caso.nombre.toStdString();
+        EXPECT_EQ(NumeroDe(Llevar(remoto)), caso.numero) << caso.nombre.toStdString();
         EXPECT_TRUE(vigia.Corrio()) << caso.nombre.toStdString();
         EXPECT_EQ(LeerArchivo(Servida(u"Quimo_Terminal.mdb"_s)), "vieja");
         EXPECT_EQ(QFile::exists(parcial), caso.numero == 52) << "cleaned where it could be";
@@ -347,7 +395,7 @@ TEST_F(SmbShareTest, UnEnvioQueSeRompeDejaElAnteriorYElSiguienteLlega) {
             ASSERT_TRUE(servidor_->Arrancar());
         }
         EscribirArchivo(Nueva(), "nueva");
-        const auto llevado = share_->Llevar(Nueva(), remoto);
+        const auto llevado = Llevar(remoto);
         EXPECT_EQ(NumeroDe(llevado), 0) << caso.nombre.toStdString();
         EXPECT_EQ(LeerArchivo(Servida(u"Quimo_Terminal.mdb"_s)), "nueva");
         EXPECT_EQ(EnLaCarpeta(), QStringList{u"Quimo_Terminal.mdb"_s});
