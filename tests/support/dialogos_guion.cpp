@@ -1,5 +1,7 @@
 #include "support/dialogos_guion.h"
 
+#include <algorithm>
+
 #include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
@@ -19,6 +21,16 @@ void DialogosGuion::Responder(const QString& texto, Respuesta respuesta,
     previstas_.append({texto, respuesta, std::move(antes)});
 }
 
+void DialogosGuion::ResponderSi(const QStringList& contiene, Respuesta respuesta) {
+    previstas_.append({contiene.join(u'|'), respuesta, {}, contiene});
+}
+
+bool DialogosGuion::Prevista::Es(const QString& pregunta) const {
+    if (contiene.isEmpty()) return pregunta == texto;
+    return std::all_of(contiene.begin(), contiene.end(),
+                       [&](const QString& parte) { return pregunta.contains(parte); });
+}
+
 void DialogosGuion::Avisar(const QString& texto, Icono icono, const QString& titulo) {
     static const QStringList kIconos = {u"-"_s, u"i"_s, u"!"_s, u"x"_s, u"?"_s};
     mostrados_ << u"["_s + kIconos[static_cast<qsizetype>(icono)] + u"] "_s + titulo + u'|' + texto;
@@ -26,7 +38,8 @@ void DialogosGuion::Avisar(const QString& texto, Icono icono, const QString& tit
 
 Respuesta DialogosGuion::Preguntar(const QString& texto, foundation::Botones /*botones*/,
                                    Icono /*icono*/, const QString& /*titulo*/) {
-    if (previstas_.isEmpty() || previstas_.first().texto != texto) {
+    preguntas_ << texto;
+    if (previstas_.isEmpty() || !previstas_.first().Es(texto)) {
         ADD_FAILURE() << "a question that nobody planned: " << texto.toStdString();
         return Respuesta::Cancelar;
     }

@@ -23,6 +23,10 @@ public:
     /// The next question must have this text and gets this answer; `antes` runs before it is given.
     void Responder(const QString& texto, foundation::Respuesta respuesta,
                    std::function<void()> antes = {});
+    /// The same for a long text: the question must contain all of these.
+    void ResponderSi(const QStringList& contiene, foundation::Respuesta respuesta);
+    /// The questions that were asked, in order.
+    const QStringList& Preguntas() const { return preguntas_; }
     const QStringList& Mostrados() const { return mostrados_; }
     void Olvidar() { mostrados_.clear(); }
 
@@ -40,9 +44,13 @@ private:
         QString texto;
         foundation::Respuesta respuesta;
         std::function<void()> antes;
+        QStringList contiene = {};
+
+        bool Es(const QString& pregunta) const;
     };
     QVector<Prevista> previstas_;
     QStringList mostrados_;
+    QStringList preguntas_;
     int ocupado_ = 0;
     int eventos_ = 0;
 };

@@ -24,45 +24,13 @@ QString Fecha(Restaurante& restaurante) {
         u"SELECT Valor_Cad FROM Parametros WHERE ID_Parametro='FECHA_TRABAJO'"_s);
 }
 
-void EsperarDiaCerrado(Restaurante& restaurante) {
-    EXPECT_EQ(DiferenciasCentrales(restaurante), QStringList());
-    for (const QString& nombre : {u"CAJA1"_s, u"CAJA2"_s, u"BARRA"_s}) {
-        EXPECT_EQ(DiferenciasDeTerminal(restaurante.Terminal(nombre), nombre), QStringList());
-    }
-    EXPECT_EQ(Fecha(restaurante), u"15112026"_s);
-    const auto folio = [&](const QString& clave) {
-        return restaurante
-            .Valor(u"SELECT Valor_Num FROM Parametros WHERE ID_Parametro='"_s + clave + u'\'')
-            .toDouble();
-    };
-    EXPECT_EQ(folio(u"FOLIOPAGO"_s), 94591);
-    EXPECT_EQ(folio(u"FOLIOCOMANDA"_s), 51171);
-    for (const QString& cola : {u"Transacciones"_s, u"TransaccionesXTerminal"_s,
-                                u"Control_Paquetes"_s, u"Cierre_Pendiente"_s, u"Cierre_Avance"_s}) {
-        EXPECT_EQ(restaurante.Valor(u"SELECT COUNT(*) FROM "_s + cola), u"0"_s)
-            << cola.toStdString();
-    }
-}
-
-/// The archived files of one terminal, by name.
-QStringList Archivados(const Restaurante& restaurante, const QString& terminal) {
-    return QDir(restaurante.Programa() + u"/archivo/14112026/"_s + terminal)
-        .entryList({u"*.mdb"_s}, QDir::Files, QDir::Name);
-}
-
-QByteArray Bytes(const QString& ruta) {
-    QFile archivo(ruta);
-    EXPECT_TRUE(archivo.open(QIODevice::ReadOnly)) << ruta.toStdString();
-    return archivo.readAll();
-}
-
 TEST(FinDeDia, CierraElDiaYCerrarloOtraVezNoCambiaVentas) {
     Restaurante restaurante;
     const QByteArray vendido = Bytes(restaurante.Terminal(u"CAJA1"_s));
     ASSERT_EQ(restaurante.Cerrar(), Desenlace::Terminado);
     EXPECT_EQ(restaurante.dialogos.Mostrados(), QStringList{kTerminado});
     EsperarDiaCerrado(restaurante);
-    EXPECT_EQ(Archivados(restaurante, u"CAJA1"_s), QStringList{u"Quimo_Terminal-1.mdb"_s});
+    EXPECT_EQ(restaurante.Archivados(u"CAJA1"_s), QStringList{u"Quimo_Terminal-1.mdb"_s});
     EXPECT_EQ(Bytes(restaurante.Programa() + u"/archivo/14112026/CAJA1/Quimo_Terminal-1.mdb"_s),
               vendido);
 
@@ -71,7 +39,7 @@ TEST(FinDeDia, CierraElDiaYCerrarloOtraVezNoCambiaVentas) {
         u"UPDATE Parametros SET Valor_Cad='14112026' WHERE ID_Parametro='FECHA_TRABAJO'"_s);
     ASSERT_EQ(restaurante.Cerrar(), Desenlace::Terminado);
     EXPECT_EQ(Ventas(restaurante), ventas);
-    EXPECT_EQ(Archivados(restaurante, u"CAJA1"_s),
+    EXPECT_EQ(restaurante.Archivados(u"CAJA1"_s),
               (QStringList{u"Quimo_Terminal-1.mdb"_s, u"Quimo_Terminal-2.mdb"_s}));
     EXPECT_EQ(Bytes(restaurante.Programa() + u"/archivo/14112026/CAJA1/Quimo_Terminal-1.mdb"_s),
               vendido);
@@ -85,10 +53,7 @@ TEST(FinDeDia, LaOrdenAbiertaSeActualizaConCierreAMedianoche) {
     ASSERT_EQ(restaurante.Cerrar(), Desenlace::Terminado);
     EXPECT_EQ(restaurante.Valor(u"SELECT Fecha_Cierre FROM Comanda WHERE ID_Comanda=50937"_s),
               u"14/11/2026 11:34:15"_s);
-    QFile archivo(caja);
-    ASSERT_TRUE(archivo.open(QIODevice::WriteOnly));
-    ASSERT_EQ(archivo.write(vendido), vendido.size());
-    archivo.close();
+    PonerBytes(caja, vendido);
     restaurante.Mandar(
         u"UPDATE Parametros SET Valor_Cad='14112026' WHERE ID_Parametro='FECHA_TRABAJO'"_s);
     restaurante.Mandar(
@@ -153,7 +118,7 @@ TEST(FinDeDia, UnaTerminalInalcanzableSePregunta) {
         EXPECT_EQ(Fecha(restaurante), u"15112026"_s) << caso.nombre;
         // Its sales were not copied, but what was replaced is in the archive.
         if (caso.respuesta == Respuesta::Reintentar) {
-            EXPECT_EQ(Archivados(restaurante, u"CAJA2"_s).size(), 1) << caso.nombre;
+            EXPECT_EQ(restaurante.Archivados(u"CAJA2"_s).size(), 1) << caso.nombre;
         }
     }
 }
@@ -259,9 +224,7 @@ struct CasoMalo {
 void Reescribir(const QString& ruta, const std::function<void(QByteArray&)>& cambio) {
     QByteArray bytes = Bytes(ruta);
     cambio(bytes);
-    QFile archivo(ruta);
-    ASSERT_TRUE(archivo.open(QIODevice::WriteOnly));
-    ASSERT_EQ(archivo.write(bytes), bytes.size());
+    PonerBytes(ruta, bytes);
 }
 
 TEST(FinDeDia, LaEntradaMalaTerminaConMensajeYSinNadaAMedias) {

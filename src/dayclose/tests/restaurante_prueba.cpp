@@ -117,8 +117,13 @@ ResultadoArchivo<Copiado> ShareConFallas::Traer(const QString& remoto, const QSt
 
 ResultadoArchivo<void> ShareConFallas::Llevar(const QString& local, const QString& remoto,
                                               const QString& esperado) {
-    if (auto falla = Falla(Operacion::Llevar, remoto)) return *falla;
+    auto falla = Falla(Operacion::Llevar, remoto);
     real_.antes_de_reemplazar = antes_de_reemplazar;
+    if (falla && falla->numero > kDespues) {
+        QUIMO_TRY_VOID(real_.Llevar(local, remoto, esperado));
+        return FalloDeNumero(falla->numero - kDespues, remoto);
+    }
+    if (falla) return *falla;
     return real_.Llevar(local, remoto, esperado);
 }
 
@@ -134,17 +139,19 @@ Restaurante::Restaurante() : share(carpeta_.filePath(u"red"_s)) {
         QFile(destino).setPermissions(QFile::ReadOwner | QFile::WriteOwner);
     }
     EXPECT_TRUE(QFile::copy(CentralDeAntes(), ArchivoCentral()));
+    opciones.pausa_ms = 0;
+    opciones.quien = u"gerente en SERVIDOR"_s;
     Reconectar();
 }
 
 QString Restaurante::Terminal(const QString& nombre) const {
-    return carpeta_.filePath(u"red/"_s + nombre + u"/quimo/Quimo_Terminal.mdb"_s);
+    return raiz_ + u"/red/"_s + nombre + u"/quimo/Quimo_Terminal.mdb"_s;
 }
 
 void Restaurante::Reconectar() {
     ado_.reset();
     foundation::OpcionesBitacora opciones;
-    opciones.PArchivoLog = carpeta_.filePath(u"QUIMO.log"_s);
+    opciones.PArchivoLog = raiz_ + u"/QUIMO.log"_s;
     opciones.PMsgBox = false;
     bitacora_ = std::make_unique<foundation::ClsBitacora>(opciones, dialogos, reloj);
     ado_ = std::make_unique<foundation::ClsAdo>(foundation::CrearConector(reloj), dialogos,
@@ -173,10 +180,60 @@ void Restaurante::Mandar(const QString& sentencia) {
 }
 
 FinDeDia::Desenlace Restaurante::Cerrar() {
-    FinDeDia proceso(*ado_, share, reloj, Programa());
+    FinDeDia proceso(*ado_, share, reloj, Programa(), opciones);
     const FinDeDia::Desenlace desenlace = proceso.Ejecutar();
     resumen_ = proceso.Resumen();
     return desenlace;
+}
+
+void Restaurante::Usar(const Restaurante& otro) {
+    raiz_ = otro.raiz_;
+    Reconectar();
+}
+
+TrabajoTerminal Restaurante::Trabajo() {
+    return TrabajoTerminal(*ado_, share, reloj, Programa(), opciones);
+}
+
+QString Restaurante::EnArchivo(const QString& terminal, int version) const {
+    return Programa() + u"/archivo/14112026/%1/Quimo_Terminal-%2.mdb"_s.arg(terminal).arg(version);
+}
+
+QStringList Restaurante::Archivados(const QString& terminal) const {
+    return QDir(Programa() + u"/archivo/14112026/"_s + terminal)
+        .entryList({u"*.mdb"_s}, QDir::Files, QDir::Name);
+}
+
+QByteArray Bytes(const QString& ruta) {
+    QFile archivo(ruta);
+    EXPECT_TRUE(archivo.open(QIODevice::ReadOnly)) << ruta.toStdString();
+    return archivo.readAll();
+}
+
+void PonerBytes(const QString& ruta, const QByteArray& bytes) {
+    QFile archivo(ruta);
+    ASSERT_TRUE(archivo.open(QIODevice::WriteOnly)) << ruta.toStdString();
+    ASSERT_EQ(archivo.write(bytes), bytes.size());
+}
+
+void EsperarDiaCerrado(Restaurante& restaurante) {
+    EXPECT_EQ(DiferenciasCentrales(restaurante), QStringList());
+    for (const QString& nombre : {u"CAJA1"_s, u"CAJA2"_s, u"BARRA"_s}) {
+        EXPECT_EQ(DiferenciasDeTerminal(restaurante.Terminal(nombre), nombre), QStringList());
+        EXPECT_FALSE(QFile::exists(restaurante.Programa() + u'/' + nombre + u"/Quimo_Terminal.mdb"_s));
+    }
+    const auto parametro = [&](const QString& clave, const QString& columna) {
+        return restaurante.Valor(u"SELECT "_s + columna +
+                                 u" FROM Parametros WHERE ID_Parametro='"_s + clave + u'\'');
+    };
+    EXPECT_EQ(parametro(u"FECHA_TRABAJO"_s, u"Valor_Cad"_s), u"15112026"_s);
+    EXPECT_EQ(parametro(u"FOLIOPAGO"_s, u"Valor_Num"_s).toDouble(), 94591);
+    EXPECT_EQ(parametro(u"FOLIOCOMANDA"_s, u"Valor_Num"_s).toDouble(), 51171);
+    for (const QString& cola : {u"Transacciones"_s, u"TransaccionesXTerminal"_s,
+                                u"Control_Paquetes"_s, u"Cierre_Pendiente"_s, u"Cierre_Avance"_s}) {
+        EXPECT_EQ(restaurante.Valor(u"SELECT COUNT(*) FROM "_s + cola), u"0"_s)
+            << cola.toStdString();
+    }
 }
 
 QJsonObject LeerJson(const QString& ruta) {

@@ -10,6 +10,7 @@
 
 #include "dayclose/carpeta_share.h"
 #include "dayclose/fin_de_dia.h"
+#include "dayclose/trabajo_terminal.h"
 #include "foundation/cls_ado.h"
 #include "support/dialogos_guion.h"
 
@@ -19,7 +20,9 @@ namespace quimo::dayclose::pruebas {
 class ShareConFallas final : public TerminalShare {
 public:
     enum class Operacion { Existe, Traer, Llevar };
-    /// The number of the failure for an operation on a remote file, 0 for none.
+    /// The number of the failure for an operation on a remote file, 0 for none; kDespues and the
+    /// number: the operation is done, and fails all the same.
+    static constexpr int kDespues = 1000;
     using Plan = std::function<int(Operacion, const QString& remoto)>;
 
     explicit ShareConFallas(const QString& raiz) : real_(raiz) {}
@@ -43,27 +46,36 @@ private:
 /// the three terminals' shares.
 class Restaurante {
     QTemporaryDir carpeta_;  // before the ports, which live in it
+    QString raiz_ = carpeta_.path();
 
 public:
     Restaurante();
 
-    QString Raiz() const { return carpeta_.path(); }
-    QString Programa() const { return carpeta_.filePath(QStringLiteral("dir")); }
+    QString Raiz() const { return raiz_; }
+    QString Programa() const { return raiz_ + QStringLiteral("/dir"); }
     QString Terminal(const QString& nombre) const;
-    QString ArchivoCentral() const { return carpeta_.filePath(QStringLiteral("central.db")); }
+    QString ArchivoCentral() const { return raiz_ + QStringLiteral("/central.db"); }
 
     /// A new connection, as after a start of the program.
     void Reconectar();
+    /// From now on the other restaurant's database, folder and terminals, as a second program there.
+    void Usar(const Restaurante& otro);
     foundation::ClsAdo& Ado() { return *ado_; }
     QVector<foundation::Fila> Filas(const QString& consulta);
     QString Valor(const QString& consulta);
     void Mandar(const QString& sentencia);
     FinDeDia::Desenlace Cerrar();
     const ResumenCierre& Resumen() const { return resumen_; }
+    /// Work on one terminal outside of a close.
+    TrabajoTerminal Trabajo();
+    /// The archived files of one terminal on the recorded day, by name.
+    QStringList Archivados(const QString& terminal) const;
+    QString EnArchivo(const QString& terminal, int version) const;
 
     quimo::pruebas::DialogosGuion dialogos;
     quimo::pruebas::RelojFijo reloj;
     ShareConFallas share;
+    OpcionesCierre opciones;  ///< of the next close; nothing is waited for
 
 private:
     std::unique_ptr<foundation::ClsBitacora> bitacora_;
@@ -79,6 +91,12 @@ QStringList DiferenciasDeTerminal(const QString& archivo, const QString& nombre)
 
 /// How the central sales tables differ from the recorded ones.
 QStringList DiferenciasCentrales(Restaurante& restaurante);
+
+/// The recorded day is closed, whole and without a rest.
+void EsperarDiaCerrado(Restaurante& restaurante);
+
+QByteArray Bytes(const QString& ruta);
+void PonerBytes(const QString& ruta, const QByteArray& bytes);
 
 /// All sales rows as text, table by table, to compare before and after.
 QStringList Ventas(Restaurante& restaurante);
