@@ -1,5 +1,7 @@
 #include "app/resumen_cierre.h"
 
+#include <optional>
+
 #include "app/consola.h"
 #include "dayclose/reunion.h"
 #include "foundation/parametros.h"
@@ -37,12 +39,15 @@ QStringList Celdas(const ValoresCifras& valores, const Concepto& concepto) {
             concepto.con_total ? Importe(valores.totales[lugar]) : QString()};
 }
 
-ValoresCifras Suma(const ResumenCierre& resumen) {
+/// The terminals' figures together; nothing when an amount does not fit.
+std::optional<ValoresCifras> Suma(const ResumenCierre& resumen) {
     ValoresCifras suma;
     for (const TerminalContada& contada : resumen.contadas) {
         for (std::size_t i = 0; i < dayclose::kCifras; ++i) {
             suma.registros[i] += contada.cifras.registros[i];
-            suma.totales[i] += contada.cifras.totales[i];
+            const auto total = suma.totales[i].Mas(contada.cifras.totales[i]);
+            if (!total) return std::nullopt;
+            suma.totales[i] = *total;
         }
     }
     return suma;
@@ -96,17 +101,20 @@ dayclose::ResultadoCierre<ValoresCifras> TotalesDelDia(foundation::ClsAdo& ado,
 }
 
 void EscribirTotales(const ResumenCierre& resumen, const ValoresCifras& central) {
-    const ValoresCifras terminales = Suma(resumen);
-    const bool se_comparan = !resumen.contadas.isEmpty();
+    const std::optional<ValoresCifras> terminales = Suma(resumen);
+    if (!terminales) {
+        EscribirError(u"Los importes de las terminales no caben juntos en una suma."_s);
+    }
+    const bool se_comparan = terminales && !resumen.contadas.isEmpty();
     QStringList titulos = {u"Totales del día"_s, u"Central"_s, QString()};
     QVector<bool> derecha = {false, true, true, true, true, false};
     if (se_comparan) titulos << u"Terminales"_s << QString() << QString();
     QVector<QStringList> filas;
     for (const Concepto& concepto : kConceptos) {
         const QStringList en_central = Celdas(central, concepto);
-        const QStringList en_terminales = Celdas(terminales, concepto);
         QStringList fila = QStringList{QString::fromUtf16(concepto.nombre)} + en_central;
         if (se_comparan) {
+            const QStringList en_terminales = Celdas(*terminales, concepto);
             fila += en_terminales;
             fila << (en_central == en_terminales ? u"coinciden"_s : u"difieren"_s);
         }
