@@ -8,6 +8,7 @@
 #include "dayclose/interrupcion.h"
 #include "dayclose/tablas_ventas.h"
 #include "dayclose/terminal_share.h"
+#include "dayclose/transferencia.h"
 #include "foundation/cls_ado.h"
 #include "foundation/reloj.h"
 
@@ -18,14 +19,6 @@ struct Terminal {
     int id = 0;
     QString nombre;
     int menu = 0;
-};
-
-/// What was copied of one table of one terminal.
-struct TablaCopiada {
-    QString terminal;
-    QString tabla;
-    qint64 insertadas = 0;
-    qint64 modificadas = 0;
 };
 
 /// What one terminal's file held when it was counted.

@@ -8,10 +8,10 @@
 
 namespace quimo::dayclose {
 
-/// Why a close did not reach its end: the user chose to abort, or an error that has no other
-/// answer. Nothing that was done is undone.
+/// Why a close did not reach its end: the user chose to abort, or stopped it while it was at work,
+/// or an error that has no other answer. Nothing that was done is undone.
 struct Interrupcion {
-    enum class Motivo { Abortado, Error };
+    enum class Motivo { Abortado, Error, Detenido };
     Motivo motivo = Motivo::Error;
     qint64 numero = 0;
     QString descripcion = {};
