@@ -1,5 +1,7 @@
 #include "app/resumen_cierre.h"
 
+#include <optional>
+
 #include "app/consola.h"
 #include "dayclose/resumen_cierre.h"
 #include "dayclose/reunion.h"

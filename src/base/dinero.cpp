@@ -36,6 +36,8 @@ std::int64_t DividirRedondeando(std::int64_t valor, std::int64_t divisor) {
 std::optional<Dinero> Dinero::DeTexto(std::string_view texto) {
     const bool negativo = !texto.empty() && texto.front() == '-';
     if (!texto.empty() && (negativo || texto.front() == '+')) texto.remove_prefix(1);
+    // Towards the sign: there is one more below zero than above it.
+    const int signo = negativo ? -1 : 1;
     std::int64_t total = 0;
     int decimales = -1;
     bool hay_digitos = false;
@@ -54,14 +56,14 @@ std::optional<Dinero> Dinero::DeTexto(std::string_view texto) {
         if (decimales > kDecimales) continue;
         if (decimales >= 0) ++decimales;
         if (__builtin_mul_overflow(total, 10, &total)) return std::nullopt;
-        if (__builtin_add_overflow(total, c - '0', &total)) return std::nullopt;
+        if (__builtin_add_overflow(total, signo * (c - '0'), &total)) return std::nullopt;
     }
     if (!hay_digitos) return std::nullopt;
     for (int i = decimales < 0 ? 0 : decimales; i < kDecimales; ++i) {
         if (__builtin_mul_overflow(total, 10, &total)) return std::nullopt;
     }
-    if (subir && __builtin_add_overflow(total, 1, &total)) return std::nullopt;
-    return DeDiezmilesimas(negativo ? -total : total);
+    if (subir && __builtin_add_overflow(total, signo, &total)) return std::nullopt;
+    return DeDiezmilesimas(total);
 }
 
 std::string Dinero::ATexto() const {
@@ -82,22 +84,40 @@ std::string Dinero::AMoneda() const {
     return (diezmilesimas_ < 0 && centavos != 0 ? "-$" : "$") + entero + "." + decimales;
 }
 
-Dinero Dinero::operator+(Dinero otro) const {
+std::optional<Dinero> Dinero::Mas(Dinero otro) const {
     std::int64_t suma = 0;
-    QUIMO_CHECK(!__builtin_add_overflow(diezmilesimas_, otro.diezmilesimas_, &suma));
+    if (__builtin_add_overflow(diezmilesimas_, otro.diezmilesimas_, &suma)) return std::nullopt;
     return DeDiezmilesimas(suma);
 }
 
-Dinero Dinero::operator-(Dinero otro) const {
+std::optional<Dinero> Dinero::Menos(Dinero otro) const {
     std::int64_t resta = 0;
-    QUIMO_CHECK(!__builtin_sub_overflow(diezmilesimas_, otro.diezmilesimas_, &resta));
+    if (__builtin_sub_overflow(diezmilesimas_, otro.diezmilesimas_, &resta)) return std::nullopt;
     return DeDiezmilesimas(resta);
 }
 
-Dinero Dinero::operator*(std::int64_t veces) const {
+std::optional<Dinero> Dinero::Por(std::int64_t veces) const {
     std::int64_t producto = 0;
-    QUIMO_CHECK(!__builtin_mul_overflow(diezmilesimas_, veces, &producto));
+    if (__builtin_mul_overflow(diezmilesimas_, veces, &producto)) return std::nullopt;
     return DeDiezmilesimas(producto);
+}
+
+Dinero Dinero::operator+(Dinero otro) const {
+    const auto suma = Mas(otro);
+    QUIMO_CHECK(suma.has_value());
+    return *suma;
+}
+
+Dinero Dinero::operator-(Dinero otro) const {
+    const auto resta = Menos(otro);
+    QUIMO_CHECK(resta.has_value());
+    return *resta;
+}
+
+Dinero Dinero::operator*(std::int64_t veces) const {
+    const auto producto = Por(veces);
+    QUIMO_CHECK(producto.has_value());
+    return *producto;
 }
 
 Dinero Dinero::Fraccion(std::int64_t diezmilesimas) const {

@@ -9,8 +9,9 @@
 namespace quimo::base {
 
 /// An amount of money, exact to the ten-thousandth, as the database's MONEY and the terminals'
-/// Currency keep it. Sums that leave the range (about 922 million million) end the program: a wrong
-/// total is never shown.
+/// Currency keep it. The operators end the program when a result leaves the range (about 922
+/// million million), so that a wrong total is never shown: they are for amounts that this program
+/// made. Amounts from outside are added with Mas and its like, which say so instead.
 class Dinero {
 public:
     constexpr Dinero() = default;
@@ -32,6 +33,11 @@ public:
     std::string ATexto() const;
     /// Two decimals, thousands apart, for people: "$1,234.50".
     std::string AMoneda() const;
+
+    /// The result, or nothing when it does not fit.
+    std::optional<Dinero> Mas(Dinero otro) const;
+    std::optional<Dinero> Menos(Dinero otro) const;
+    std::optional<Dinero> Por(std::int64_t veces) const;
 
     Dinero operator+(Dinero otro) const;
     Dinero operator-(Dinero otro) const;

@@ -1,9 +1,5 @@
 #include "dayclose/base_terminal.h"
 
-#include <algorithm>
-
-#include <QDateTime>
-
 #include "foundation/valores.h"
 #include "jet/verificador.h"
 
@@ -22,12 +18,11 @@ Interrupcion ValorInservible(const QString& cual) {
 ResultadoCierre<QString> LiteralDeFecha(const jet::Fecha& fecha, Forma forma) {
     const auto civil = fecha.ACivil();
     if (!civil) return ValorInservible(u"La terminal guarda una fecha imposible."_s);
-    const QDateTime momento(QDate(civil->ano, civil->mes, civil->dia),
-                            QTime(civil->hora, civil->minuto, civil->segundo), Qt::UTC);
-    QString texto = foundation::FechaHoraSql(momento);
-    if (forma == Forma::FechaMedianoche) texto = texto.left(11) + u"00:00:00"_s;
-    if (forma == Forma::FechaMinutosDoble) texto = texto.left(17) + texto.mid(14, 2);
-    return u'\'' + texto + u'\'';
+    const bool sin_hora = forma == Forma::FechaMedianoche;
+    const int segundo = forma == Forma::FechaMinutosDoble ? civil->minuto : civil->segundo;
+    return QString::asprintf("'%02d/%02d/%04d %02d:%02d:%02d'", civil->dia, civil->mes, civil->ano,
+                             sin_hora ? 0 : civil->hora, sin_hora ? 0 : civil->minuto,
+                             sin_hora ? 0 : segundo);
 }
 
 QString Crudo(const jet::Valor& valor) {
@@ -138,44 +133,110 @@ ResultadoCierre<ValoresCifras> BaseTerminal::Contar() const {
                                        QString::fromUtf16(cifra.columna_total) +
                                        u" no es de moneda."_s);
             }
-            valores.totales[lugar] += *monto;
+            const auto suma = valores.totales[lugar].Mas(*monto);
+            if (!suma) {
+                return ValorInservible(Sobre() + u": tabla "_s + QString::fromUtf16(cifra.tabla) +
+                                       u", columna "_s + QString::fromUtf16(cifra.columna_total) +
+                                       u": la suma de los importes no cabe."_s);
+            }
+            valores.totales[lugar] = *suma;
         }
     }
     return valores;
 }
 
-ResultadoCierre<QString> BaseTerminal::Renglon::Literal(const char16_t* columna,
-                                                        Forma forma) const {
-    const auto lugar = std::find_if(lugares_->begin(), lugares_->end(),
-                                    [&](const auto& par) { return par.first == columna; });
-    QUIMO_CHECK(lugar != lugares_->end());
-    return LiteralDeTerminal((*fila_)[lugar->second], forma);
+/// Where the columns of a declared table stand in the terminal's rows, list by list.
+struct BaseTerminal::Renglon::Lugares {
+    const DefCopia* copia = nullptr;
+    QString sobre;
+    std::vector<std::size_t> clave = {};
+    std::vector<std::size_t> modificar = {};
+    std::vector<std::size_t> insertar = {};
+    std::vector<jet::TipoColumna> tipos = {};
+
+    ResultadoCierre<QString> Literal(const jet::Valor& valor, const char16_t* columna,
+                                     Forma forma) const {
+        auto literal = LiteralDeTerminal(valor, forma);
+        if (literal) return literal;
+        Interrupcion fallo = std::move(literal).error();
+        fallo.descripcion = sobre + u": tabla "_s + QString::fromUtf16(copia->tabla) +
+                            u", columna "_s + QString::fromUtf16(columna) + u": "_s +
+                            fallo.descripcion;
+        return fallo;
+    }
+};
+
+const jet::Valor& BaseTerminal::Renglon::Clave(std::size_t i) const {
+    return (*fila_)[lugares_->clave[i]];
 }
 
-ResultadoCierre<void> BaseTerminal::Recorrer(const DefCopia& copia, const Visita& visitar) const {
-    QUIMO_TRY(const jet::Tabla tabla, Tabla(copia.tabla));
-    std::vector<std::pair<const char16_t*, std::size_t>> lugares;
-    const auto agregar = [&](const char16_t* columna) -> ResultadoCierre<void> {
+const jet::Valor& BaseTerminal::Renglon::AlInsertar(std::size_t i) const {
+    return (*fila_)[lugares_->insertar[i]];
+}
+
+jet::TipoColumna BaseTerminal::Renglon::TipoAlInsertar(std::size_t i) const {
+    return lugares_->tipos[i];
+}
+
+ResultadoCierre<QString> BaseTerminal::Renglon::LiteralDeClave(std::size_t i) const {
+    return lugares_->Literal(Clave(i), lugares_->copia->clave[i], Forma::Numero);
+}
+
+ResultadoCierre<QString> BaseTerminal::Renglon::LiteralAlModificar(std::size_t i) const {
+    const CampoCopia& campo = lugares_->copia->al_modificar[i];
+    return lugares_->Literal((*fila_)[lugares_->modificar[i]], campo.columna, campo.forma);
+}
+
+ResultadoCierre<QString> BaseTerminal::Renglon::LiteralAlInsertar(std::size_t i) const {
+    return LiteralAlInsertar(i, lugares_->copia->al_insertar[i].forma);
+}
+
+ResultadoCierre<QString> BaseTerminal::Renglon::LiteralAlInsertar(std::size_t i,
+                                                                  Forma forma) const {
+    return lugares_->Literal(AlInsertar(i), lugares_->copia->al_insertar[i].columna, forma);
+}
+
+ResultadoCierre<BaseTerminal::Renglon::Lugares> BaseTerminal::LugaresDe(
+    const DefCopia& copia, const jet::Tabla& tabla) const {
+    Renglon::Lugares lugares{&copia, Sobre()};
+    for (const char16_t* columna : copia.clave) {
         QUIMO_TRY(const std::size_t lugar, Columna(tabla, columna));
-        lugares.emplace_back(columna, lugar);
-        return {};
-    };
-    for (const char16_t* columna : copia.clave)
-        QUIMO_TRY_VOID(agregar(columna));
-    for (const CampoCopia& campo : copia.al_modificar)
-        QUIMO_TRY_VOID(agregar(campo.columna));
-    for (const CampoCopia& campo : copia.al_insertar)
-        QUIMO_TRY_VOID(agregar(campo.columna));
+        lugares.clave.push_back(lugar);
+    }
+    for (const CampoCopia& campo : copia.al_modificar) {
+        QUIMO_TRY(const std::size_t lugar, Columna(tabla, campo.columna));
+        lugares.modificar.push_back(lugar);
+    }
+    for (const CampoCopia& campo : copia.al_insertar) {
+        QUIMO_TRY(const std::size_t lugar, Columna(tabla, campo.columna));
+        lugares.insertar.push_back(lugar);
+        lugares.tipos.push_back(tabla.Definicion().columnas[lugar].tipo);
+    }
+    return lugares;
+}
+
+ResultadoCierre<void> BaseTerminal::Recorrer(const DefCopia& copia, std::size_t tanda,
+                                             const Visita& visitar) const {
+    QUIMO_TRY(const jet::Tabla tabla, Tabla(copia.tabla));
+    QUIMO_TRY(const Renglon::Lugares lugares, LugaresDe(copia, tabla));
     auto cursor = tabla.Recorrer();
     if (!cursor) return DeFallo(cursor.error(), Sobre());
-    Renglon renglon;
-    renglon.lugares_ = &lugares;
+    std::vector<jet::Fila> filas(tanda);
+    std::vector<Renglon> renglones(tanda);
+    for (std::size_t i = 0; i < tanda; ++i) {
+        renglones[i].fila_ = &filas[i];
+        renglones[i].lugares_ = &lugares;
+    }
+    std::size_t cuantas = 0;
     while (true) {
         auto siguiente = cursor->Siguiente();
         if (!siguiente) return DeFallo(siguiente.error(), Sobre());
+        if (*siguiente) filas[cuantas++] = cursor->Valores();
+        if (cuantas == tanda || (!*siguiente && cuantas > 0)) {
+            QUIMO_TRY_VOID(visitar(std::span(renglones).first(cuantas)));
+            cuantas = 0;
+        }
         if (!*siguiente) return {};
-        renglon.fila_ = &cursor->Valores();
-        QUIMO_TRY_VOID(visitar(renglon));
     }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <span>
 
 #include <QString>
 
@@ -24,23 +25,37 @@ public:
     /// The eight figures over the whole file; NULL counts as 0 in sums.
     ResultadoCierre<ValoresCifras> Contar() const;
 
-    /// One row of a sales table, its values asked for by the column's name in the declaration.
+    /// One row of a sales table. Columns are asked for by their place in the declaration's lists. A
+    /// value that no statement can carry (an impossible date, bytes) is refused with its place.
     class Renglon {
     public:
-        /// The value as it is written into a statement; NULL in any form is "NULL". A value that no
-        /// statement can carry (an impossible date, bytes) is refused.
-        ResultadoCierre<QString> Literal(const char16_t* columna, Forma forma) const;
+        const jet::Valor& Clave(std::size_t i) const;
+        const jet::Valor& AlInsertar(std::size_t i) const;
+        /// Type of the terminal's column behind AlInsertar(i).
+        jet::TipoColumna TipoAlInsertar(std::size_t i) const;
+
+        /// The values as they are written into a statement; NULL in any form is "NULL".
+        ResultadoCierre<QString> LiteralDeClave(std::size_t i) const;
+        ResultadoCierre<QString> LiteralAlModificar(std::size_t i) const;
+        ResultadoCierre<QString> LiteralAlInsertar(std::size_t i) const;
+        /// The same for another form of the value than the declared one.
+        ResultadoCierre<QString> LiteralAlInsertar(std::size_t i, Forma forma) const;
 
     private:
         friend class BaseTerminal;
+        struct Lugares;
         const jet::Fila* fila_ = nullptr;
-        const std::vector<std::pair<const char16_t*, std::size_t>>* lugares_ = nullptr;
+        const Lugares* lugares_ = nullptr;
     };
-    using Visita = std::function<ResultadoCierre<void>(const Renglon&)>;
+    using Visita = std::function<ResultadoCierre<void>(std::span<const Renglon>)>;
 
-    /// Hands every row of a declared table to `visitar`, in the order of the file, and stops at its
-    /// first failure. A table or column that the file lacks is refused by name.
-    ResultadoCierre<void> Recorrer(const DefCopia& copia, const Visita& visitar) const;
+    /// Hands the rows of a declared table to `visitar`, in the order of the file and up to `tanda`
+    /// at once, and stops at its first failure. They are valid until it returns. A table or column
+    /// that the file lacks is refused by name.
+    ResultadoCierre<void> Recorrer(const DefCopia& copia, std::size_t tanda,
+                                   const Visita& visitar) const;
+
+    const QString& Terminal() const { return terminal_; }
 
 private:
     BaseTerminal(jet::BaseDatos base, QString terminal)
@@ -48,6 +63,8 @@ private:
 
     ResultadoCierre<jet::Tabla> Tabla(const char16_t* nombre) const;
     ResultadoCierre<std::size_t> Columna(const jet::Tabla& tabla, const char16_t* nombre) const;
+    ResultadoCierre<Renglon::Lugares> LugaresDe(const DefCopia& copia,
+                                                const jet::Tabla& tabla) const;
     QString Sobre() const;
 
     jet::BaseDatos base_;

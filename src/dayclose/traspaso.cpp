@@ -137,6 +137,7 @@ TablaCopiada CopiaDeDetalle(const QString& terminal, const QString& tabla, const
 Interrupcion ExplicarFalla(foundation::SqlConnection& conexion, FallaCopia falla,
                            const QString& terminal) {
     Interrupcion fallo = std::move(falla.interrupcion);
+    if (fallo.motivo == Interrupcion::Motivo::Detenido) return Detenido();
     if (!falla.renglon) return DeTerminal(std::move(fallo), terminal);
     // A full disk or a lost connection is no row's fault: without that terminal it is the same.
     if (!EsDelRenglon(falla.renglon->fallo)) return fallo;

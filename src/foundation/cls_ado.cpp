@@ -1,5 +1,6 @@
 #include "foundation/cls_ado.h"
 
+#include "foundation/conexion_vigilada.h"
 #include "foundation/valores.h"
 
 using namespace Qt::StringLiterals;
@@ -13,6 +14,14 @@ constexpr qint64 kErrorPropio = 1;
 FalloSql Cerrada() {
     return {FalloSql::kConexionCerrada,
             {ErrorProveedor{u"08003"_s, 0, u"ClsAdo"_s, u"La conexión está cerrada."_s}}};
+}
+
+QString TextoDe(const Cambio& cambio) {
+    if (cambio.clase == Cambio::Clase::Insertar) {
+        return u"INSERT INTO "_s + cambio.tabla + u" ("_s + cambio.campos + u") VALUES ("_s +
+               cambio.valores + u')';
+    }
+    return u"UPDATE "_s + cambio.tabla + u" SET "_s + cambio.campos + u" WHERE "_s + cambio.valores;
 }
 
 /// The program's own database login, unless the installation names another one.
@@ -52,7 +61,14 @@ bool ClsAdo::Conectar(QString& PsNom_servidor, QString& PsBase_de_datos, QString
         ManejaError();
         return false;
     }
-    conexion_ = std::move(abierta).value();
+    por_confirmar_.clear();
+    conexion_ = std::make_unique<ConexionVigilada>(
+        std::move(abierta).value(), [this](ConexionVigilada::Fin fin) {
+            if (fin == ConexionVigilada::Fin::Confirmada) {
+                CClsBitacora.EscribirLineas(por_confirmar_);
+            }
+            por_confirmar_.clear();
+        });
     return true;
 }
 
@@ -77,24 +93,59 @@ bool ClsAdo::EjecutarCambio(const QString& sentencia) {
     return true;
 }
 
-bool ClsAdo::Insertar(const QString& PsTabla, const QString& PsCampos, const QString& PsValores) {
-    if (!EjecutarCambio(u"INSERT INTO "_s + PsTabla + u" ("_s + PsCampos + u") VALUES ("_s +
-                        PsValores + u")"_s)) {
-        return false;
+void ClsAdo::Registrar(const QVector<QVariant>& partes) {
+    if (Conectado() && conexion_->EnTransaccion()) {
+        por_confirmar_ += CClsBitacora.Linea(partes);
+    } else {
+        CClsBitacora.Escribir(partes);
     }
-    Registrar(
-        {u"Valor insertado en "_s, PsTabla, u" campos: "_s, PsCampos, u" valores: "_s, PsValores});
+}
+
+void ClsAdo::RegistrarCambio(const Cambio& cambio) {
+    if (cambio.clase == Cambio::Clase::Insertar) {
+        Registrar({u"Valor insertado en "_s, cambio.tabla, u" campos: "_s, cambio.campos,
+                   u" valores: "_s, cambio.valores});
+    } else {
+        Registrar({u"Modificacion en "_s, cambio.tabla, u" Valor: "_s, cambio.campos});
+    }
+}
+
+bool ClsAdo::Cambiar(const Cambio& cambio) {
+    if (!EjecutarCambio(TextoDe(cambio))) return false;
+    RegistrarCambio(cambio);
     return true;
+}
+
+qsizetype ClsAdo::CambiarVarios(const QVector<Cambio>& cambios) {
+    if (cambios.isEmpty()) return 0;
+    if (!Conectado()) {
+        Fallar(Cerrada());
+        return 0;
+    }
+    QStringList sentencias;
+    sentencias.reserve(cambios.size());
+    for (const Cambio& cambio : cambios)
+        sentencias << TextoDe(cambio);
+    const bool en_transaccion = conexion_->EnTransaccion();
+    RespuestaSql respuesta = conexion_->EjecutarVarias(sentencias);
+    const qsizetype hechos = respuesta.resultados.size();
+    QUIMO_CHECK(respuesta.fallo ? hechos < cambios.size() : hechos == cambios.size());
+    if (respuesta.fallo) Fallar(*std::move(respuesta.fallo));
+    // What the failure itself undid was never there.
+    const bool deshechos = hechos < cambios.size() && !conexion_->EnTransaccion() && en_transaccion;
+    for (qsizetype i = 0; i < hechos && !deshechos; ++i)
+        RegistrarCambio(cambios[i]);
+    return hechos;
+}
+
+bool ClsAdo::Insertar(const QString& PsTabla, const QString& PsCampos, const QString& PsValores) {
+    return Cambiar({Cambio::Clase::Insertar, PsTabla, PsCampos, PsValores});
 }
 
 bool ClsAdo::Modificar(const RecordsetPtr& PrdrConsulta, const QString& PsTabla,
                        const QString& PsActualizacion, const QString& PsCondicion,
                        bool PbReposicionar) {
-    if (!EjecutarCambio(u"UPDATE "_s + PsTabla + u" SET "_s + PsActualizacion + u" WHERE "_s +
-                        PsCondicion)) {
-        return false;
-    }
-    Registrar({u"Modificacion en "_s, PsTabla, u" Valor: "_s, PsActualizacion});
+    if (!Cambiar({Cambio::Clase::Modificar, PsTabla, PsActualizacion, PsCondicion})) return false;
     if (!PbReposicionar || PrdrConsulta == nullptr) return true;
     auto marcador = PrdrConsulta->Bookmark();
     auto releido = PrdrConsulta->Requery();

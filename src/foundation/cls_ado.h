@@ -26,9 +26,20 @@ struct DatosConexion {
 using Conector =
     std::function<base::Result<std::unique_ptr<SqlConnection>, FalloSql>(const DatosConexion&)>;
 
+/// One INSERT or UPDATE of a group.
+struct Cambio {
+    enum class Clase { Insertar, Modificar };
+    Clase clase = Clase::Insertar;
+    QString tabla;
+    QString campos;   ///< the columns, or what is assigned
+    QString valores;  ///< the values, or the condition
+};
+
 /// The one data-access object: T-SQL in, record sets out, whatever engine is behind. Owns the
 /// connection; use it from the user-interface thread only. Every change it makes is written to the
-/// operation log. Operations return false on failure; what the user is told is said at each.
+/// operation log: at once outside a transaction; inside one when that is confirmed, so that the log
+/// never tells what was undone. Failures are written at once in either case. Operations return
+/// false on failure; what the user is told is said at each.
 class ClsAdo {
 public:
     /// Cursor type, lock type and option that nearly every query is opened with.
@@ -39,6 +50,8 @@ public:
     /// The ports and the log must outlive the object.
     ClsAdo(Conector conector, Dialogos& dialogos, ClsBitacora& bitacora)
         : CClsBitacora(bitacora), conector_(std::move(conector)), dialogos_(dialogos) {}
+    ClsAdo(const ClsAdo&) = delete;
+    ClsAdo& operator=(const ClsAdo&) = delete;
 
     // The product's fixed members, set by screens before an operation.
     // NOLINTBEGIN(readability-identifier-naming)
@@ -70,6 +83,12 @@ public:
     bool Modificar(const RecordsetPtr& PrdrConsulta, const QString& PsTabla,
                    const QString& PsActualizacion, const QString& PsCondicion,
                    bool PbReposicionar = false);
+
+    /// Makes changes in their order, each as Insertar or Modificar would and with a log entry of
+    /// its own, but many in one send where the engine can. Stops at the first that is refused,
+    /// without a message. How many were made: when not all, the failure pending is that of the
+    /// next.
+    qsizetype CambiarVarios(const QVector<Cambio>& cambios);
 
     /// "DELETE FROM PsTabla WHERE PsCondicion"; an empty condition empties the table. With
     /// PsMensaje it asks first. A refusal is shown by ManejaError.
@@ -119,8 +138,11 @@ public:
 private:
     bool Fallar(FalloSql fallo);
     bool EjecutarCambio(const QString& sentencia);
+    bool Cambiar(const Cambio& cambio);
     void DespacharNativo(const FalloSql& fallo, bool& sin_servidor);
-    void Registrar(const QVector<QVariant>& partes) { CClsBitacora.Escribir(partes); }
+    void Registrar(const QVector<QVariant>& partes);
+    void RegistrarCambio(const Cambio& cambio);
+    void RegistrarFallo(const QVector<QVariant>& partes) { CClsBitacora.Escribir(partes); }
     void ConflictoDeReferencia(const QString& descripcion);
 
     Conector conector_;
@@ -128,6 +150,7 @@ private:
     std::unique_ptr<SqlConnection> conexion_;
     DatosConexion datos_;
     std::optional<FalloSql> pendiente_;
+    QByteArray por_confirmar_;  // log lines of the transaction that is open
 };
 
 /// One value as text: "SELECT PsExpresion FROM PsTabla WHERE PsCondicion", both parts left out when

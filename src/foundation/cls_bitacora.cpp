@@ -1,5 +1,7 @@
 #include "foundation/cls_bitacora.h"
 
+#include <algorithm>
+
 #include <pwd.h>
 #include <unistd.h>
 
@@ -34,26 +36,35 @@ ClsBitacora::ClsBitacora(const OpcionesBitacora& opciones, Dialogos& dialogos, c
     Escribir({u"Iniciando"_s, u"...Log Iniciado..."_s});
 }
 
-void ClsBitacora::Escribir(const QVector<QVariant>& partes) {
+QByteArray ClsBitacora::Linea(const QVector<QVariant>& partes) const {
     QString linea = reloj_.Ahora().toString(u"dd-MM-yy HH:mm:ss"_s) + u'\t' + programa_ + u"\tV"_s +
                     version_ + u'\t' + usuario_ + u'\t' + usuario_app_ + u'\t';
     for (const QVariant& parte : partes) {
-        QString texto = TextoDeValor(parte);
-        texto.replace(u'\n', u' ').replace(u'\r', u' ').replace(u'\t', u' ');
-        linea += texto + u'\t';
+        const qsizetype desde = linea.size();
+        linea += TextoDeValor(parte) + u'\t';
+        std::replace_if(
+            linea.begin() + desde, linea.end() - 1,
+            [](QChar letra) { return letra == u'\n' || letra == u'\r' || letra == u'\t'; }, u' ');
     }
-    if (a_archivo_) Anexar(linea);
-    if (a_mensaje_) dialogos_.Avisar(linea, Icono::Ninguno);
+    linea += u'\n';
+    return linea.toUtf8();
 }
 
-void ClsBitacora::Anexar(const QString& linea) {
+void ClsBitacora::EscribirLineas(const QByteArray& lineas) {
+    if (lineas.isEmpty()) return;
+    if (a_archivo_) Anexar(lineas);
+    if (!a_mensaje_) return;
+    for (const QByteArray& linea : lineas.chopped(1).split('\n'))
+        dialogos_.Avisar(QString::fromUtf8(linea), Icono::Ninguno);
+}
+
+void ClsBitacora::Anexar(const QByteArray& lineas) {
     QFile archivo(archivo_);
     const bool nuevo = !archivo.exists();
     if (nuevo && crear_) QDir().mkpath(QFileInfo(archivo_).absolutePath());
     QIODevice::OpenMode modo = QIODevice::Append | QIODevice::Text;
     if (!crear_) modo |= QIODevice::ExistingOnly;
-    const QByteArray bytes = (linea + u'\n').toUtf8();
-    if (archivo.open(modo) && archivo.write(bytes) == bytes.size() && archivo.flush()) return;
+    if (archivo.open(modo) && archivo.write(lineas) == lineas.size() && archivo.flush()) return;
     if (fallo_avisado_) return;
     fallo_avisado_ = true;
     dialogos_.Avisar(

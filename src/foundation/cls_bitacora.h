@@ -3,6 +3,7 @@
 #include <memory>
 #include <optional>
 
+#include <QByteArray>
 #include <QFile>
 #include <QString>
 #include <QVariant>
@@ -43,7 +44,12 @@ public:
     /// Appends one line: date and time, program, version, both users and the parts, each part
     /// followed by a tab. Line breaks inside a part become blanks, so that one event stays one
     /// line.
-    void Escribir(const QVector<QVariant>& partes);
+    void Escribir(const QVector<QVariant>& partes) { EscribirLineas(Linea(partes)); }
+    /// The line, with its end, that Escribir would append now: for events of which it is not known
+    /// yet whether they will have happened.
+    QByteArray Linea(const QVector<QVariant>& partes) const;
+    /// Appends lines that Linea made, in one opening of the file.
+    void EscribirLineas(const QByteArray& lineas);
 
     /// Who is working from now on; stands in every later line.
     void PonerUsuarioApp(const QString& usuario) { usuario_app_ = usuario; }
@@ -64,7 +70,7 @@ public:
 private:
     enum class Traslado { Copiar, Mover };
     bool Trasladar(const QString& origen, const QString& destino, Traslado traslado);
-    void Anexar(const QString& linea);
+    void Anexar(const QByteArray& lineas);
 
     Dialogos& dialogos_;
     const Reloj& reloj_;

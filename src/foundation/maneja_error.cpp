@@ -57,19 +57,19 @@ bool ClsAdo::ManejaError() {
         case FalloSql::kAccesoNegado:
             if (!fallo.errores.isEmpty() && fallo.errores.first().sqlstate.toInt() == 28000) break;
             for (const ErrorProveedor& error : fallo.errores) {
-                Registrar({u"Descripcion "_s + error.descripcion});
-                Registrar({u"Number "_s + QString::number(error.nativo)});
-                Registrar({u"Source "_s + error.origen});
-                Registrar({u"Sqlstate "_s + error.sqlstate});
+                RegistrarFallo({u"Descripcion "_s + error.descripcion});
+                RegistrarFallo({u"Number "_s + QString::number(error.nativo)});
+                RegistrarFallo({u"Source "_s + error.origen});
+                RegistrarFallo({u"Sqlstate "_s + error.sqlstate});
             }
             break;
         case kNoHayRegistros:
             dialogos_.Avisar(u"No hay registros"_s, Icono::Informacion, CpsTitulo);
-            Registrar({u"No hay registros"_s, QString(kMarca), descripcion});
+            RegistrarFallo({u"No hay registros"_s, QString(kMarca), descripcion});
             break;
         case FalloSql::kConexionPerdida:
             dialogos_.Avisar(TextoConexionPerdida(), Icono::Critico, CpsTitulo);
-            Registrar({TextoConexionPerdida(), u"Fatal"_s, QString(kMarca), descripcion});
+            RegistrarFallo({TextoConexionPerdida(), u"Fatal"_s, QString(kMarca), descripcion});
             break;
         case FalloSql::kIntegridad:
         case FalloSql::kSentencia:
@@ -81,7 +81,7 @@ bool ClsAdo::ManejaError() {
             const QString numero = NumeroVisible(fallo.numero);
             const QString blancos = u"    "_s;
             dialogos_.Avisar(inicio + numero + blancos + descripcion, Icono::Ninguno);
-            Registrar({inicio, numero, blancos, descripcion});
+            RegistrarFallo({inicio, numero, blancos, descripcion});
             break;
         }
     }
@@ -97,33 +97,33 @@ void ClsAdo::DespacharNativo(const FalloSql& fallo, bool& sin_servidor) {
                          texto.con_titulo ? CpsTitulo : QString());
         QVector<QVariant> partes = {QString(texto.texto)};
         if (texto.fatal) partes << u"Fatal"_s;
-        Registrar(partes << QString(kMarca));
+        RegistrarFallo(partes << QString(kMarca));
         sin_servidor = texto.sin_servidor;
         return;
     }
     switch (nativo) {
         case 2601:
             dialogos_.Avisar(CpsMen_LLave_Repetida, Icono::Exclamacion, CpsTitulo);
-            Registrar({CpsMen_LLave_Repetida, QString(kMarca)});
-            if (!fallo.errores.isEmpty()) Registrar({descripcion, QString(kMarca)});
+            RegistrarFallo({CpsMen_LLave_Repetida, QString(kMarca)});
+            if (!fallo.errores.isEmpty()) RegistrarFallo({descripcion, QString(kMarca)});
             break;
         case 2627:
             if (!CbNoMensaje) {
                 dialogos_.Avisar(CpsMen_LLave_Repetida, Icono::Exclamacion, CpsTitulo);
             }
-            Registrar({CpsMen_LLave_Repetida, QString(kMarca)});
+            RegistrarFallo({CpsMen_LLave_Repetida, QString(kMarca)});
             break;
         case 547:
             ConflictoDeReferencia(descripcion);
             break;
         case 232:
             dialogos_.Avisar(TextoConexionPerdida(), Icono::Critico, CpsTitulo);
-            Registrar({TextoConexionPerdida(), u"Fatal"_s, QString(kMarca)});
+            RegistrarFallo({TextoConexionPerdida(), u"Fatal"_s, QString(kMarca)});
             break;
         case 50000: {
             const QString texto = descripcion.mid(kPrincipioDelMensaje - 1);
             dialogos_.Avisar(texto, Icono::Exclamacion);
-            Registrar({texto, kPrincipioDelMensaje, QString(kMarca)});
+            RegistrarFallo({texto, kPrincipioDelMensaje, QString(kMarca)});
             break;
         }
         default:
@@ -132,7 +132,7 @@ void ClsAdo::DespacharNativo(const FalloSql& fallo, bool& sin_servidor) {
             } else {
                 dialogos_.Avisar(descripcion, Icono::Ninguno);
             }
-            Registrar({descripcion, QString(kMarca)});
+            RegistrarFallo({descripcion, QString(kMarca)});
             break;
     }
 }
@@ -149,7 +149,7 @@ void ClsAdo::ConflictoDeReferencia(const QString& descripcion) {
             u"No se puede borrar este registro por estar en uso en la tabla "_s + tabla,
             Icono::Critico);
     }
-    Registrar({descripcion, QString(kMarca)});
+    RegistrarFallo({descripcion, QString(kMarca)});
 }
 
 }  // namespace quimo::foundation

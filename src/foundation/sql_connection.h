@@ -6,6 +6,7 @@
 
 #include <QMetaType>
 #include <QString>
+#include <QStringList>
 #include <QVariant>
 #include <QVector>
 
@@ -128,6 +129,10 @@ public:
     /// Runs a text of one or more statements; each `?` takes the next of the parameters.
     virtual RespuestaSql Ejecutar(const QString& tsql,
                                   const QVector<QVariant>& parametros = {}) = 0;
+    /// Runs statements in their order, each one a text of its own that changes rows, up to the
+    /// first that fails. One result for each that was done: their number tells which one failed,
+    /// and nothing behind it has happened. Inside a transaction an engine may send them together.
+    virtual RespuestaSql EjecutarVarias(const QStringList& sentencias);
 
     virtual base::Result<void, FalloSql> Iniciar() = 0;
     /// Ends the transaction: from here on its changes survive a power cut.

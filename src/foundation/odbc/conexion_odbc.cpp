@@ -1,5 +1,6 @@
 #include "foundation/odbc/conexion_odbc.h"
 
+#include <algorithm>
 #include <optional>
 
 #include <QRegularExpression>
@@ -46,6 +47,29 @@ bool TerminaYEmpieza(const QString& tsql) {
     return tsql.contains(kFin) && tsql.contains(kPrincipio);
 }
 
+/// There is no savepoint of that name.
+constexpr int kSinPuntoDeRetorno = 6401;
+
+/// The statements in one text that stops at the first failure and tells its end with their number.
+QString TextoDeGrupo(const QStringList& sentencias, const QString& punto) {
+    const QString si_falla = u"\nIF @@ERROR<>0 RETURN\n"_s;
+    return u"SAVE TRANSACTION "_s + punto + u'\n' + sentencias.join(si_falla) + si_falla +
+           u"SELECT %1 AS hechas"_s.arg(sentencias.size());
+}
+
+/// Whether a group got to its end without a failure; then its results are one for each statement.
+bool LlegoAlFinal(RespuestaSql& grupo, qsizetype cuantas) {
+    const bool dice_el_final = !grupo.resultados.isEmpty() && grupo.resultados.last().conjunto;
+    const bool entera = !grupo.fallo && dice_el_final &&
+                        grupo.resultados.last().conjunto->filas.value(0).value(0) == cuantas;
+    if (dice_el_final) grupo.resultados.removeLast();
+    // A server may count more, such as what its triggers do: then no count is any statement's own.
+    if (entera && grupo.resultados.size() != cuantas) {
+        grupo.resultados = QVector<ResultadoSql>(cuantas);
+    }
+    return entera;
+}
+
 class ConexionOdbc final : public SqlConnection {
 public:
     ConexionOdbc(DatosConexion datos, OpcionesOdbc opciones, FrasesDeSesion frases)
@@ -63,24 +87,33 @@ public:
     }
 
     RespuestaSql Ejecutar(const QString& tsql, const QVector<QVariant>& parametros) override {
-        RespuestaSql respuesta;
-        if (transaccion_rota_) {
-            respuesta.fallo = TransaccionPerdida();
-            if (SoloTerminaTransaccion(tsql)) transaccion_rota_ = false;
-            return respuesta;
+        return Correr(tsql, parametros, HablaDeTransacciones(tsql));
+    }
+
+    /// Inside a transaction all go in one text behind a savepoint. When anything is not as it
+    /// should be the savepoint undoes them and they are sent one by one, so that the one that fails
+    /// is known and nothing behind it is done, whatever the driver counted.
+    RespuestaSql EjecutarVarias(const QStringList& sentencias) override {
+        const bool otro_servidor = frases_.cuenta_transacciones.isEmpty();
+        if (sentencias.size() < 2 || otro_servidor || transaccion_rota_ || transacciones_ == 0) {
+            return SqlConnection::EjecutarVarias(sentencias);
         }
-        auto listo = Asegurar();
-        if (!listo) {
-            respuesta.fallo = std::move(listo).error();
-            return respuesta;
+        const QString punto = u"quimo_%1"_s.arg(++puntos_);
+        RespuestaSql grupo = Correr(TextoDeGrupo(sentencias, punto), {}, false);
+        if (LlegoAlFinal(grupo, sentencias.size())) return grupo;
+        if (!EnTransaccion() || transaccion_rota_) {
+            // It is gone, and what the group did with it. What was counted tells how far it came.
+            grupo.resultados.resize(std::min(grupo.resultados.size(), sentencias.size() - 1));
+            if (!grupo.fallo) grupo.fallo = TransaccionPerdida();
+            return grupo;
         }
-        respuesta = enlace_->Correr(tsql, parametros);
-        if (Perdida(respuesta)) {
-            Perder(transacciones_ > 0 && !SoloTerminaTransaccion(tsql));
-        } else if (respuesta.fallo || HablaDeTransacciones(tsql)) {
-            Recontar(tsql);
+        RespuestaSql deshecho = Correr(u"ROLLBACK TRANSACTION "_s + punto, {}, false);
+        // A text that the server could not even read did not get to its savepoint.
+        if (deshecho.fallo && deshecho.fallo->Nativo() != kSinPuntoDeRetorno) {
+            deshecho.resultados.clear();
+            return deshecho;
         }
-        return respuesta;
+        return SqlConnection::EjecutarVarias(sentencias);
     }
 
     base::Result<void, FalloSql> Iniciar() override { return Mandar(u"BEGIN TRANSACTION"_s); }
@@ -105,6 +138,27 @@ public:
     }
 
 private:
+    RespuestaSql Correr(const QString& tsql, const QVector<QVariant>& parametros, bool recontar) {
+        RespuestaSql respuesta;
+        if (transaccion_rota_) {
+            respuesta.fallo = TransaccionPerdida();
+            if (SoloTerminaTransaccion(tsql)) transaccion_rota_ = false;
+            return respuesta;
+        }
+        auto listo = Asegurar();
+        if (!listo) {
+            respuesta.fallo = std::move(listo).error();
+            return respuesta;
+        }
+        respuesta = enlace_->Correr(tsql, parametros);
+        if (Perdida(respuesta)) {
+            Perder(transacciones_ > 0 && !SoloTerminaTransaccion(tsql));
+        } else if (respuesta.fallo || recontar) {
+            Recontar(tsql);
+        }
+        return respuesta;
+    }
+
     static bool Perdida(const RespuestaSql& respuesta) {
         return respuesta.fallo && respuesta.fallo->numero == FalloSql::kConexionPerdida;
     }
@@ -168,6 +222,7 @@ private:
     std::optional<Enlace> enlace_;
     int transacciones_ = 0;
     std::uint64_t numero_transaccion_ = 0;
+    int puntos_ = 0;                 // savepoints named so far
     bool transaccion_rota_ = false;  // lost with its connection, and nobody has ended it yet
     bool cerrada_ = false;
 };
