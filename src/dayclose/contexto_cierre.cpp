@@ -19,7 +19,7 @@ QString ContextoCierre::CopiaLocal(const QString& terminal) const {
 
 ResultadoCierre<void> ContextoCierre::PuntoSeguro() const {
     if (opciones.detener && opciones.detener()) return Detenido();
-    return {};
+    return turno == nullptr ? ResultadoCierre<void>() : turno->Mantener(reloj.Ahora());
 }
 
 bool EsNombreDeEquipo(const QString& nombre) {

@@ -13,6 +13,7 @@
 #include "dayclose/tablas_ventas.h"
 #include "dayclose/terminal_share.h"
 #include "dayclose/transferencia.h"
+#include "dayclose/turno_cierre.h"
 #include "foundation/cls_ado.h"
 #include "foundation/reloj.h"
 
@@ -83,12 +84,13 @@ struct ContextoCierre {
     ManejadorFallas fallas;
     QString directorio = {};  ///< DIRTERMBD
     ResumenCierre resumen = {};
+    TurnoCierre* turno = nullptr;  ///< while it is ours
 
     QString Remoto(const QString& terminal) const;
     QString CarpetaLocal(const QString& terminal) const { return carpeta + u'/' + terminal; }
     QString CopiaLocal(const QString& terminal) const;
     void Progreso(const QString& texto) { ado.Dialogo().Progreso(texto); }
-    /// Ends the close here when the program was told to end.
+    /// Ends the close here when the program was told to end, or when it has lost its turn.
     ResultadoCierre<void> PuntoSeguro() const;
 };
 

@@ -152,8 +152,16 @@ ResultadoCierre<void> FinDeDia::Empezar() {
 
 ResultadoCierre<void> FinDeDia::Correr() {
     ClsAdo& ado = contexto_.ado;
-    QUIMO_TRY(const TurnoCierre turno,
+    QUIMO_TRY(TurnoCierre turno,
               TurnoCierre::Tomar(ado.Conexion(), contexto_.opciones.quien, contexto_.reloj.Ahora()));
+    contexto_.turno = &turno;
+    auto corrido = CorrerEnTurno();
+    contexto_.turno = nullptr;
+    return corrido;
+}
+
+ResultadoCierre<void> FinDeDia::CorrerEnTurno() {
+    ClsAdo& ado = contexto_.ado;
     QUIMO_TRY_VOID(Elegir());
     // It asks the user rarely; the rest of the time the pointer says that it is at work.
     const foundation::PunteroOcupado ocupado(ado.Dialogo());

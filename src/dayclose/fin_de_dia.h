@@ -34,6 +34,7 @@ public:
 
 private:
     ResultadoCierre<void> Correr();
+    ResultadoCierre<void> CorrerEnTurno();
     ResultadoCierre<void> Elegir();
     ResultadoCierre<void> ConfirmarDescarte();
     ResultadoCierre<void> Empezar();

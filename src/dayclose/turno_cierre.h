@@ -13,9 +13,16 @@ public:
     static ResultadoCierre<TurnoCierre> Tomar(foundation::SqlConnection& conexion,
                                               const QString& quien, const QDateTime& ahora);
 
+    /// To be called now and then, outside of a transaction: tells the others that it is still ours.
+    /// A failure when it is not, because the connection was lost meanwhile.
+    ResultadoCierre<void> Mantener(const QDateTime& ahora);
+
 private:
-    explicit TurnoCierre(foundation::Candado candado) : candado_(std::move(candado)) {}
+    TurnoCierre(foundation::Candado candado, const QDateTime& ahora)
+        : candado_(std::move(candado)), renovado_(ahora) {}
+
     foundation::Candado candado_;
+    QDateTime renovado_;
 };
 
 }  // namespace quimo::dayclose
