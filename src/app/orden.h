@@ -10,8 +10,8 @@
 
 namespace quimo::app {
 
-/// Exit status of the command line program.
-enum Estado : int { kHecho = 0, kFallo = 1, kMalUso = 2 };
+/// Exit status of the command line program. kConFaltantes: done, but not all of it could be.
+enum Estado : int { kHecho = 0, kFallo = 1, kMalUso = 2, kConFaltantes = 4 };
 
 /// What a command was called with: its words and its options.
 struct Argumentos {
