@@ -5,6 +5,7 @@
 #include "app/consola.h"
 #include "dayclose/plantilla.h"
 #include "jet/base_datos.h"
+#include "jet/reparacion.h"
 #include "jet/verificador.h"
 #include "jet/volcado.h"
 
@@ -63,14 +64,53 @@ Estado Verificar(const jet::BaseDatos& base) {
     return kHecho;
 }
 
+QString Lineas(const jet::TablaReparada& tabla) {
+    const QString nombre = QString::fromStdString(tabla.nombre);
+    if (tabla.leidas == tabla.declaradas) return u"%1: %2 filas"_s.arg(nombre).arg(tabla.leidas);
+    return u"%1: %2 filas; el archivo dañado decía %3"_s.arg(nombre)
+        .arg(tabla.leidas)
+        .arg(tabla.declaradas);
+}
+
+Estado Reparar(const QString& origen, const QString& destino) {
+    if (jet::MirarLdb(origen.toStdString()) == jet::EstadoLdb::EnUso) {
+        EscribirError(u"El archivo está en uso: "_s + origen +
+                      u". Cierre el programa que lo tiene abierto y repita la orden."_s);
+        return kFallo;
+    }
+    const auto informe = jet::Reparar(origen.toStdString(), destino.toStdString());
+    if (!informe) return Fallar(informe.error());
+    for (const jet::TablaReparada& tabla : informe->tablas) {
+        Escribir(Lineas(tabla));
+        for (const std::string& queja : tabla.ilegibles)
+            EscribirError(u"Perdido en %1: %2"_s.arg(QString::fromStdString(tabla.nombre),
+                                                     QString::fromStdString(queja)));
+    }
+    for (const std::string& falta : informe->faltas)
+        EscribirError(QString::fromStdString(falta));
+    Escribir(u"Copia reparada: %1, con %2 filas."_s.arg(QFileInfo(destino).absoluteFilePath())
+                 .arg(informe->Renglones()));
+    if (informe->Completa()) {
+        Escribir(u"No falta nada."_s);
+        return kHecho;
+    }
+    EscribirError(u"La copia está sana, pero no está completa: arriba dice qué le falta."_s);
+    return kIncompleto;
+}
+
 }  // namespace
 
 Estado OrdenMdb(const Argumentos& argumentos, const Entorno& /*entorno*/) {
     const QString& accion = argumentos.palabras[0];
     const bool una_tabla = argumentos.palabras.size() > 2;
+    if (accion == u"reparar"_s && una_tabla) {
+        return Reparar(argumentos.palabras[1], argumentos.palabras[2]);
+    }
     if ((accion != u"tablas"_s && accion != u"volcar"_s && accion != u"verificar"_s) ||
         (una_tabla && accion != u"volcar"_s)) {
-        EscribirError(u"Uso: quimoctl mdb tablas|volcar|verificar ARCHIVO [TABLA]"_s);
+        EscribirError(
+            u"Uso: quimoctl mdb tablas|volcar|verificar ARCHIVO [TABLA]\n"
+            u"     quimoctl mdb reparar ARCHIVO DESTINO"_s);
         return kMalUso;
     }
     const auto base = jet::BaseDatos::Abrir(argumentos.palabras[1].toStdString());

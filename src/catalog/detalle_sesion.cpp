@@ -194,7 +194,8 @@ DetalleSesion::Resultado DetalleSesion::AceptarNumero(Renglon& renglon, int colu
 }
 
 DetalleSesion::Resultado DetalleSesion::Aceptar(Renglon& renglon, int columna,
-                                                const QString& texto) {
+                                                const QString& escrito) {
+    const QString texto = Compuesto(escrito);
     switch (Columna(columna).tipo) {
         case TipoCeldaDetalle::Codigo:
             return AceptarCodigo(renglon, columna, texto);

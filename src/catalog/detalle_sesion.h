@@ -72,7 +72,7 @@ private:
         bool bien = true;
         QString objecion = {};
     };
-    Resultado Aceptar(Renglon& renglon, int columna, const QString& texto);
+    Resultado Aceptar(Renglon& renglon, int columna, const QString& escrito);
     Resultado AceptarCodigo(Renglon& renglon, int columna, const QString& texto);
     Resultado AceptarNumero(Renglon& renglon, int columna, const QString& texto);
     bool AceptarDeLista(Renglon& renglon, int columna, const QString& texto);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "catalog/valor_columna.h"
 #include "foundation/valores.h"
 
 using namespace Qt::StringLiterals;
@@ -294,7 +295,7 @@ int EditorSesion::LargoMaximo(qsizetype campo) const {
 
 void EditorSesion::Escribir(qsizetype campo, const QString& texto) {
     if (Bloqueado(campo)) return;
-    valores_[campo] = texto;
+    valores_[campo] = Compuesto(texto);
     if (!Campo(campo).oculto.isEmpty()) ElegirPorValor(campo);
 }
 

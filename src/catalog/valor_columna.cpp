@@ -1,9 +1,11 @@
 #include "catalog/valor_columna.h"
 
+#include <algorithm>
 #include <limits>
 
 #include "base/decimal.h"
 #include "base/dinero.h"
+#include "base/letras_terminal.h"
 #include "catalog/consulta/valores_escritos.h"
 #include "security/pagina_codigos.h"
 
@@ -61,24 +63,30 @@ Valor Exacto(const foundation::Columna& columna, const QString& campo, const QSt
     return QVariant::fromValue(*ajustado);
 }
 
+/// What the central database keeps and every terminal can hold in an index, so that nothing that
+/// was saved by day stops the close at night.
+bool SeGuarda(QChar letra) {
+    return letra >= u' ' && security::CabeEnPagina(letra) &&
+           base::EsLetraDeTerminal(letra.unicode());
+}
+
 Valor Letras(const foundation::Columna& columna, const QString& campo, const QString& texto) {
     if (columna.longitud > 0 && texto.size() > columna.longitud) {
         return Objecion{u"El campo %1 admite %2 letras y tiene %3"_s.arg(campo)
                             .arg(columna.longitud)
                             .arg(texto.size())};
     }
-    for (qsizetype i = 0; i < texto.size(); ++i) {
-        const bool doble = texto[i].isHighSurrogate();
-        const QString letra = texto.mid(i, doble ? 2 : 1);
-        if (texto[i] >= u' ' && security::CabeEnPagina(letra)) continue;
-        return Objecion{u"El campo "_s + campo +
-                        u" lleva una letra que la base de datos no guarda: "_s +
-                        (texto[i] >= u' ' ? letra : u"un salto de línea o tabulador"_s)};
-    }
-    return QVariant(texto);
+    const auto ajena = std::find_if_not(texto.begin(), texto.end(), SeGuarda);
+    if (ajena == texto.end()) return QVariant(texto);
+    const QString letra = texto.mid(ajena - texto.begin(), ajena->isHighSurrogate() ? 2 : 1);
+    return Objecion{
+        u"El campo %1 lleva una letra que no guardan la base de datos ni las terminales: %2"_s.arg(
+            campo, *ajena >= u' ' ? letra : u"un salto de línea o tabulador"_s)};
 }
 
 }  // namespace
+
+QString Compuesto(const QString& texto) { return texto.normalized(QString::NormalizationForm_C); }
 
 Valor ValorParaColumna(const foundation::Columna& columna, const QString& campo,
                        const QString& texto) {

@@ -212,6 +212,7 @@ void Almacen::Deshacer() {
     entradas_.resize(paginas_antes_);
     liberadas_.clear();
     pistas_.clear();
+    catalogo_.reset();
     hay_cambios_ = cambios_antes_;
     ++generacion_;
     Terminar();

@@ -17,6 +17,8 @@ namespace quimo::jet {
 using base::Error;
 using base::Result;
 
+struct Catalogo;
+
 /// Closes a file descriptor when it goes.
 class Descriptor {
 public:
@@ -69,6 +71,10 @@ public:
     Result<void> GuardarEn(const std::string& ruta);
     Result<std::vector<std::uint8_t>> Imagen() const;
 
+    /// What was read of the catalogue; nothing yet, or forgotten by an undone transaction. Whoever
+    /// changes the catalogue keeps it right.
+    std::shared_ptr<Catalogo>& CatalogoLeido() { return catalogo_; }
+
     /// Pages freed since the file was opened, to be used again before the file grows. The global
     /// map decides; this list only says which ones are safe to try.
     std::vector<std::uint32_t>& Liberadas() { return liberadas_; }
@@ -116,6 +122,7 @@ private:
     std::deque<std::uint32_t> limpias_;  // cached pages as in the file, oldest first
     std::vector<std::uint32_t> liberadas_;
     std::map<std::uint32_t, std::uint32_t> pistas_;
+    std::shared_ptr<Catalogo> catalogo_;
     std::uint64_t generacion_ = 1;
     bool hay_cambios_ = false;
 

@@ -53,9 +53,9 @@ Result<BaseDatos> BaseDatos::Crear(const std::string& ruta) {
 }
 
 Result<std::vector<std::string>> BaseDatos::Tablas(Sistema sistema) const {
-    QUIMO_TRY(const std::vector<ObjetoCatalogo> objetos, LeerCatalogo(*nucleo_->almacen));
+    QUIMO_TRY(const auto catalogo, LeerCatalogo(*nucleo_->almacen));
     std::vector<std::string> nombres;
-    for (const ObjetoCatalogo& objeto : objetos) {
+    for (const ObjetoCatalogo& objeto : catalogo->objetos) {
         const bool listada = !objeto.EsDeSistema() || sistema == Sistema::Si;
         if (objeto.EsTabla() && listada) nombres.push_back(objeto.nombre);
     }
@@ -72,6 +72,15 @@ Result<Tabla> BaseDatos::CrearTabla(const DefTabla& definicion) {
     QUIMO_TRY_VOID(ComprobarDefinicion(definicion));
     QUIMO_TRY_VOID(AgregarTabla(*nucleo_->almacen, definicion));
     return AbrirTabla(definicion.nombre);
+}
+
+Result<std::vector<Relacion>> BaseDatos::Relaciones() const {
+    return LeerRelaciones(*nucleo_->almacen);
+}
+
+Result<OrdenTexto> BaseDatos::OrdenDeTexto() const {
+    QUIMO_TRY(const PaginaLeida cabecera, nucleo_->almacen->Leer(0));
+    return OrdenDeCabecera(*cabecera);
 }
 
 Result<void> BaseDatos::Guardar() {

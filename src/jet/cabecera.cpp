@@ -68,7 +68,18 @@ std::array<std::uint8_t, 128> BloqueEnClaro(const Pagina& cabecera) {
     return bloque;
 }
 
+OrdenTexto OrdenDeCabecera(const Pagina& cabecera) {
+    const Bloque bloque = BloqueEnClaro(cabecera);
+    return {U16(bloque.data() + kEnOrden), bloque.at(kEnOrden + 3)};
+}
+
 Result<void> ComprobarCabecera(Almacen& almacen) {
+    QUIMO_TRY_VOID(ComprobarFormato(almacen));
+    if (almacen.Sobrante() != 0) return almacen.Danado("está cortado a media página");
+    return {};
+}
+
+Result<void> ComprobarFormato(Almacen& almacen) {
     QUIMO_TRY(const PaginaLeida pagina, almacen.Leer(0));
     if (TieneFirma(*pagina, "Standard ACE DB") || TieneFirma(*pagina, "MSISAM Database")) {
         return NoEs(almacen, "es de un formato posterior (accdb), que no se lee");
@@ -83,7 +94,6 @@ Result<void> ComprobarCabecera(Almacen& almacen) {
         return NoEs(almacen, "es de un formato anterior (Access 97, Jet 3), que no se lee");
     if (version != 1)
         return NoEs(almacen, "es de un formato posterior al de Access 2003, que no se lee");
-    if (almacen.Sobrante() != 0) return almacen.Danado("está cortado a media página");
     const Bloque bloque = BloqueEnClaro(*pagina);
     if (U32(bloque.data() + kEnCifrado) != 0) return NoEs(almacen, "está cifrado y no se lee");
     const auto sello = std::bit_cast<double>(U64(bloque.data() + kEnSello));

@@ -38,16 +38,32 @@ private:
 
 }  // namespace
 
-Result<std::vector<ObjetoCatalogo>> LeerCatalogo(Almacen& almacen) {
+void Catalogo::Agregar(ObjetoCatalogo objeto) {
+    if (objeto.CompiteEnNombres()) {
+        const auto [lugar, nuevo] = por_nombre.emplace(Plegado(objeto.nombre), objetos.size());
+        // A local table goes before what only has its name.
+        if (!nuevo && objeto.EsTabla()) lugar->second = objetos.size();
+    }
+    objetos.push_back(std::move(objeto));
+}
+
+const ObjetoCatalogo* Catalogo::Buscar(std::string_view nombre) const {
+    const auto hallado = por_nombre.find(Plegado(nombre));
+    return hallado == por_nombre.end() ? nullptr : &objetos[hallado->second];
+}
+
+Result<std::shared_ptr<const Catalogo>> LeerCatalogo(Almacen& almacen) {
+    if (almacen.CatalogoLeido() != nullptr) {
+        return std::shared_ptr<const Catalogo>(almacen.CatalogoLeido());
+    }
     QUIMO_TRY(const auto esquema, LeerEsquema(almacen, kPaginaCatalogo, kCatalogo));
     QUIMO_TRY(const auto recorrido, RecorridoPaginas::Empezar(almacen, esquema));
     LectorDeColumnas lector(*recorrido);
-    std::vector<ObjetoCatalogo> objetos;
+    auto catalogo = std::make_shared<Catalogo>();
     std::set<std::uint32_t> definiciones;
-    std::set<std::string> nombres;
     while (true) {
         QUIMO_TRY(const bool hay, recorrido->Avanzar());
-        if (!hay) return objetos;
+        if (!hay) break;
         const auto vista = VistaFila::De(*esquema, recorrido->Bytes());
         if (!vista) return almacen.Danado("el catálogo tiene una fila que no se puede leer");
         ObjetoCatalogo objeto;
@@ -58,25 +74,25 @@ Result<std::vector<ObjetoCatalogo>> LeerCatalogo(Almacen& almacen) {
         QUIMO_TRY(objeto.dueno, lector.Leer(*vista, "Owner"));
         QUIMO_TRY(const Valor nombre, lector.Leer(*vista, "Name"));
         if (const auto* texto = std::get_if<std::u16string>(&nombre)) objeto.nombre = AUtf8(*texto);
+        const ObjetoCatalogo* otro = catalogo->Buscar(objeto.nombre);
         if (objeto.EsTabla() && (!definiciones.insert(objeto.Pagina()).second ||
-                                 !nombres.insert(Plegado(objeto.nombre)).second)) {
+                                 (otro != nullptr && otro->EsTabla()))) {
             return almacen.Danado("la tabla " + objeto.nombre +
                                   " tiene el nombre o la definición de otra");
         }
-        objetos.push_back(std::move(objeto));
+        catalogo->Agregar(std::move(objeto));
     }
+    almacen.CatalogoLeido() = catalogo;
+    return std::shared_ptr<const Catalogo>(std::move(catalogo));
 }
 
 Result<std::shared_ptr<const Esquema>> BuscarEsquema(Almacen& almacen, std::string_view nombre) {
-    QUIMO_TRY(const std::vector<ObjetoCatalogo> objetos, LeerCatalogo(almacen));
-    bool enlazada = false;
-    for (const ObjetoCatalogo& objeto : objetos) {
-        if (!MismoNombre(objeto.nombre, nombre)) continue;
-        if (objeto.EsTabla()) return LeerEsquema(almacen, objeto.Pagina(), objeto.nombre);
-        enlazada = enlazada || objeto.tipo == ObjetoCatalogo::kEnlazada ||
-                   objeto.tipo == ObjetoCatalogo::kEnlazadaOdbc;
+    QUIMO_TRY(const auto catalogo, LeerCatalogo(almacen));
+    const ObjetoCatalogo* objeto = catalogo->Buscar(nombre);
+    if (objeto != nullptr && objeto->EsTabla()) {
+        return LeerEsquema(almacen, objeto->Pagina(), objeto->nombre);
     }
-    if (enlazada) {
+    if (objeto != nullptr && objeto->EsEnlazada()) {
         return Error{Error::Codigo::NoSoportado, "La tabla " + std::string(nombre) +
                                                      " está enlazada: sus datos no están en " +
                                                      almacen.Ruta() + "."};

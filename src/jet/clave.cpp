@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <string>
 
+#include "jet/base_datos.h"
 #include "jet/fila.h"
 #include "jet/texto.h"
 
@@ -61,13 +62,17 @@ void AgregarBinario(std::span<const std::uint8_t> bytes, bool descendente, Bytes
     }
 }
 
-Error SinPeso(const Esquema& esquema, std::size_t columna, char16_t caracter) {
-    std::array<char, 8> codigo{};
-    std::snprintf(codigo.data(), codigo.size(), "U+%04X", static_cast<unsigned>(caracter));
-    return {Error::Codigo::NoSoportado, "El carácter «" + AUtf8(std::u16string_view(&caracter, 1)) +
-                                            "» (" + codigo.data() + ") no se puede usar en " +
-                                            NombrarColumna(esquema, columna) +
-                                            ", que forma parte de un índice."};
+Error SinPeso(const Esquema& esquema, std::size_t columna, char32_t letra) {
+    std::array<char, 12> codigo{};
+    std::snprintf(codigo.data(), codigo.size(), "U+%04X", static_cast<unsigned>(letra));
+    std::string visible = "\uFFFD";
+    if (letra < 0xD800 || letra > 0xDFFF) {
+        visible.clear();
+        AgregarUtf8(visible, letra);
+    }
+    return {Error::Codigo::NoSoportado,
+            "La letra «" + visible + "» (" + codigo.data() + ") no se puede usar en " +
+                NombrarColumna(esquema, columna) + ", que forma parte de un índice."};
 }
 
 /// Types whose keys have one size. False for a value of another type.
@@ -132,15 +137,17 @@ Result<void> AgregarTexto(const Esquema& esquema, const IndiceReal::Columna& col
     const auto* texto = std::get_if<std::u16string>(&valor);
     if (texto == nullptr) return NoEsClave(esquema, columna.posicion);
     const ColumnaFisica& fisica = esquema.fisicas[columna.posicion];
-    if (fisica.orden != kOrdenGeneral || fisica.version_orden != 0) {
+    const OrdenTexto orden{fisica.orden, fisica.version_orden};
+    if (!orden.SeEscribe()) {
         return Error{Error::Codigo::NoSoportado,
-                     NombrarColumna(esquema, columna.posicion) +
-                         " ordena los textos de una manera que no se conoce.",
-                     "LCID " + std::to_string(fisica.orden)};
+                     "No se puede escribir en " + NombrarColumna(esquema, columna.posicion) +
+                         ", que está en un índice y ordena los textos en " + orden.Nombre() +
+                         ": solo se sabe escribir en el orden General (0x0409)."};
     }
     const std::size_t desde = clave.size();
-    const char16_t sin_peso = AgregarPesos(*texto, clave);
-    if (sin_peso != 0) return SinPeso(esquema, columna.posicion, sin_peso);
+    if (const auto sin_peso = AgregarPesos(*texto, clave)) {
+        return SinPeso(esquema, columna.posicion, *sin_peso);
+    }
     if (columna.descendente) {
         Complementar(clave, desde);
         clave.push_back(0x00);

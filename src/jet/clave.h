@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -29,7 +30,7 @@ Result<std::vector<std::uint8_t>> ClaveDeFila(const Esquema& esquema, const Indi
 std::size_t NulosDeClave(const Esquema& esquema, const IndiceReal& indice, const Fila& fila);
 
 /// Appends the weights of a text in sort order General, up to and with the closing 00. Returns the
-/// character that has no weight here, or 0.
-char16_t AgregarPesos(std::u16string_view texto, std::vector<std::uint8_t>& clave);
+/// letter that has none, if there is one (see base/letras_terminal.h); then nothing is appended.
+std::optional<char32_t> AgregarPesos(std::u16string_view texto, std::vector<std::uint8_t>& clave);
 
 }  // namespace quimo::jet

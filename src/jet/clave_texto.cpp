@@ -1,8 +1,10 @@
 // Weights of characters in the sort order called General (0x0409, version 0).
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 
+#include "base/letras_terminal.h"
 #include "jet/clave.h"
 #include "jet/formato.h"
 
@@ -56,56 +58,49 @@ constexpr std::array<Peso, 256> kPesos = {{
 }};
 // clang-format on
 
-struct PesoDe {
-    char16_t caracter = 0;
-    Peso peso;
-};
+/// Those of base::kLetrasTerminal, in its order.
+constexpr std::array<Peso, base::kLetrasTerminal.size()> kPesosAltos = {{
+    {0x6451},     {0x6451},     {0x6B, 0x14},   {0x6B, 0x14}, {0x76, 0x13}, {0x78, 0x14},
+    {0x78, 0x14}, {0x53, 0x7B}, {0x2B02, 0x03}, {0x2B1C},     {0, 0, 0x89}, {0, 0, 0x8B},
+    {0x2B37},     {0x2B38},     {0x2B39},       {0x2B3B},     {0x2B3C},     {0x2B3D},
+    {0x34B3},     {0x34B4},     {0x34B5},       {0x34B9},     {0x34BA},     {0x2B46},
+    {0x2B47},     {0x35A1},     {0x6E04},
+}};
+static_assert(kPesos.size() == base::kLetraSeguidaMax + 1);
 
-/// The other characters of Windows-1252.
-constexpr PesoDe kOtros[] = {
-    {0x0152, {0x6451}},     {0x0153, {0x6451}},     {0x0160, {0x6B, 0x14}},
-    {0x0161, {0x6B, 0x14}}, {0x0178, {0x76, 0x13}}, {0x017D, {0x78, 0x14}},
-    {0x017E, {0x78, 0x14}}, {0x0192, {0x53, 0x7B}}, {0x02C6, {0x2B02, 0x03}},
-    {0x02DC, {0x2B1C}},     {0x2013, {0, 0, 0x89}}, {0x2014, {0, 0, 0x8B}},
-    {0x2018, {0x2B37}},     {0x2019, {0x2B38}},     {0x201A, {0x2B39}},
-    {0x201C, {0x2B3B}},     {0x201D, {0x2B3C}},     {0x201E, {0x2B3D}},
-    {0x2020, {0x34B3}},     {0x2021, {0x34B4}},     {0x2022, {0x34B5}},
-    {0x2026, {0x34B9}},     {0x2030, {0x34BA}},     {0x2039, {0x2B46}},
-    {0x203A, {0x2B47}},     {0x20AC, {0x35A1}},     {0x2122, {0x6E04}},
-};
-
-const Peso* BuscarPeso(char16_t c) {
-    if (c < kPesos.size()) return &kPesos.at(c);
-    for (const PesoDe& otro : kOtros) {
-        if (otro.caracter == c) return &otro.peso;
-    }
-    return nullptr;
+/// The character must be one of them.
+const Peso& PesoDe(char16_t c) {
+    if (c <= base::kLetraSeguidaMax) return kPesos.at(c);
+    const auto* const lugar =
+        std::lower_bound(base::kLetrasTerminal.begin(), base::kLetrasTerminal.end(), c);
+    return kPesosAltos.at(static_cast<std::size_t>(lugar - base::kLetrasTerminal.begin()));
 }
 
 }  // namespace
 
-char16_t AgregarPesos(std::u16string_view texto, std::vector<std::uint8_t>& clave) {
+std::optional<char32_t> AgregarPesos(std::u16string_view texto, std::vector<std::uint8_t>& clave) {
+    const std::u16string_view entero = texto;
     texto = texto.substr(0, kCaracteresMax);
     while (!texto.empty() && texto.back() == u' ')
         texto.remove_suffix(1);
+    if (const auto ajena = base::PrimeraLetraAjena(texto)) return base::LetraEn(entero, *ajena);
     std::vector<std::uint8_t> acentos;
     std::vector<std::uint8_t> especiales;
     std::size_t posicion = 0;  // letters so far
     for (const char16_t c : texto) {
-        const Peso* peso = BuscarPeso(c);
-        if (peso == nullptr) return c;
-        if (peso->especial != 0) {
+        const Peso& peso = PesoDe(c);
+        if (peso.especial != 0) {
             const std::size_t lugar = 0x8000 | (7 + 4 * posicion);
             especiales.insert(especiales.end(),
                               {static_cast<std::uint8_t>(lugar >> 8),
-                               static_cast<std::uint8_t>(lugar), 0x06, peso->especial});
+                               static_cast<std::uint8_t>(lugar), 0x06, peso.especial});
         }
-        if (peso->letra == 0) continue;
-        if (peso->letra > 0xFF) clave.push_back(static_cast<std::uint8_t>(peso->letra >> 8));
-        clave.push_back(static_cast<std::uint8_t>(peso->letra));
-        if (peso->acento != 0) {
+        if (peso.letra == 0) continue;
+        if (peso.letra > 0xFF) clave.push_back(static_cast<std::uint8_t>(peso.letra >> 8));
+        clave.push_back(static_cast<std::uint8_t>(peso.letra));
+        if (peso.acento != 0) {
             acentos.resize(posicion, 0x02);
-            acentos.push_back(peso->acento);
+            acentos.push_back(peso.acento);
         }
         ++posicion;
     }
@@ -116,7 +111,7 @@ char16_t AgregarPesos(std::u16string_view texto, std::vector<std::uint8_t>& clav
         clave.insert(clave.end(), especiales.begin(), especiales.end());
     }
     clave.push_back(0x00);
-    return 0;
+    return std::nullopt;
 }
 
 }  // namespace quimo::jet

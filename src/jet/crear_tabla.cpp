@@ -22,18 +22,11 @@ constexpr std::int32_t kTablas = 0x0F000001;
 constexpr std::int32_t kTodosLosPermisos = 0x000FFFFF;
 constexpr std::size_t kCabeceraDeContinuacion = 8;
 
-Result<void> ComprobarNombreLibre(const std::vector<ObjetoCatalogo>& objetos,
-                                  const std::string& nombre) {
-    for (const ObjetoCatalogo& objeto : objetos) {
-        const bool compite = objeto.EsTabla() || objeto.tipo == ObjetoCatalogo::kEnlazadaOdbc ||
-                             objeto.tipo == ObjetoCatalogo::kConsulta ||
-                             objeto.tipo == ObjetoCatalogo::kEnlazada;
-        if (compite && MismoNombre(objeto.nombre, nombre)) {
-            return Error{Error::Codigo::Restriccion,
-                         "Ya hay una tabla o consulta llamada " + objeto.nombre + "."};
-        }
-    }
-    return {};
+Result<void> ComprobarNombreLibre(const Catalogo& catalogo, const std::string& nombre) {
+    const ObjetoCatalogo* otro = catalogo.Buscar(nombre);
+    if (otro == nullptr) return {};
+    return Error{Error::Codigo::Restriccion,
+                 "Ya hay una tabla o consulta llamada " + otro->nombre + "."};
 }
 
 /// Puts map rows on new pages, as many as it takes.
@@ -81,8 +74,10 @@ Valor DuenoDeLaBase(const std::vector<ObjetoCatalogo>& objetos) {
     return {};
 }
 
-Result<void> AgregarAlCatalogo(Almacen& almacen, const std::vector<ObjetoCatalogo>& objetos,
-                               const std::string& nombre, std::uint32_t pagina) {
+/// Returns the object that the catalogue has now.
+Result<ObjetoCatalogo> AgregarAlCatalogo(Almacen& almacen,
+                                         const std::vector<ObjetoCatalogo>& objetos,
+                                         const std::string& nombre, std::uint32_t pagina) {
     std::int32_t padre = kTablas;
     for (const ObjetoCatalogo& objeto : objetos) {
         if (objeto.padre == kRaizDeContenedores && objeto.nombre == "Tables") padre = objeto.id;
@@ -101,7 +96,12 @@ Result<void> AgregarAlCatalogo(Almacen& almacen, const std::vector<ObjetoCatalog
     Escritor escritor(almacen, *esquema);
     QUIMO_TRY_VOID(escritor.PuedeEscribir());
     QUIMO_TRY_VOID(escritor.Insertar(fila));
-    return {};
+    return ObjetoCatalogo{.id = static_cast<std::int32_t>(pagina),
+                          .padre = padre,
+                          .nombre = nombre,
+                          .tipo = ObjetoCatalogo::kTabla,
+                          .banderas = 0,
+                          .dueno = DuenoDeLaBase(objetos)};
 }
 
 /// Everybody who has rights on tables gets rights on the new one.
@@ -173,9 +173,9 @@ Result<void> EscribirDefinicion(Almacen& almacen, std::uint32_t primera,
     }
 }
 
-Result<void> AgregarTabla(Almacen& almacen, const DefTabla& definicion) {
-    QUIMO_TRY(const std::vector<ObjetoCatalogo> objetos, LeerCatalogo(almacen));
-    QUIMO_TRY_VOID(ComprobarNombreLibre(objetos, definicion.nombre));
+Result<std::uint32_t> AgregarTabla(Almacen& almacen, const DefTabla& definicion) {
+    QUIMO_TRY(const auto catalogo, LeerCatalogo(almacen));
+    QUIMO_TRY_VOID(ComprobarNombreLibre(*catalogo, definicion.nombre));
     Transaccion transaccion(almacen);
     QUIMO_TRY(const std::uint32_t tabla, AsignarPagina(almacen));
     Plano plano;
@@ -198,10 +198,12 @@ Result<void> AgregarTabla(Almacen& almacen, const DefTabla& definicion) {
     }
     QUIMO_TRY_VOID(EscribirDefinicion(almacen, tabla,
                                       ArmarDefinicion(definicion, plano, ClaseTabla::Usuario)));
-    QUIMO_TRY_VOID(AgregarAlCatalogo(almacen, objetos, definicion.nombre, tabla));
+    QUIMO_TRY(ObjetoCatalogo objeto,
+              AgregarAlCatalogo(almacen, catalogo->objetos, definicion.nombre, tabla));
     QUIMO_TRY_VOID(AgregarPermisos(almacen, tabla));
     transaccion.Confirmar();
-    return {};
+    almacen.CatalogoLeido()->Agregar(std::move(objeto));
+    return tabla;
 }
 
 }  // namespace quimo::jet

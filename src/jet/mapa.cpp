@@ -209,6 +209,16 @@ Result<std::vector<std::uint32_t>> Mapa::Miembros() const {
     return miembros;
 }
 
+Result<std::vector<std::uint32_t>> Mapa::Nombradas() const {
+    QUIMO_TRY(const FilaDeMapa mapa, LeerMapa(*almacen_, lugar_));
+    std::vector<std::uint32_t> nombradas;
+    QUIMO_TRY_VOID(RecorrerBits(*almacen_, mapa, [&](std::uint64_t p) {
+        nombradas.push_back(static_cast<std::uint32_t>(std::min<std::uint64_t>(p, kPaginasMax)));
+        return true;
+    }));
+    return nombradas;
+}
+
 Result<bool> Mapa::Contiene(std::uint32_t pagina) const {
     QUIMO_TRY(const FilaDeMapa mapa, LeerMapa(*almacen_, lugar_));
     if (!mapa.por_referencia) {

@@ -21,6 +21,8 @@ public:
     bool Existe() const { return lugar_.pagina != 0; }
     /// Ascending. Formato when a member lies outside the file.
     Result<std::vector<std::uint32_t>> Miembros() const;
+    /// The same with those past the end of the file, for reading one that was cut.
+    Result<std::vector<std::uint32_t>> Nombradas() const;
     Result<bool> Contiene(std::uint32_t pagina) const;
     /// The highest members, highest first, at most as many as `destino` holds; returns how many.
     Result<std::size_t> Ultimos(std::span<std::uint32_t> destino) const;

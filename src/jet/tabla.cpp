@@ -1,13 +1,16 @@
 #include "jet/tabla.h"
 
+#include <algorithm>
 #include <utility>
 
+#include "jet/catalogo.h"
 #include "jet/clave.h"
 #include "jet/escritor.h"
 #include "jet/esquema.h"
 #include "jet/indice.h"
 #include "jet/nucleo.h"
 #include "jet/recorrido.h"
+#include "jet/texto.h"
 
 namespace quimo::jet {
 
@@ -37,6 +40,30 @@ Result<std::vector<std::uint8_t>> ClaveBuscada(const Esquema& esquema, std::size
     return ClaveDeValores(esquema, indice, canonicos);
 }
 
+/// A refusal for its relationships names them, not the hidden indexes that keep them.
+Result<void> SinImpedimentos(const Nucleo& nucleo, const Esquema& esquema) {
+    auto puede = Escritor(*nucleo.almacen, esquema).PuedeEscribir();
+    const auto& indices = esquema.tabla.indices;
+    if (puede || std::none_of(indices.begin(), indices.end(),
+                              [](const DefIndice& indice) { return indice.foranea; })) {
+        return puede;
+    }
+    const auto relaciones = LeerRelaciones(*nucleo.almacen);
+    std::string nombres;
+    for (const Relacion& r : relaciones ? *relaciones : std::vector<Relacion>()) {
+        if (!MismoNombre(r.tabla, esquema.tabla.nombre) &&
+            !MismoNombre(r.referida, esquema.tabla.nombre)) {
+            continue;
+        }
+        nombres +=
+            (nombres.empty() ? "" : ", ") + r.nombre + " (de " + r.tabla + " a " + r.referida + ")";
+    }
+    if (nombres.empty()) return puede;
+    return Error{Error::Codigo::NoSoportado,
+                 "La tabla " + esquema.tabla.nombre +
+                     " no se puede cambiar: sus relaciones no se sabrían cuidar: " + nombres + "."};
+}
+
 Result<void> PermiteCambios(const Nucleo& nucleo, const Esquema& esquema) {
     if (nucleo.modo != Modo::Escritura) {
         return Error{Error::Codigo::NoSoportado,
@@ -46,7 +73,7 @@ Result<void> PermiteCambios(const Nucleo& nucleo, const Esquema& esquema) {
         return Error{Error::Codigo::NoSoportado,
                      "La tabla de sistema " + esquema.tabla.nombre + " no se puede cambiar."};
     }
-    return Escritor(*nucleo.almacen, esquema).PuedeEscribir();
+    return SinImpedimentos(nucleo, esquema);
 }
 
 }  // namespace
@@ -93,6 +120,8 @@ Result<std::int32_t> Tabla::UltimoAutonumerico() const {
     QUIMO_TRY(const PaginaLeida pagina, nucleo_->almacen->Leer(esquema_->pagina));
     return static_cast<std::int32_t>(U32(pagina->data() + kPosAutonumerico));
 }
+
+Result<void> Tabla::SeEscribe() const { return SinImpedimentos(*nucleo_, *esquema_); }
 
 Result<Cursor> Tabla::Recorrer() const {
     QUIMO_TRY(auto recorrido, RecorridoPaginas::Empezar(*nucleo_->almacen, esquema_));

@@ -111,6 +111,11 @@ public:
     /// The last autonumber given out, 0 if none.
     Result<std::int32_t> UltimoAutonumerico() const;
 
+    /// Whether this library can change the table, asked before anything is changed: NoSoportado
+    /// names the relationship, the sort order of an indexed text column or the column type that it
+    /// cannot keep right. Does not mind that the file was opened for reading.
+    Result<void> SeEscribe() const;
+
     Result<Cursor> Recorrer() const;
     Result<Fila> Leer(IdFila id) const;
 

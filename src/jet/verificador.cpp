@@ -186,10 +186,10 @@ void Verificacion::ComprobarSinDueno() {
 
 std::vector<Hallazgo> Verificacion::Hacer() {
     ComprobarPaginas01();
-    const auto objetos = LeerCatalogo(almacen_);
-    if (Bien(objetos)) {
-        ComprobarCatalogo(*objetos);
-        ComprobarPermisos(*objetos);
+    const auto catalogo = LeerCatalogo(almacen_);
+    if (Bien(catalogo)) {
+        ComprobarCatalogo((*catalogo)->objetos);
+        ComprobarPermisos((*catalogo)->objetos);
         ComprobarSinDueno();
     }
     return std::move(hallazgos_);

@@ -146,15 +146,36 @@ TEST_P(TodosTest, TextoLargoYEmojiSeRechazanYNadaSePierde) {
     const QString antes = sesion->Valor(1);
     const int largo = sesion->LargoMaximo(1);
     ASSERT_GT(largo, 0);
-    for (const QString& malo : {QString(largo + 1, u'x'), u"Pizza 🍕"_s, u"a\tb"_s}) {
+    struct Caso {
+        QString escrito;
+        QString se_dice;  // at the end
+    };
+    const Caso casos[] = {{QString(largo + 1, u'x'), QString::number(largo + 1)},
+                          {u"Pizza 🍕"_s, u"🍕"_s},
+                          {u"Taco ★"_s, u"★"_s},
+                          {u"Łódź"_s, u"Ł"_s},
+                          {u"a\tb"_s, u"tabulador"_s}};
+    for (const auto& [malo, se_dice] : casos) {
         sesion->Modificar();
         sesion->Escribir(1, malo);
         EXPECT_FALSE(sesion->Guardar());
-        EXPECT_TRUE(Mostrado().startsWith(u"El campo "_s + Def().campos[1].etiqueta.toString()));
+        const QString dicho = Mostrado();
+        EXPECT_TRUE(dicho.startsWith(u"El campo "_s + Def().campos[1].etiqueta.toString()));
+        EXPECT_TRUE(dicho.endsWith(se_dice)) << dicho.toStdString();
         EXPECT_EQ(sesion->Valor(1), malo);
         sesion->Cancelar();
         EXPECT_EQ(sesion->Valor(1), antes);
     }
+}
+
+/// A paste from elsewhere may bring an accent apart from its letter.
+TEST_P(TodosTest, LosAcentosSueltosSeUnenASuLetra) {
+    const auto sesion = Abrir(Def());
+    sesion->Nuevo();
+    Llenar(*sesion, u"Jalapen\u0303o cafe\u0301"_s);
+    ASSERT_TRUE(sesion->Guardar()) << Mostrado().toStdString();
+    EXPECT_EQ(Guardados(u"Jalapeño café"_s), u"1"_s);
+    EXPECT_EQ(sesion->Valor(1), u"Jalapeño café"_s);
 }
 
 TEST_P(TodosTest, OtroUsuarioBorraOCambiaMientras) {

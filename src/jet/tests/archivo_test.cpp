@@ -75,19 +75,63 @@ TEST(Escribir, RehusaTablasConRelacionesYArchivosDeLectura) {
     const auto error = relacionada.Vaciar();
     ASSERT_FALSE(error.has_value());
     EXPECT_EQ(error.error().codigo, Error::Codigo::NoSoportado);
-    EXPECT_NE(error.error().mensaje.find("relaciones"), std::string::npos);
+    EXPECT_NE(error.error().mensaje.find("Table2Table1 (de Table1 a Table2)"), std::string::npos)
+        << error.error().mensaje;
+    EXPECT_EQ(relacionada.SeEscribe().error().mensaje, error.error().mensaje);
+    for (const Relacion& r : Exigir(base.Relaciones())) {
+        if (r.nombre != "Table3Table1") continue;
+        EXPECT_EQ(r.tabla + ">" + r.referida, "Table1>Table3");
+        ASSERT_EQ(r.columnas.size(), 1U);
+        EXPECT_EQ(r.columnas[0], std::pair(std::string("otherfk2"), std::string("id")));
+        EXPECT_TRUE(r.Exigida());
+        return;
+    }
+    FAIL() << "sin Table3Table1";
+}
+
+/// Gives all text columns another sort order.
+void CambiarOrden(std::vector<std::uint8_t>& bytes, OrdenTexto orden) {
+    const std::vector<std::uint8_t> texto = {0x0A, 0x59, 0x06, 0x00, 0x00};
+    for (auto p = bytes.begin();; ++p) {
+        p = std::search(p, bytes.end(), texto.begin(), texto.end());
+        if (p == bytes.end()) return;
+        p[11] = static_cast<std::uint8_t>(orden.lcid);
+        p[12] = static_cast<std::uint8_t>(orden.lcid >> 8);
+        p[14] = static_cast<std::uint8_t>(orden.version);
+    }
+}
+
+TEST(Escribir, LosOrdenesAjenosSeNombranAntesDeEscribir) {
+    const std::pair<OrdenTexto, const char*> casos[] = {
+        {{0x040A, 0}, "español tradicional (0x040A)"},
+        {{0x0C0A, 0}, "español moderno (0x0C0A)"},
+        {{0x0409, 1}, "General (0x0409), versión 1"},
+        {{0x0407, 0}, "el orden 0x0407"},
+    };
+    EXPECT_EQ(Exigir(AbrirCopia(kTerminal).OrdenDeTexto()), (OrdenTexto{0x0409, 0}));
+    Exigir(Exigir(AbrirCopia(kTerminal).AbrirTabla("Comanda")).SeEscribe());
+    for (const auto& [orden, nombre] : casos) {
+        std::vector<std::uint8_t> bytes = LeerBytes(Datos(kTerminal));
+        CambiarOrden(bytes, orden);
+        // The same order for the whole database; page 0 is masked, General is there in the clear.
+        bytes[0x6E] ^= static_cast<std::uint8_t>(orden.lcid ^ 0x0409);
+        bytes[0x6F] ^= static_cast<std::uint8_t>((orden.lcid ^ 0x0409) >> 8);
+        bytes[0x71] ^= static_cast<std::uint8_t>(orden.version);
+        const BaseDatos base = Exigir(BaseDatos::AbrirImagen(bytes));
+        EXPECT_EQ(Exigir(base.OrdenDeTexto()), orden);
+        const auto rehusada = Exigir(base.AbrirTabla("Comanda")).SeEscribe();
+        ASSERT_FALSE(rehusada.has_value());
+        EXPECT_EQ(rehusada.error().codigo, Error::Codigo::NoSoportado);
+        EXPECT_NE(rehusada.error().mensaje.find(nombre), std::string::npos)
+            << rehusada.error().mensaje;
+        EXPECT_NE(rehusada.error().mensaje.find("Fecha_Trabajo"), std::string::npos);
+    }
 }
 
 /// Texts in another sort order are read; keys made of them are not written.
 TEST(Escribir, RehusaClavesEnOtroOrden) {
     std::vector<std::uint8_t> bytes = LeerBytes(Datos(kTerminal));
-    const std::vector<std::uint8_t> texto = {0x0A, 0x59, 0x06, 0x00, 0x00};
-    for (auto p = bytes.begin();; ++p) {
-        p = std::search(p, bytes.end(), texto.begin(), texto.end());
-        if (p == bytes.end()) break;
-        p[11] = 0x0A;
-        p[12] = 0x0C;
-    }
+    CambiarOrden(bytes, {0x0C0A, 0});
     BaseDatos base = Exigir(BaseDatos::AbrirImagen(bytes, Modo::Escritura));
     EXPECT_TRUE(Volcar(base) == LeerTexto(Datos("terminals/BARRA/contents.json")));
     EXPECT_EQ(Hallazgos(base), "");

@@ -33,8 +33,8 @@ TEST(Clave, LosTextosOrdenanComoEnAccess) {
     };
     for (const CasoPesos& caso : casos) {
         std::vector<std::uint8_t> clave;
-        const char16_t sin_peso = AgregarPesos(caso.texto, clave);
-        ASSERT_EQ(sin_peso != 0, caso.bytes == nullptr) << AUtf8(caso.texto);
+        const auto sin_peso = AgregarPesos(caso.texto, clave);
+        ASSERT_EQ(sin_peso.has_value(), caso.bytes == nullptr) << AUtf8(caso.texto);
         if (caso.bytes == nullptr) continue;
         std::string hexadecimal;
         for (const std::uint8_t b : clave) {
@@ -51,8 +51,8 @@ TEST(Clave, SoloLosPrimeros255Caracteres) {
     std::vector<std::uint8_t> corta;
     std::vector<std::uint8_t> larga;
     const std::u16string texto(255, u'x');
-    EXPECT_EQ(AgregarPesos(texto, corta), 0);
-    EXPECT_EQ(AgregarPesos(texto + u"Ω", larga), 0);
+    EXPECT_FALSE(AgregarPesos(texto, corta).has_value());
+    EXPECT_FALSE(AgregarPesos(texto + u"Ω", larga).has_value());
     EXPECT_EQ(corta, larga);
 }
 
