@@ -1,4 +1,4 @@
-#include "dayclose/distribucion.h"
+#include "dayclose/base_nueva.h"
 
 namespace quimo::dayclose {
 

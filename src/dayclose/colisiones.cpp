@@ -73,21 +73,31 @@ const Parentesco* ParentescoDe(const char16_t* tabla) {
     return nullptr;
 }
 
-/// The column as its table's declaration names it: rows are asked by that very name.
-const CampoCopia* CampoDe(const DefCopia& copia, const char16_t* columna) {
-    for (const CampoCopia& campo : copia.al_insertar) {
-        if (Igual(campo.columna, columna)) return &campo;
+/// The place of a column among those that an insert writes, which is how rows are asked.
+std::optional<std::size_t> LugarDe(const DefCopia& copia, const char16_t* columna) {
+    for (std::size_t i = 0; i < copia.al_insertar.size(); ++i) {
+        if (Igual(copia.al_insertar[i].columna, columna)) return i;
     }
-    return nullptr;
+    return std::nullopt;
+}
+
+template <typename Columnas>
+std::vector<std::size_t> LugaresDe(const DefCopia& copia, const Columnas& columnas) {
+    std::vector<std::size_t> lugares;
+    for (const char16_t* columna : columnas) {
+        const auto lugar = columna == nullptr ? std::nullopt : LugarDe(copia, columna);
+        if (lugar) lugares.push_back(*lugar);
+    }
+    return lugares;
 }
 
 /// Up to two whole numbers in one. Nothing when one of the columns holds none.
-template <typename Columnas>
-std::optional<quint64> Empacar(const BaseTerminal::Renglon& renglon, const Columnas& columnas) {
+std::optional<quint64> Empacar(const BaseTerminal::Renglon& renglon,
+                               const std::vector<std::size_t>& lugares) {
     quint64 clave = 0;
     int corrimiento = 32;
-    for (const char16_t* columna : columnas) {
-        const auto literal = renglon.Literal(columna, Forma::Numero);
+    for (const std::size_t lugar : lugares) {
+        const auto literal = renglon.LiteralAlInsertar(lugar, Forma::Numero);
         bool es_entero = false;
         const int numero = literal ? literal->toInt(&es_entero) : 0;
         if (!es_entero) return std::nullopt;
@@ -95,6 +105,18 @@ std::optional<quint64> Empacar(const BaseTerminal::Renglon& renglon, const Colum
         corrimiento -= 32;
     }
     return clave;
+}
+
+ResultadoCierre<void> CadaRenglon(
+    const BaseTerminal& base, const DefCopia& copia,
+    const std::function<ResultadoCierre<void>(const BaseTerminal::Renglon&)>& visitar) {
+    constexpr std::size_t kTanda = 256;
+    return base.Recorrer(copia, kTanda,
+                         [&](std::span<const BaseTerminal::Renglon> tanda) -> ResultadoCierre<void> {
+                             for (const BaseTerminal::Renglon& renglon : tanda)
+                                 QUIMO_TRY_VOID(visitar(renglon));
+                             return {};
+                         });
 }
 
 QString ClaveTexto(const DefCopia& copia, quint64 clave) {
@@ -111,11 +133,10 @@ QString ClaveTexto(const DefCopia& copia, quint64 clave) {
 /// What an insert would write of a row, value by value, to the second where it is a time.
 QStringList Contenido(const DefCopia& copia, const BaseTerminal::Renglon& renglon) {
     QStringList literales;
-    for (const CampoCopia& campo : copia.al_insertar) {
-        const bool es_fecha =
-            campo.forma == Forma::FechaMinutosDoble || campo.forma == Forma::FechaMedianoche;
-        const auto literal =
-            renglon.Literal(campo.columna, es_fecha ? Forma::FechaHora : campo.forma);
+    for (std::size_t i = 0; i < copia.al_insertar.size(); ++i) {
+        const Forma forma = copia.al_insertar[i].forma;
+        const bool es_fecha = forma == Forma::FechaMinutosDoble || forma == Forma::FechaMedianoche;
+        const auto literal = renglon.LiteralAlInsertar(i, es_fecha ? Forma::FechaHora : forma);
         literales << (literal ? *literal : u"un valor ilegible"_s);
     }
     return literales;
@@ -174,7 +195,10 @@ private:
     using Par = std::tuple<const DefCopia*, int, int>;  // table, earlier and later terminal
 
     QString Nombre(int terminal) const { return terminales_[terminal].first; }
-    void Anotar(int terminal, const QString& texto) { hallazgos_.append({terminal, texto}); }
+    enum class Perdida { No, Si };
+    void Anotar(int terminal, const QString& texto, Perdida perdida = Perdida::No) {
+        hallazgos_.append({terminal, texto, perdida == Perdida::Si});
+    }
 
     ResultadoCierre<BaseTerminal> Abrir(int terminal) const {
         return BaseTerminal::Abrir(ruta_local_(Nombre(terminal)), Nombre(terminal));
@@ -241,15 +265,13 @@ ResultadoCierre<void> Busqueda::LeerTabla(const DefCopia& copia) {
 ResultadoCierre<void> Busqueda::LeerDeTerminal(const DefCopia& copia, int terminal) {
     const Parentesco* parentesco = ParentescoDe(copia.tabla);
     const std::vector<quint64>* madres = nullptr;
-    std::vector<const char16_t*> columnas_madre;
+    std::vector<std::size_t> columnas_madre;
     if (parentesco != nullptr) {
         madres = &claves_[QString::fromUtf16(parentesco->madre)];
-        for (const char16_t* columna : parentesco->columnas) {
-            const CampoCopia* campo = columna == nullptr ? nullptr : CampoDe(copia, columna);
-            if (campo != nullptr) columnas_madre.push_back(campo->columna);
-        }
+        columnas_madre = LugaresDe(copia, parentesco->columnas);
     }
-    const CampoCopia* fecha = CampoDe(copia, u"Fecha_Trabajo");
+    const std::vector<std::size_t> columnas_clave = LugaresDe(copia, copia.clave);
+    const auto fecha = LugarDe(copia, u"Fecha_Trabajo");
     const bool con_prefijo = Igual(copia.tabla, u"ProductosXCuenta");
     const QString prefijo = QString::number(terminales_[terminal].second);
     QMap<QString, qint64> fechas;
@@ -257,13 +279,13 @@ ResultadoCierre<void> Busqueda::LeerDeTerminal(const DefCopia& copia, int termin
     Muestra huerfanas;
     QUIMO_TRY(const BaseTerminal base, Abrir(terminal));
     QUIMO_TRY_VOID(
-        base.Recorrer(copia, [&](const BaseTerminal::Renglon& renglon) -> ResultadoCierre<void> {
-            if (fecha != nullptr) {
-                const auto literal = renglon.Literal(fecha->columna, fecha->forma);
+        CadaRenglon(base, copia, [&](const BaseTerminal::Renglon& renglon) -> ResultadoCierre<void> {
+            if (fecha) {
+                const auto literal = renglon.LiteralAlInsertar(*fecha);
                 const QString dia = literal ? LeerLiteral(*literal).texto : QString();
                 if (dia != fecha_cierre_) ++fechas[dia];
             }
-            const auto clave = Empacar(renglon, copia.clave);
+            const auto clave = Empacar(renglon, columnas_clave);
             // Without a key no other row has the same one; the copy itself will refuse it.
             if (!clave) return {};
             anotados_.push_back({*clave, Huella(Contenido(copia, renglon)), terminal});
@@ -360,10 +382,11 @@ ResultadoCierre<QHash<quint64, QStringList>> Busqueda::Renglones(const DefCopia&
                                                                  int terminal,
                                                                  const Muestra& muestra) const {
     QHash<quint64, QStringList> renglones;
+    const std::vector<std::size_t> columnas_clave = LugaresDe(copia, copia.clave);
     QUIMO_TRY(const BaseTerminal base, Abrir(terminal));
     QUIMO_TRY_VOID(
-        base.Recorrer(copia, [&](const BaseTerminal::Renglon& renglon) -> ResultadoCierre<void> {
-            const auto clave = Empacar(renglon, copia.clave);
+        CadaRenglon(base, copia, [&](const BaseTerminal::Renglon& renglon) -> ResultadoCierre<void> {
+            const auto clave = Empacar(renglon, columnas_clave);
             if (clave && muestra.claves.contains(*clave)) {
                 renglones.insert(*clave, Contenido(copia, renglon));
             }
@@ -381,7 +404,8 @@ ResultadoCierre<void> Busqueda::ContarDistintos(const Par& par, const Muestra& m
             claves << ClaveTexto(*copia, clave);
         Anotar(uno, u"%1 tiene %2 (tabla %3) con una clave que se repite en su archivo: %4"_s.arg(
                         Nombre(uno), RenglonesContados(muestra.cuantas, tabla), tabla,
-                        Lista(claves, muestra.cuantas)));
+                        Lista(claves, muestra.cuantas)),
+               Perdida::Si);
         return {};
     }
     QUIMO_TRY(const auto de_uno, Renglones(*copia, uno, muestra));
@@ -407,7 +431,7 @@ ResultadoCierre<void> Busqueda::ContarDistintos(const Par& par, const Muestra& m
     const qint64 mas = muestra.cuantas - muestra.claves.size();
     if (mas > 0) lineas << u"  y %1 más"_s.arg(mas);
     lineas << u"Al copiar queda lo de %1."_s.arg(Nombre(otro));
-    Anotar(otro, lineas.join(u'\n'));
+    Anotar(otro, lineas.join(u'\n'), Perdida::Si);
     return {};
 }
 

@@ -14,6 +14,7 @@ namespace quimo::dayclose {
 struct HallazgoPrevio {
     QString terminal;  ///< the one to look at; of two that collide, the one that is copied later
     QString texto;     ///< Spanish, a few lines: terminals, table, keys, what differs
+    bool se_pierde = false;  ///< a row will stand in the place of another one
 };
 
 /// Looks at the files of all counted terminals together (name and ID_Terminal; `ruta_local` gives a
