@@ -494,6 +494,16 @@ CREATE TABLE Cierre_Avance (
 )
 GO
 
+-- Who holds a lock of the installation, as it is told to the others. The lock itself is the
+-- session's (sp_getapplock): a row without it means nothing.
+CREATE TABLE Candado (
+    Nombre VARCHAR(50) NOT NULL CONSTRAINT PK_Candado PRIMARY KEY,
+    Quien VARCHAR(200) NOT NULL,
+    Desde DATETIME NOT NULL,
+    Renovado DATETIME NOT NULL
+)
+GO
+
 -- Views of reports ---------------------------------------------------------------------------
 
 CREATE VIEW Vw_DetalleHoras AS

@@ -183,7 +183,7 @@ public:
             [](const Hallado& a, const Hallado& b) { return a.terminal < b.terminal; });
         QVector<HallazgoPrevio> hallazgos;
         for (const Hallado& hallado : hallazgos_)
-            hallazgos.append({Nombre(hallado.terminal), hallado.texto});
+            hallazgos.append({Nombre(hallado.terminal), hallado.texto, hallado.se_pierde});
         return hallazgos;
     }
 
@@ -191,6 +191,7 @@ private:
     struct Hallado {
         int terminal;
         QString texto;
+        bool se_pierde;
     };
     using Par = std::tuple<const DefCopia*, int, int>;  // table, earlier and later terminal
 

@@ -133,6 +133,10 @@ constexpr auto kPlantillas = std::to_array<Plantilla>({
     {1205, "40001",
      "Transaction was deadlocked on lock resources with another process and has been "
      "chosen as the deadlock victim. Rerun the transaction."},
+    {1223, "42000",
+     "Cannot release the application lock (Database Principal: 'public', Resource: '%1') because "
+     "it "
+     "is not currently held."},
     {1222, "HYT00", "Lock request time out period exceeded."},
     {1750, "42000", "Could not create constraint or index. See previous errors."},
     {1767, "42000", "Foreign key '%1' references invalid table '%2'."},

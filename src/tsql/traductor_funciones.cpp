@@ -55,6 +55,7 @@ constexpr auto kSencillas = std::to_array<Sencilla>({
     {"NEWID", 0, 0, "q_nuevo_id()", "", 'U'},
     {"OBJECT_ID", 1, 2, "q_objeto(%*)", "tt", 'I'},
     {"OBJECT_NAME", 1, 1, "q_nombre_objeto(%*)", "i", 'M'},
+    {"APPLOCK_MODE", 3, 3, "q_candado(%*)", "ttt", 'M'},
     {"ISDATE", 1, 1, "q_es_fecha(%*)", "t", 'I'},
     {"CONCAT", 2, 250, "q_concatenar(%*)", "t", 'M'},
 });

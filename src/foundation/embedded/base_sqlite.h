@@ -65,6 +65,7 @@ public:
     Hecho Abrir(const std::string& archivo, bool crear);
     void Cerrar();
     bool Abierta() const { return base_ != nullptr; }
+    const std::string& Archivo() const { return archivo_; }
 
     Resultado<Preparada> Preparar(const std::string& sql, bool duradera = false);
     /// Runs statements that bind nothing and whose rows nobody reads.

@@ -133,6 +133,9 @@ private:
         contexto.id_objeto = [this](const std::string& nombre, const std::string& clase) {
             return IdObjeto(nombre, clase);
         };
+        contexto.tiene_candado = [this](const std::string& nombre) {
+            return sesion_.Cerrojos().Tiene(nombre);
+        };
         contexto.nombre_objeto = [this](std::int64_t id) {
             for (const auto& [clave, tabla] : sesion_.Catalogo().Tablas()) {
                 if (tabla->id == id) return Valor::DeTexto(tabla->nombre);

@@ -76,6 +76,12 @@ void IdObjeto(sqlite3_context* sitio, int cuantos, sqlite3_value** valores) {
     AMotor(sitio, Contexto(sitio).id_objeto(nombre, clase));
 }
 
+/// APPLOCK_MODE('public', 'resource', 'Session')
+void ModoDeCandado(sqlite3_context* sitio, int /*cuantos*/, sqlite3_value** valores) {
+    const bool suyo = Contexto(sitio).tiene_candado(DeMotor(valores[1]).texto);
+    AMotor(sitio, Valor::DeTexto(suyo ? "Exclusive" : "NoLock"));
+}
+
 void NombreObjeto(sqlite3_context* sitio, int /*cuantos*/, sqlite3_value** valores) {
     AMotor(sitio, Contexto(sitio).nombre_objeto(DeMotor(valores[0]).Entero()));
 }
@@ -233,6 +239,7 @@ constexpr DeConexion kDeConexion[] = {
     {"q_fn", -1, LlamarPropia, nullptr, nullptr},
     {"q_objeto", 1, IdObjeto, nullptr, nullptr},
     {"q_objeto", 2, IdObjeto, nullptr, nullptr},
+    {"q_candado", 3, ModoDeCandado, nullptr, nullptr},
     {"q_nombre_objeto", 1, NombreObjeto, nullptr, nullptr},
     {"q_identidad", 0, SiguienteNumero, nullptr, nullptr},
     {"q_numero_dado", 1, NumeroDado, nullptr, nullptr},

@@ -17,6 +17,7 @@ struct ContextoFunciones {
     std::function<Resultado<Valor>(const std::string& funcion, tsql::Argumentos argumentos)> llamar;
     std::function<Valor(const std::string& nombre, const std::string& clase)> id_objeto;
     std::function<Valor(std::int64_t id)> nombre_objeto;
+    std::function<bool(const std::string& nombre)> tiene_candado;
     // Numbering of an identity column, for the statement that is running.
     std::int64_t ultimo_numero = 0;
     std::int64_t incremento = 1;

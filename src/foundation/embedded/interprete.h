@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <map>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -68,6 +69,11 @@ private:
     Hecho HacerTruncar(const tsql::Truncar& truncar);
     Hecho HacerDefinicion(const tsql::Sentencia& sentencia, Marco& marco);
     Resultado<Flujo> HacerExec(const tsql::Ejecutar& ejecutar, Marco& marco);
+    static bool EsDeCandados(const tsql::NombreObjeto& nombre);
+    Resultado<Flujo> HacerCandado(const tsql::Ejecutar& ejecutar, Marco& marco);
+    Resultado<std::map<std::string, ValorConTipo>> ArgumentosDe(
+        const tsql::Ejecutar& ejecutar, std::span<const std::string_view> nombres, Marco& marco);
+    int TomarCandado(const std::string& recurso, std::int64_t plazo_ms);
     Resultado<Flujo> HacerTexto(const tsql::Ejecutar& ejecutar, Marco& marco);
     Hecho Argumentos(const tsql::Ejecutar& ejecutar, const tsql::CrearModulo& modulo, Marco& marco,
                      Marco& nuevo);

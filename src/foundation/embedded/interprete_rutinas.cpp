@@ -193,6 +193,7 @@ Hecho Interprete::Devolver(const tsql::Ejecutar& ejecutar, const tsql::CrearModu
 Resultado<Flujo> Interprete::HacerExec(const tsql::Ejecutar& ejecutar, Marco& marco) {
     QUIMO_TRY_VOID(sesion_.Catalogo().Refrescar());
     const tsql::ModuloPtr modulo = sesion_.Catalogo().BuscarModulo(ejecutar.nombre);
+    if (!modulo && EsDeCandados(ejecutar.nombre)) return HacerCandado(ejecutar, marco);
     if (!modulo || modulo->clase != tsql::CrearModulo::Clase::Procedimiento) {
         return tsql::CrearError(2812, ejecutar.nombre.Completo());
     }

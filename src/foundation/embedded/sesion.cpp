@@ -60,6 +60,7 @@ void Sesion::Cerrar() {
     recordados_.clear();
     modulos_.clear();
     catalogo_.Cerrar();
+    candados_.Cerrar();
     estado_.transacciones = 0;
     base_.Cerrar();
 }

@@ -8,6 +8,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "foundation/embedded/candados.h"
 #include "foundation/embedded/catalogo_embebido.h"
 #include "foundation/embedded/funciones_sqlite.h"
 #include "foundation/reloj.h"
@@ -62,6 +63,7 @@ public:
     CatalogoEmbebido& Catalogo() { return catalogo_; }
     ContextoFunciones& Contexto() { return contexto_; }
     EstadoSesion& Estado() { return estado_; }
+    Candados& Cerrojos() { return candados_; }
     const std::string& NombreBase() const { return nombre_base_; }
 
     // Transactions, nested as T-SQL nests them. One that could not be confirmed is over: rolled
@@ -111,6 +113,7 @@ private:
     ContextoFunciones contexto_;  // outlives the file: functions point to it
     BaseSqlite base_;
     CatalogoEmbebido catalogo_;
+    Candados candados_;
     EstadoSesion estado_;
     std::string nombre_base_;
     std::string nombre_externo_;

@@ -123,6 +123,7 @@ public:
                 Escalar(std::string(f.nombre).c_str(), f.argumentos);
         Escalar("q_fn", -1);
         Escalar("q_objeto", -1);
+        Escalar("q_candado", 3);
         Escalar("q_nombre_objeto", 1);
         Escalar("q_identidad", 0);
         Escalar("q_numero_dado", 1);

@@ -1,5 +1,7 @@
 // The connection: parameters, kinds of values, cached translations, several connections, files.
 
+#include <thread>
+
 #include <QDir>
 #include <QUuid>
 
@@ -118,6 +120,51 @@ TEST_F(ConexionEmbebidaTest, OtraConexionVeLoConfirmadoYNadaMas) {
     EXPECT_EQ(ATexto(otra->Ejecutar(U("EXEC P")).resultados[0].conjunto->filas[0][0]), U("5"));
     base_.Bien(U("ALTER PROCEDURE P AS SELECT a*2 FROM Nueva"));
     EXPECT_EQ(ATexto(otra->Ejecutar(U("EXEC P")).resultados[0].conjunto->filas[0][0]), U("10"));
+}
+
+// What is read after BEGIN is still so when it is written: nobody wrote in between.
+TEST_F(ConexionEmbebidaTest, QuienEmpiezaDespuesEspera) {
+    base_.Bien(U("CREATE TABLE T (N INT) INSERT INTO T VALUES (0)"));
+    ASSERT_TRUE(base_->Iniciar().has_value());
+    EXPECT_EQ(ATexto(base_.Uno(U("SELECT N FROM T"))), U("0"));
+    std::thread otro([this] {
+        const auto suya = base_.Otra();
+        EXPECT_FALSE(suya->Ejecutar(U("UPDATE T SET N=N+1")).fallo.has_value());
+    });
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    base_.Bien(U("UPDATE T SET N=10"));
+    EXPECT_TRUE(base_->Confirmar().has_value());
+    otro.join();
+    EXPECT_EQ(ATexto(base_.Uno(U("SELECT N FROM T"))), U("11"));
+}
+
+// A numbered row reads the last number and writes the next.
+TEST_F(ConexionEmbebidaTest, DosQueNumeranALaVezNoFallanNiRepiten) {
+    constexpr int kFilas = 60;
+    base_.Bien(U("CREATE TABLE T (ID INT IDENTITY(1,1) PRIMARY KEY, N INT)"));
+    const auto numerar = [this] {
+        const auto suya = base_.Otra();
+        for (int i = 0; i < kFilas; ++i) {
+            EXPECT_FALSE(suya->Ejecutar(U("INSERT INTO T (N) VALUES (1)")).fallo.has_value());
+        }
+    };
+    std::thread uno(numerar);
+    std::thread dos(numerar);
+    uno.join();
+    dos.join();
+    EXPECT_EQ(ATexto(base_.Uno(U("SELECT MAX(ID)*1000+COUNT(*) FROM T"))), U("120120"));
+}
+
+// Definitions that two make without knowing of each other's are both there.
+TEST_F(ConexionEmbebidaTest, DosQueCreanTablasALaVezLasTienenTodas) {
+    const auto otra = base_.Otra();
+    base_.Bien(U("CREATE TABLE A (ID INT NOT NULL PRIMARY KEY, N INT)"));
+    EXPECT_FALSE(otra->Ejecutar(U("CREATE TABLE B (X INT NOT NULL)")).fallo.has_value());
+    EXPECT_FALSE(otra->Ejecutar(U("CREATE INDEX IX_A ON A (N)")).fallo.has_value());
+    EXPECT_EQ(otra->Ejecutar(U("CREATE TABLE A (Z INT)")).fallo->Nativo(), 2714);
+    base_.Reabrir();
+    base_.Bien(U("INSERT INTO A VALUES (1,2) INSERT INTO B VALUES (3)"));
+    EXPECT_EQ(ATexto(base_.Uno(U("SELECT N+X FROM A,B"))), U("5"));
 }
 
 TEST_F(ConexionEmbebidaTest, LoNoConfirmadoSeVaConLaConexion) {
