@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "base/check.h"
+#include "base/decimal.h"
 
 namespace quimo::base {
 
@@ -24,11 +25,13 @@ std::uint64_t Magnitud(std::int64_t valor) {
     return valor < 0 ? ~static_cast<std::uint64_t>(valor) + 1 : static_cast<std::uint64_t>(valor);
 }
 
-std::int64_t DividirRedondeando(std::int64_t valor, std::int64_t divisor) {
-    const std::int64_t cociente = valor / divisor;
-    const std::int64_t resto = valor % divisor;
-    if (std::abs(resto) * 2 < divisor) return cociente;
-    return valor < 0 ? cociente - 1 : cociente + 1;
+/// The quotient rounded half away from zero; nothing when it does not fit.
+std::optional<std::int64_t> DividirRedondeando(Int128 valor, std::int64_t divisor) {
+    Int128 cociente = valor / divisor;
+    const Int128 resto = valor % divisor;
+    if ((resto < 0 ? -resto : resto) * 2 >= divisor) cociente += valor < 0 ? -1 : 1;
+    if (cociente != static_cast<std::int64_t>(cociente)) return std::nullopt;
+    return static_cast<std::int64_t>(cociente);
 }
 
 }  // namespace
@@ -121,11 +124,14 @@ Dinero Dinero::operator*(std::int64_t veces) const {
 }
 
 Dinero Dinero::Fraccion(std::int64_t diezmilesimas) const {
-    return DeDiezmilesimas(DividirRedondeando((*this * diezmilesimas).diezmilesimas_, kUno));
+    const auto parte = DividirRedondeando(Int128{diezmilesimas_} * diezmilesimas, kUno);
+    QUIMO_CHECK(parte.has_value());
+    return DeDiezmilesimas(*parte);
 }
 
 Dinero Dinero::ACentavos() const {
-    return DeDiezmilesimas(DividirRedondeando(diezmilesimas_, 100) * 100);
+    // Whole cents lie within the range wherever the amount does.
+    return DeDiezmilesimas(*DividirRedondeando(diezmilesimas_, 100) * 100);
 }
 
 }  // namespace quimo::base

@@ -25,9 +25,15 @@ bool Logico(const jet::Valor& valor) {
     const auto* logico = std::get_if<bool>(&valor);
     return logico != nullptr && *logico;
 }
-Dinero Monto(const jet::Valor& valor) {
+// An amount that a sale can be made of: the sums and shares of a day must fit.
+Result<Dinero> Monto(const jet::Valor& valor, const std::string& tabla, int id) {
+    constexpr Dinero kTope = Dinero::DeEntero(100'000'000);
     const auto* monto = std::get_if<Dinero>(&valor);
-    return monto == nullptr ? Dinero() : *monto;
+    if (monto == nullptr) return Dinero();
+    if (*monto <= kTope && *monto >= Dinero() - kTope) return *monto;
+    return Error{Error::Codigo::Datos, "El importe " + monto->AMoneda() + " de la tabla " + tabla +
+                                           ", clave " + std::to_string(id) +
+                                           ", no es de un restaurante."};
 }
 double Real(const jet::Valor& valor) {
     const auto* real = std::get_if<double>(&valor);
@@ -61,9 +67,10 @@ Result<void> LeerProductos(const jet::BaseDatos& base, Catalogo& catalogo) {
                          "ID_Grupo_Modificadores", "Estado", "Paquete"}));
     for (const Fila& fila : productos) {
         const int id = Entero(fila[0]);
+        QUIMO_TRY(const Dinero precio, Monto(fila[2], "Producto", id));
         catalogo.productos[id] = {.id = id,
                                   .categoria = Entero(fila[1]),
-                                  .precio = Monto(fila[2]),
+                                  .precio = precio,
                                   .grupo_modificadores = Entero(fila[4]),
                                   .abierto = Logico(fila[3]),
                                   .activo = Letra(fila[5]) == u'A',
@@ -93,7 +100,8 @@ Result<void> LeerModificadores(const jet::BaseDatos& base, Catalogo& catalogo) {
                         {"ID_Tipo_Modificador", "Precio_Tipo_Modificador", "Estado_Modificador"}));
     std::map<int, Dinero> precios;
     for (const Fila& fila : tipos) {
-        if (Letra(fila[2]) == u'A') precios[Entero(fila[0])] = Monto(fila[1]);
+        if (Letra(fila[2]) != u'A') continue;
+        QUIMO_TRY(precios[Entero(fila[0])], Monto(fila[1], "Tipo_Modificador", Entero(fila[0])));
     }
     QUIMO_TRY(const auto grupos, LeerTabla(base, "Grupo_Modificadores",
                                            {"ID_Grupo_Modificadores", "Grupo_Mod_Activo"}));
@@ -180,10 +188,12 @@ Result<void> LeerCortesias(const jet::BaseDatos& base, Catalogo& catalogo) {
     for (const Fila& fila : tipos) {
         if (!Logico(fila[5])) continue;
         const int id = Entero(fila[0]);
+        QUIMO_TRY(const Dinero cantidad, Monto(fila[2], "Tipo_Cortesia", id));
+        QUIMO_TRY(const Dinero maximo, Monto(fila[3], "Tipo_Cortesia", id));
         catalogo.cortesias.push_back({.id = id,
                                       .tipo = Letra(fila[1]),
-                                      .cantidad = Monto(fila[2]),
-                                      .maximo = Monto(fila[3]),
+                                      .cantidad = cantidad,
+                                      .maximo = maximo,
                                       .por_articulo = Logico(fila[4]),
                                       .productos = std::move(productos[id])});
     }

@@ -6,6 +6,7 @@
 
 #include "app/demo/carta.h"
 #include "base/check.h"
+#include "base/decimal.h"
 
 namespace quimo::app::demo {
 
@@ -66,9 +67,10 @@ constexpr const char16_t* kComentarios[] = {
 
 // Its part of an amount that contains it together with other included rates.
 Dinero Contenido(Dinero monto, int tasa, int tasas_incluidas) {
-    const std::int64_t divisor = 10000 + tasas_incluidas;
-    const std::int64_t producto = monto.Diezmilesimas() * tasa;
-    return Dinero::DeDiezmilesimas((2 * producto + divisor) / (2 * divisor));
+    const base::Int128 divisor = 10000 + tasas_incluidas;
+    const base::Int128 producto = base::Int128{monto.Diezmilesimas()} * tasa;
+    return Dinero::DeDiezmilesimas(
+        static_cast<std::int64_t>((2 * producto + divisor) / (2 * divisor)));
 }
 
 }  // namespace

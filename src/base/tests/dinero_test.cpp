@@ -23,6 +23,9 @@ TEST(Dinero, LeeSoloNumerosQueCabenYRedondea) {
         {"1.23454999", "1.2345"},
         {"922337203685477.5807", "922337203685477.5807"},
         {"922337203685477.5808", nullptr},
+        {"-922337203685477.5808", "-922337203685477.5808"},
+        {"-922337203685477.58085", nullptr},
+        {"-922337203685477.58084", "-922337203685477.5808"},
         {"9999999999999999999999", nullptr},
         {"1.2.3", nullptr},
         {"1,5", nullptr},
@@ -52,9 +55,33 @@ TEST(Dinero, LaFraccionRedondeaLasMitadesLejosDelCero) {
     EXPECT_EQ(Dinero::DeDiezmilesimas(-1005).Fraccion(5000).Diezmilesimas(), -503);
 }
 
-TEST(DineroDeathTest, UnaSumaFueraDeRangoNoSigue) {
+TEST(Dinero, LoQueNoCabeSeDice) {
+    constexpr auto kMaximo = std::numeric_limits<std::int64_t>::max();
+    constexpr auto kMinimo = std::numeric_limits<std::int64_t>::min();
+    const Dinero maximo = Dinero::DeDiezmilesimas(kMaximo);
+    const Dinero minimo = Dinero::DeDiezmilesimas(kMinimo);
+    const Dinero poco = Dinero::DeDiezmilesimas(1);
+    EXPECT_FALSE(maximo.Mas(poco));
+    EXPECT_FALSE(minimo.Mas(-poco));
+    EXPECT_EQ(minimo.Mas(maximo), -poco);
+    EXPECT_FALSE(minimo.Menos(poco));
+    EXPECT_FALSE(Dinero().Menos(minimo));
+    EXPECT_EQ(maximo.Menos(maximo), Dinero());
+    EXPECT_FALSE(maximo.Por(2));
+    EXPECT_FALSE(minimo.Por(-1));
+    EXPECT_EQ(poco.Por(-3), Dinero::DeDiezmilesimas(-3));
+    // The product of the two does not fit, the fraction does.
+    EXPECT_EQ(maximo.Fraccion(5000), Dinero::DeDiezmilesimas(kMaximo / 2 + 1));
+    EXPECT_EQ(minimo.Fraccion(10000), minimo);
+    EXPECT_EQ(maximo.AMoneda(), "$922,337,203,685,477.58");
+    EXPECT_EQ(minimo.AMoneda(), "-$922,337,203,685,477.58");
+    EXPECT_EQ(minimo.ATexto(), "-922337203685477.5808");
+}
+
+TEST(DineroDeathTest, LoQueSaleDelRangoNoSigue) {
     const Dinero maximo = Dinero::DeDiezmilesimas(std::numeric_limits<std::int64_t>::max());
     EXPECT_DEATH(static_cast<void>(maximo + Dinero::DeDiezmilesimas(1)), "Error interno");
+    EXPECT_DEATH(static_cast<void>(maximo.Fraccion(10001)), "Error interno");
 }
 
 }  // namespace

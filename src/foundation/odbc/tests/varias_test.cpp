@@ -49,8 +49,11 @@ protected:
         if (respuesta.fallo) dicho += QStringLiteral(", fallo %1").arg(respuesta.fallo->Nativo());
         for (const ResultadoSql& resultado : respuesta.resultados)
             EXPECT_FALSE(resultado.conjunto.has_value());
-        if (!conexion.EnTransaccion()) dicho += U(", sin transacción");
-        if (conexion.EnTransaccion()) EXPECT_TRUE(conexion.Confirmar().has_value());
+        if (conexion.EnTransaccion()) {
+            EXPECT_TRUE(conexion.Confirmar().has_value());
+        } else {
+            dicho += U(", sin transacción");
+        }
         const RespuestaSql filas = conexion.Ejecutar(U("SELECT * FROM T ORDER BY a"));
         EXPECT_FALSE(conexion.Ejecutar(U("DELETE FROM T WHERE a<>900")).fallo.has_value());
         return dicho + u'\n' + Escrito(filas);
@@ -82,7 +85,7 @@ TEST_F(VariasTest, LaQueFallaSeConoceYNadaDetrasSeHace) {
         "INSERT INTO T (a,e) VALUES (901,NULL)",         // 515
         "INSERT INTO T (a,b) VALUES (901,'demasiado')",  // 8152
         "INSERT INTO T (a) VALUES ('x')",                // 245
-        "UPDATE T SET d='30/02/2026' WHERE a=0",         // 242
+        "UPDATE T SET d='30/02/2026' WHERE a=900",       // 242
         "INSERT INTO T (a,nada) VALUES (901,1)",         // 207
         "INSERT INTO Nada (a) VALUES (1)",               // 208
         "INSERT INTO T (a VALUES (901)",                 // 102: the whole text is not read
