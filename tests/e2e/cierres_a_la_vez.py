@@ -46,7 +46,7 @@ def meanwhile(r):
             wrong.append(f"another close is not refused within {WAIT_S} s")
             continue
         if other.returncode != 1 or not error.strip() or output.strip():
-            wrong.append(f"another close is not refused: status {other.returncode}, {output!r} {error!r}")
+            wrong.append(f"another close is not refused: status {other.returncode}, {output[:60]!r} {error[-160:]!r}")
         wrong += said(subprocess.CompletedProcess([], other.returncode, output, error), "another close")
     return wrong
 
@@ -82,11 +82,13 @@ def main():
     r = make()
     calm = Calm(r, inyector)
     r.remove()
-    # From where the date has moved on: what the first close holds before that nobody else can see.
+    # From where the date has moved on to where the last terminal has its database: before and after that there
+    # is no close to be disturbed.
     begun = next(i for i, (_, path, _) in enumerate(calm.calls) if path.startswith("/dir/"))
+    ended = max(i for i, (_, path, _) in enumerate(calm.calls) if path.startswith("/red/"))
     deviations = 0
     for k in range(points):
-        n = begun + int((len(calm.calls) - begun) * (k + 0.5) / points)
+        n = begun + int((ended - begun) * (k + 0.5) / points)
         wrong = check(make, calm, inyector, n, kill=k % 4 == 3)
         deviations += len(wrong)
         if wrong:

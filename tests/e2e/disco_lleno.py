@@ -100,7 +100,7 @@ def main():
     r.remove()
     mounting = may_mount()
     deviations = 0
-    for what, most in (("central", 4096), ("programa", 6144), ("terminal", 1024)):
+    for what, most in (("central", 1536), ("programa", 16384), ("terminal", 1024)):
         statuses = []
         for k in range(sizes):
             room = 16 * KB + most * KB * k // (sizes - 1)

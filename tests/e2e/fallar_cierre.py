@@ -12,7 +12,7 @@ terminal holds its old database or the new one, and an old one that is gone is i
 the close is continued without faults, and every table of the central database, every terminal and
 every share must be as after the undisturbed close.
 
---muestra N takes N points, spread evenly; without it all are taken, which lasts for hours. Each
+--muestra N takes N points, spread evenly over the calls of each kind; without it all are taken, which lasts for hours. Each
 deviation is told with its point, which --solo repeats.
 """
 import argparse
@@ -34,8 +34,10 @@ from matar_cierre import DATE, PENDING, TERMINALS, Restaurant, digest, new_centr
 DAY = "14112026"
 WRITES = "abrir,escribir,carpeta,recortar"
 # How a call is disturbed: mode, the kinds that are counted (none: all), the error.
-PLANS = [("una", "", errno.EIO), ("una", WRITES, errno.ENOSPC), ("todas", "", errno.EIO),
-         ("todas", WRITES, errno.ENOSPC), ("mitad", "escribir", 0), ("antes", "", 0), ("despues", "", 0)]
+PLANS = [("una", "sincronizar", errno.EIO), ("una", "escribir", errno.EIO), ("una", "abrir,cerrar", errno.EIO),
+         ("una", "renombrar,borrar,carpeta,recortar,mapear", errno.EIO), ("una", WRITES, errno.ENOSPC),
+         ("todas", "", errno.EIO), ("todas", WRITES, errno.ENOSPC), ("mitad", "escribir", 0),
+         ("antes", "", 0), ("despues", "", 0)]
 # What the libraries below say and no manager should read.
 # What follows [SQL Server] is the server's own text, in its language.
 FOREIGN = re.compile(r"terminate called|what\(\)|Traceback|disk I/O|database or disk|unable to open|is locked|malformed"
@@ -226,11 +228,12 @@ def durable(calls):
     return wrong
 
 
-def spread(plans, calm, sample):
+def spread(calm, sample):
+    """All points, or so many, as many of each plan: rare calls are not less important than frequent ones."""
     points = []
-    counts = [calm.count(kinds) for _, kinds, _ in plans]
-    for (mode, kinds, error), count in zip(plans, counts):
-        take = count if sample is None else min(count, max(2, round(sample * count / sum(counts))))
+    for mode, kinds, error in PLANS:
+        count = calm.count(kinds)
+        take = count if sample is None else min(count, max(1, sample // len(PLANS)))
         points += [Point(mode, kinds, error, int(count * (k + 0.5) / take) + 1) for k in range(take)]
     return points
 
@@ -256,7 +259,7 @@ def main():
     calm = Calm(r, options.inyector)
     r.remove()
     failures = [f"undisturbed: {text}" for text in durable(calm.calls)]
-    points = options.solo or spread(PLANS, calm, options.muestra)
+    points = options.solo or spread(calm, options.muestra)
     print(f"{len(calm.calls)} calls in an undisturbed close, {len(points)} points", flush=True)
     print("\n".join(failures), flush=True)
     statuses, steps = collections.Counter(), collections.Counter()
