@@ -82,9 +82,8 @@ ResultadoArchivo<void> ExigirEstado(ConexionSmb& conexion, const RutaRed& ruta,
 ResultadoArchivo<void> Escribir(ConexionSmb& conexion, const QString& local, const RutaRed& ruta) {
     qint64 bytes = 0;
     {
-        QUIMO_TRY(
-            ArchivoSmb salida,
-            conexion.AbrirArchivo(ruta, O_WRONLY | O_CREAT | O_TRUNC | O_SYNC, Compartir::Nada));
+        QUIMO_TRY(ArchivoSmb salida,
+                  conexion.AbrirArchivo(ruta, O_WRONLY | O_CREAT | O_TRUNC, Compartir::Nada));
         QUIMO_TRY_VOID(RecorrerArchivo(local, [&](const char* datos, qsizetype cuantos) {
             bytes += cuantos;
             return salida.Escribir(datos, cuantos);

@@ -26,8 +26,8 @@ namespace quimo::dayclose {
 /// library speaks it has no rename over an existing file (it deletes that first), hence:
 ///   1. the destination is opened for us alone and closed again: who holds it open is told (70)
 ///      before anything is touched;
-///   2. the new file is written beside it, "Quimo_Terminal.mdb.parcial", through to the disk as far
-///      as the server does what it is asked, and its size is checked;
+///   2. the new file is written beside it, "Quimo_Terminal.mdb.parcial", and its size is checked.
+///      When it reaches the disk the other computer decides: the library cannot ask for it;
 ///   3. the destination is opened for us alone again and read: other contents than expected end it
 ///      here. It must be closed before the next step, so its size and time are compared again;
 ///   4. "...mdb" becomes "...mdb.anterior", whose size and time are compared once more: a sale that

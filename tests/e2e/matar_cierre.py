@@ -24,6 +24,8 @@ TABLES = {"Comanda": "ID_Comanda", "Cuenta": "ID_Comanda,Num_Cuenta", "Productos
           "Parametros": "ID_Parametro", "Transacciones": "ID_Transaccion", "Cierre_Pendiente": "Fecha_Cierre"}
 DATE = "SELECT Valor_Cad FROM Parametros WHERE ID_Parametro='FECHA_TRABAJO'"
 
+PENDING = "SELECT COUNT(*) FROM Cierre_Pendiente"
+
 
 class Restaurant:
     def __init__(self, ctl, data, central):
@@ -47,9 +49,11 @@ class Restaurant:
     def network(self):
         return ["--red", f"{self.dir}/red"]
 
+    def command(self, *options):
+        return [self.ctl, "cerrar", "embebido", self.db, *self.network(), "--dir", f"{self.dir}/dir", *options]
+
     def close(self, *options):
-        return subprocess.Popen([self.ctl, "cerrar", "embebido", self.db, *self.network(), "--dir",
-                                 f"{self.dir}/dir", *options], stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
+        return subprocess.Popen(self.command(*options), stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
 
     def query(self, statements):
         run = subprocess.run([self.ctl, "sql", "embebido", self.db, "--lineas"], input="\n".join(statements) + "\n",
@@ -104,8 +108,9 @@ def check_point(r, delay, wanted, sold):
         assert digest(archived) == files[name], f"{name} was replaced and its sales are not in the archive"
     orders = {row[0] for row in r.query(["SELECT ID_Comanda FROM Comanda"])[0]["rows"]}
     assert sold <= orders, "an order that was in the central database is gone"
-    if r.query([DATE])[0]["rows"][0][0] == "14112026" or r.query(["SELECT COUNT(*) FROM Cierre_Pendiente"])[0]["rows"][0][0]:
-        process = r.close("--continuar")
+    date, pending = (answer["rows"][0][0] for answer in r.query([DATE, PENDING]))
+    if pending or date == "14112026":
+        process = r.close(*(["--continuar"] if pending else []))
         error = process.communicate(timeout=120)[1].decode()
         assert process.returncode == 0, error
     assert r.central() == wanted["central"], "the central database differs from the undisturbed one"

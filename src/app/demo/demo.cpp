@@ -15,7 +15,7 @@
 #include "app/demo/sembrar.h"
 #include "app/demo/sql_demo.h"
 #include "dayclose/archivos.h"
-#include "dayclose/distribucion.h"
+#include "dayclose/base_nueva.h"
 #include "dayclose/plantilla.h"
 #include "foundation/esquema.h"
 #include "foundation/parametros.h"

@@ -150,10 +150,10 @@ QString Restaurante::Terminal(const QString& nombre) const {
 
 void Restaurante::Reconectar() {
     ado_.reset();
-    foundation::OpcionesBitacora opciones;
-    opciones.PArchivoLog = raiz_ + u"/QUIMO.log"_s;
-    opciones.PMsgBox = false;
-    bitacora_ = std::make_unique<foundation::ClsBitacora>(opciones, dialogos, reloj);
+    foundation::OpcionesBitacora de_bitacora;
+    de_bitacora.PArchivoLog = raiz_ + u"/QUIMO.log"_s;
+    de_bitacora.PMsgBox = false;
+    bitacora_ = std::make_unique<foundation::ClsBitacora>(de_bitacora, dialogos, reloj);
     ado_ = std::make_unique<foundation::ClsAdo>(foundation::CrearConector(reloj), dialogos,
                                                 *bitacora_);
     QString servidor = u"embebido"_s;

@@ -7,6 +7,7 @@
 
 #include <QCryptographicHash>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
@@ -257,6 +258,7 @@ TEST_F(SmbShareTest, LoQueDejoUnReemplazoInterrumpidoSeArregla) {
                 EXPECT_TRUE(existe && *existe) << caso.nombre.toStdString();
                 ASSERT_TRUE(share_->Traer(kRemoto, Local()));
                 EXPECT_EQ(LeerArchivo(Local()), caso.se_trae) << caso.nombre.toStdString();
+                EXPECT_FALSE(QFile::exists(Servida(base + u".anterior"_s)));
             }
             EscribirArchivo(Nueva(), "otra");
             ASSERT_EQ(NumeroDe(Llevar(kRemoto)), 0) << caso.nombre.toStdString();
@@ -400,6 +402,26 @@ TEST_F(SmbShareTest, UnEnvioQueSeRompeDejaElAnteriorYElSiguienteLlega) {
         EXPECT_EQ(LeerArchivo(Servida(u"Quimo_Terminal.mdb"_s)), "nueva");
         EXPECT_EQ(EnLaCarpeta(), QStringList{u"Quimo_Terminal.mdb"_s});
     }
+}
+
+TEST_F(SmbShareTest, QuienEnmudeceAntesDelReemplazoCuestaCuatroPlazosYConservaLoSuyo) {
+    constexpr qint64 kPlazosMs = 4 * 1000;
+    constexpr qint64 kHolguraMs = 2000;  // a busy machine
+    share_ = std::make_unique<SmbShare>(Configuracion("[Breve]\nplazo = 1\n"));
+    const QString remoto = u"\\\\BREVE\\quimo\\Quimo_Terminal.mdb"_s;
+    QElapsedTimer reloj;
+    share_->antes_de_reemplazar = [&] {
+        servidor_->Congelar();
+        reloj.start();
+    };
+    EXPECT_EQ(NumeroDe(Llevar(remoto)), 52);
+    EXPECT_LT(reloj.elapsed(), kPlazosMs + kHolguraMs);
+    servidor_->Matar();
+    ASSERT_TRUE(servidor_->Arrancar());
+    EXPECT_EQ(LeerArchivo(Servida(u"Quimo_Terminal.mdb"_s)), "vieja");
+    share_->antes_de_reemplazar = nullptr;
+    EXPECT_EQ(NumeroDe(Llevar(remoto)), 0);
+    EXPECT_EQ(EnLaCarpeta(), QStringList{u"Quimo_Terminal.mdb"_s});
 }
 
 TEST(ConfiguracionRedTest, DiceQueEstaMalSinDecirLaClave) {

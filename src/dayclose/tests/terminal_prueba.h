@@ -3,7 +3,7 @@
 #include <QString>
 #include <QVector>
 
-#include "jet/valor.h"
+#include "jet/base_datos.h"
 
 namespace quimo::dayclose::pruebas {
 
