@@ -52,8 +52,11 @@ ResultadoArchivo<Archivado> ArchivoVentas::Agregar(const QString& local, const Q
 ResultadoArchivo<Archivado> ArchivoVentas::Guardar(const QString& fecha, const QString& terminal,
                                                    const Entrega& traer) const {
     const QString carpeta = Carpeta(raiz_, fecha, terminal);
-    for (const QString& una : {raiz_, raiz_ + u'/' + fecha, carpeta})
+    for (const QString& una : {raiz_, raiz_ + u'/' + fecha, carpeta}) {
+        if (carpetas_.contains(una)) continue;
         QUIMO_TRY_VOID(CrearCarpeta(una));
+        carpetas_.insert(una);
+    }
     // What is not finished lies in one place, where the next run writes over it.
     const QString recibido = raiz_ + u"/recibido.tmp"_s;
     QUIMO_TRY(const Copiado copiado, traer(recibido));

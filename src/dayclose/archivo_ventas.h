@@ -2,6 +2,7 @@
 
 #include <functional>
 
+#include <QSet>
 #include <QString>
 
 #include "dayclose/terminal_share.h"
@@ -38,6 +39,7 @@ private:
                                         const Entrega& traer) const;
 
     QString raiz_;
+    mutable QSet<QString> carpetas_;  ///< made and durable
 };
 
 }  // namespace quimo::dayclose

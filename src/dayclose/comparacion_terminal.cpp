@@ -38,7 +38,7 @@ bool MismoValor(const jet::Valor& uno, const jet::Valor& otro) {
 
 ComparadorDeFilas::ComparadorDeFilas(const DefCopia& copia) {
     for (const CampoCopia& insertado : copia.al_insertar) {
-        Forma forma = insertado.forma;
+        std::optional<Forma> forma;
         for (const CampoCopia& modificado : copia.al_modificar) {
             if (std::u16string_view(modificado.columna) == insertado.columna) {
                 forma = modificado.forma;
@@ -51,6 +51,8 @@ ComparadorDeFilas::ComparadorDeFilas(const DefCopia& copia) {
 ResultadoCierre<bool> ComparadorDeFilas::Igual(const Renglon& renglon, std::size_t i,
                                                const QVariant& central) const {
     const jet::Valor& valor = renglon.AlInsertar(i);
+    // What the first copy left empty and no update fills says nothing of the row.
+    if (!central.isValid() && !al_modificar_[i]) return true;
     if (jet::EsNulo(valor) || !central.isValid()) return jet::EsNulo(valor) && !central.isValid();
     if (!std::holds_alternative<jet::Fecha>(valor)) {
         const auto convertida = AValorTerminal(central, renglon.TipoAlInsertar(i));
@@ -62,8 +64,9 @@ ResultadoCierre<bool> ComparadorDeFilas::Igual(const Renglon& renglon, std::size
                                                   : foundation::TextoDeValor(central)) +
         u'\'';
     QUIMO_TRY(const QString al_insertar, renglon.LiteralAlInsertar(i));
-    QUIMO_TRY(const QString al_modificar, renglon.LiteralAlInsertar(i, al_modificar_[i]));
-    return escrita == al_insertar || escrita == al_modificar;
+    if (escrita == al_insertar || !al_modificar_[i]) return escrita == al_insertar;
+    QUIMO_TRY(const QString al_modificar, renglon.LiteralAlInsertar(i, *al_modificar_[i]));
+    return escrita == al_modificar;
 }
 
 ResultadoCierre<std::optional<std::size_t>> ComparadorDeFilas::PrimeraDistinta(

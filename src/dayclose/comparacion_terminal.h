@@ -12,7 +12,8 @@
 namespace quimo::dayclose {
 
 /// Whether a terminal's row and a central one say the same: every column that an insert writes is
-/// equal, in the form of an insert or, where the two differ, in that of an update.
+/// equal, in the form of an insert or, where the two differ, in that of an update. A column that no
+/// update writes and that is empty in the central row is not compared.
 class ComparadorDeFilas {
 public:
     explicit ComparadorDeFilas(const DefCopia& copia);
@@ -26,7 +27,7 @@ private:
     ResultadoCierre<bool> Igual(const BaseTerminal::Renglon& renglon, std::size_t i,
                                 const QVariant& central) const;
 
-    std::vector<Forma> al_modificar_;  // by column of an insert; the same form where there is none
+    std::vector<std::optional<Forma>> al_modificar_;  // by column of an insert
 };
 
 /// What a copy of one table would meet.
