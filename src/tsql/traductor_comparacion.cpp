@@ -210,7 +210,22 @@ Resultado<Termino> Traductor::Cuantificada(const Expr& expr, Ambito& ambito) {
                   Fuerza::Atomo);
 }
 
+Termino Traductor::EnRangos(const Termino& numero, const Rangos& rangos, bool negado) {
+    std::string sql;
+    for (const auto& [desde, hasta] : rangos) {
+        sql += (sql.empty() ? "" : " OR ") + numero.sql + " BETWEEN " + std::to_string(desde) +
+               " AND " + std::to_string(hasta);
+    }
+    if (negado) return Verdad("NOT (" + sql + ")", Fuerza::No);
+    return Verdad("(" + sql + ")", Fuerza::Atomo);
+}
+
 Resultado<Termino> Traductor::Como(const Expr& expr, Ambito& ambito) {
+    if (expr.hijos[0]->clase == ClaseExpr::Columna) {
+        QUIMO_TRY(const Termino numero, Valor(expr.hijos[0], ambito));
+        const auto rangos = RangosDePrefijo(expr, numero.tipo);
+        if (rangos && !rangos->empty()) return EnRangos(numero, *rangos, expr.negado);
+    }
     std::string argumentos;
     for (const ExprPtr& hijo : expr.hijos) {
         QUIMO_TRY(Termino termino, Valor(hijo, ambito));

@@ -118,7 +118,16 @@ Resultado<ConsultaSql> Traductor::Simple(const Consulta& consulta, Ambito* padre
     Ambito ambito;
     ambito.padre = padre;
     ConsultaSql salida;
+    const std::size_t ranuras = ranuras_.size();
     QUIMO_TRY(const std::string fuentes, Desde(seleccion.fuentes, ambito));
+    auto otra = SinProducto(consulta, ambito);
+    if (!otra) otra = ExtremoPorRangos(consulta, ambito);
+    if (otra) {
+        ranuras_.resize(ranuras);
+        QUIMO_TRY(ConsultaSql repartida, Simple(*otra, padre));
+        repartida.una_fila = true;
+        return repartida;
+    }
     std::string cola = fuentes.empty() ? "" : " FROM " + fuentes;
     std::string donde;
     if (seleccion.donde) {

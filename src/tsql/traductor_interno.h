@@ -100,7 +100,7 @@ private:
     Resultado<Termino> Aritmetica(char operador, Termino a, Termino b);
     Resultado<Termino> AritmeticaFecha(char operador, Termino a, Termino b);
     Termino Cociente(const Tipo& tipo, const Termino& a, const Termino& b);
-    Termino Producto(const Tipo& tipo, const Termino& a, const Termino& b);
+    Termino Producir(const Tipo& tipo, const Termino& a, const Termino& b);
     Termino SumaExacta(char operador, const Tipo& tipo, const Termino& a, const Termino& b);
     Resultado<Termino> Concatenar(Termino a, Termino b);
     Resultado<Termino> Caso(const Expr& expr, Ambito& ambito);
@@ -151,6 +151,14 @@ private:
     Resultado<ConsultaSql> ConsultaEn(const Consulta& consulta, Ambito* padre);
     Resultado<ConsultaSql> Combinada(const Consulta& consulta, Ambito* padre);
     Resultado<ConsultaSql> Simple(const Consulta& consulta, Ambito* padre);
+    class Producto;
+    /// The same answer without making a product of sources that no condition joins.
+    std::optional<Consulta> SinProducto(const Consulta& consulta, const Ambito& ambito) const;
+    std::optional<Consulta> ExtremoPorRangos(const Consulta& consulta, const Ambito& ambito) const;
+    /// The numbers of a type whose text is LIKE 'digits%'; nothing for other patterns.
+    using Rangos = std::vector<std::pair<std::int64_t, std::int64_t>>;
+    std::optional<Rangos> RangosDePrefijo(const Expr& como, const Tipo& tipo) const;
+    static Termino EnRangos(const Termino& numero, const Rangos& rangos, bool negado);
     Resultado<std::vector<Termino>> Lista(const Seleccion& seleccion, Ambito& ambito,
                                           ConsultaSql& salida);
     Hecho Expandir(const Expr& asterisco, const Ambito& ambito, std::vector<Termino>& terminos,

@@ -88,7 +88,7 @@ Resultado<Termino> Traductor::Aritmetica(char operador, Termino a, Termino b) {
         return Termino{"(" + x + "|" + y + ")-(" + x + "&" + y + ")", mayor, Fuerza::Suma};
     }
     const Tipo tipo = TipoAritmetico(operador, a.tipo, b.tipo);
-    if (operador == '*') return Producto(tipo, a, b);
+    if (operador == '*') return Producir(tipo, a, b);
     if (operador == '/') return Cociente(tipo, a, b);
     if (operador == '%' && tipo.EsReal()) {
         return CrearError(402, std::string(NombreClase(a.tipo.clase)),
@@ -125,7 +125,7 @@ Termino Traductor::SumaExacta(char operador, const Tipo& tipo, const Termino& a,
     return Unir(llevar(a), llevar(b), signo, Fuerza::Suma, tipo);
 }
 
-Termino Traductor::Producto(const Tipo& tipo, const Termino& a, const Termino& b) {
+Termino Traductor::Producir(const Tipo& tipo, const Termino& a, const Termino& b) {
     const bool reales = tipo.EsReal();
     const bool enteros = tipo.EsEntero();
     const bool moneda = tipo.EsMoneda() && (a.tipo.EsEntero() || b.tipo.EsEntero());

@@ -10,7 +10,7 @@ set(QUIMO_EMBEDDED_TESTS
   embedded/tests/base_prueba.cpp embedded/tests/tsql_golden_test.cpp
   embedded/tests/guiones_test.cpp embedded/tests/conexion_test.cpp
   embedded/tests/expresiones_test.cpp embedded/tests/disco_que_falla.cpp
-
+  embedded/tests/reescrituras_test.cpp
   embedded/tests/fallos_disco_test.cpp)
 set_source_files_properties(${QUIMO_EMBEDDED_TESTS} PROPERTIES
   COMPILE_DEFINITIONS "QUIMO_RAIZ=\"${PROJECT_SOURCE_DIR}\"")

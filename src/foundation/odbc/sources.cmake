@@ -6,5 +6,5 @@ set(QUIMO_ODBC_SOURCES
 set(QUIMO_ODBC_APOYO
   odbc/tests/apoyo_odbc.cpp odbc/tests/tds_codigo.cpp odbc/tests/servidor_tds.cpp)
 set(QUIMO_ODBC_TESTS
-  odbc/tests/freetds_test.cpp odbc/tests/conexion_odbc_test.cpp odbc/tests/ado_odbc_test.cpp odbc/tests/otros_controladores_test.cpp odbc/tests/servidor_pg.cpp
+  odbc/tests/freetds_test.cpp odbc/tests/sesion_odbc_test.cpp odbc/tests/conexion_odbc_test.cpp odbc/tests/ado_odbc_test.cpp odbc/tests/otros_controladores_test.cpp odbc/tests/servidor_pg.cpp
   odbc/tests/varias_test.cpp)

@@ -2,10 +2,8 @@
 // protocol: values of every type, long texts, errors, messages, logins, lost connections.
 
 #include <QElapsedTimer>
-#include <QTemporaryDir>
 #include <QUuid>
 
-#include "foundation/candado.h"
 #include "foundation/odbc/tests/apoyo_odbc.h"
 
 namespace quimo::foundation::odbc {
@@ -413,56 +411,6 @@ TEST_F(FreeTdsTest, ElConjuntoQueFallaEnMedioNoSeEntrega) {
         EXPECT_FALSE(resultado.conjunto.has_value());
     EXPECT_EQ(Escrito(conexion->Ejecutar(U("SELECT 1"))), Escrito(filas));
     EXPECT_EQ(servidor.Accesos().size(), 1);
-}
-
-// The lock is taken with the statements that SQL Server knows; a connection that was lost and
-// mended has lost it.
-TEST_F(FreeTdsTest, ElCandadoSeTomaYSePierdeConLaConexion) {
-    const QTemporaryDir carpeta;
-    const ServidorTds servidor(DeEmbebida(carpeta.filePath(U("c.db"))));
-    const auto una = AbrirEn(servidor);
-    const auto otra = AbrirEn(servidor);
-    ASSERT_TRUE(una && otra);
-    const QDateTime hora(QDate(2026, 11, 14), QTime(22, 0), Qt::UTC);
-    const auto tomar = [&](SqlConnection& conexion, const char* quien) {
-        auto tomado = Candado::Tomar(conexion, U("cierre"), U(quien), hora);
-        EXPECT_TRUE(tomado.has_value())
-            << (tomado ? "" : tomado.error().Descripcion().toStdString());
-        return tomado;
-    };
-    auto suyo = tomar(*una, "maría");
-    ASSERT_TRUE(suyo && std::holds_alternative<Candado>(suyo.value()));
-    EXPECT_TRUE(std::get<Candado>(suyo.value()).Vigente());
-    EXPECT_TRUE(std::get<Candado>(suyo.value()).Renovar(hora.addSecs(30)));
-    const auto ajeno = tomar(*otra, "juan");
-    ASSERT_TRUE(ajeno && std::holds_alternative<DuenoCandado>(ajeno.value()));
-    EXPECT_EQ(std::get<DuenoCandado>(ajeno.value()).quien, U("maría"));
-    EXPECT_EQ(std::get<DuenoCandado>(ajeno.value()).desde, hora);
-    EXPECT_TRUE(una->Ejecutar(U("SELECT 1 /*corta*/")).fallo.has_value());
-    EXPECT_FALSE(std::get<Candado>(suyo.value()).Vigente());
-    const auto nuevo = tomar(*otra, "juan");
-    EXPECT_TRUE(nuevo && std::holds_alternative<Candado>(nuevo.value()));
-}
-
-// Which transaction is open, by what the server counts.
-TEST_F(FreeTdsTest, CadaTransaccionTieneSuNumero) {
-    const QTemporaryDir carpeta;
-    const ServidorTds servidor(DeEmbebida(carpeta.filePath(U("c.db"))));
-    const auto conexion = AbrirEn(servidor);
-    ASSERT_NE(conexion, nullptr);
-    EXPECT_EQ(conexion->TransaccionActual(), 0U);
-    ASSERT_TRUE(conexion->Iniciar().has_value());
-    const auto primera = conexion->TransaccionActual();
-    EXPECT_NE(primera, 0U);
-    EXPECT_FALSE(conexion->Ejecutar(U("BEGIN TRAN COMMIT SELECT 1")).fallo.has_value());
-    ASSERT_TRUE(conexion->Iniciar().has_value());
-    ASSERT_TRUE(conexion->Confirmar().has_value());
-    EXPECT_TRUE(conexion->EnTransaccion());
-    EXPECT_FALSE(conexion->Ejecutar(U("ROLLBACK")).fallo.has_value());
-    EXPECT_EQ(conexion->TransaccionActual(), 0U);
-    ASSERT_TRUE(conexion->Iniciar().has_value());
-    EXPECT_GT(conexion->TransaccionActual(), primera);
-    EXPECT_TRUE(conexion->Revertir().has_value());
 }
 
 // Nothing of a transaction may be written on a connection that did not see its beginning.
