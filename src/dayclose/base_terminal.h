@@ -21,7 +21,8 @@ public:
     /// refused here with what was found first.
     ResultadoCierre<void> Verificar() const;
 
-    /// The eight figures over the whole file; NULL counts as 0 in sums.
+    /// The eight figures over the whole file; NULL counts as 0 in sums. A sum that leaves the range
+    /// of money is refused.
     ResultadoCierre<ValoresCifras> Contar() const;
 
     /// One row of a sales table, its values asked for by the column's name in the declaration.
@@ -49,6 +50,8 @@ private:
     ResultadoCierre<jet::Tabla> Tabla(const char16_t* nombre) const;
     ResultadoCierre<std::size_t> Columna(const jet::Tabla& tabla, const char16_t* nombre) const;
     QString Sobre() const;
+    /// Amounts that money cannot hold together; the largest of them is told.
+    Interrupcion SumaInservible(const DefCifra& cifra, base::Dinero mayor) const;
 
     jet::BaseDatos base_;
     QString terminal_;
