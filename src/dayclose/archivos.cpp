@@ -26,11 +26,23 @@ namespace {
 constexpr qsizetype kTrozo = 1 << 18;
 constexpr std::chrono::milliseconds kTic{20};  // longer than that of any kernel
 
+/// What is neither file nor folder is refused unopened: a pipe would wait for its writer for ever.
+int AbrirParaLeer(const QString& ruta) {
+    const QByteArray nombre = QFile::encodeName(ruta);
+    struct stat cual {};
+    if (::stat(nombre.constData(), &cual) == 0 && !S_ISREG(cual.st_mode) &&
+        !S_ISDIR(cual.st_mode)) {
+        errno = EISDIR;
+        return -1;
+    }
+    return ::open(nombre.constData(), O_RDONLY | O_CLOEXEC);
+}
+
 class Descriptor {
 public:
+    explicit Descriptor(int fd) : fd_(fd), error_(fd_ < 0 ? errno : 0) {}
     Descriptor(const QString& ruta, int modo, mode_t permisos = 0)
-        : fd_(::open(QFile::encodeName(ruta).constData(), modo | O_CLOEXEC, permisos)),
-          error_(fd_ < 0 ? errno : 0) {}
+        : Descriptor(::open(QFile::encodeName(ruta).constData(), modo | O_CLOEXEC, permisos)) {}
     Descriptor(const Descriptor&) = delete;
     Descriptor& operator=(const Descriptor&) = delete;
     ~Descriptor() { static_cast<void>(Cerrar()); }
@@ -102,7 +114,7 @@ ResultadoArchivo<qint64> LeerTodo(int fd, const QString& ruta, const Sumidero& s
 /// A local file that is read whole. It must be open before its reader writes anything anywhere.
 class Origen {
 public:
-    explicit Origen(const QString& ruta) : ruta_(ruta), archivo_(ruta, O_RDONLY) {}
+    explicit Origen(const QString& ruta) : ruta_(ruta), archivo_(AbrirParaLeer(ruta)) {}
 
     ResultadoArchivo<void> Revisar(Candados candados) {
         if (archivo_.Fd() < 0) return FalloDeErrno(archivo_.Error(), ruta_);
@@ -359,7 +371,7 @@ void BorrarRestos(const QString& carpeta) {
 }
 
 bool EstaBloqueado(const QString& ruta) {
-    const Descriptor archivo(ruta, O_RDONLY);
+    const Descriptor archivo(AbrirParaLeer(ruta));
     if (archivo.Fd() < 0) return false;
     return HayCandado(archivo.Fd(), F_WRLCK) ||
            (::flock(archivo.Fd(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK);

@@ -44,6 +44,19 @@ QString Crudo(const jet::Valor& valor) {
     return {};
 }
 
+std::uint64_t Magnitud(base::Dinero monto) {
+    const auto bits = static_cast<std::uint64_t>(monto.Diezmilesimas());
+    return monto.Diezmilesimas() < 0 ? 0 - bits : bits;
+}
+
+/// Adds to a total. False when the sum is more than an amount can be.
+bool Sumar(base::Dinero& total, base::Dinero monto) {
+    std::int64_t suma = 0;
+    if (__builtin_add_overflow(total.Diezmilesimas(), monto.Diezmilesimas(), &suma)) return false;
+    total = base::Dinero::DeDiezmilesimas(suma);
+    return true;
+}
+
 }  // namespace
 
 ResultadoCierre<QString> LiteralDeTerminal(const jet::Valor& valor, Forma forma) {
@@ -94,11 +107,20 @@ ResultadoCierre<void> BaseTerminal::Verificar() const {
     if (!hallazgos) return DeFallo(hallazgos.error(), Sobre());
     for (const jet::Hallazgo& hallazgo : *hallazgos) {
         if (hallazgo.gravedad != jet::Hallazgo::Gravedad::Falla) continue;
-        return Interrupcion{
-            Interrupcion::Motivo::Error, kBaseDanada,
-            Sobre() + u": el archivo está dañado. "_s + QString::fromStdString(hallazgo.mensaje)};
+        const QString cual = QString::fromStdString(hallazgo.mensaje);
+        const QString danado =
+            cual.contains(u"dañado"_s) ? QString() : u"el archivo está dañado. "_s;
+        return Interrupcion{Interrupcion::Motivo::Error, kBaseDanada,
+                            Sobre() + u": "_s + danado + cual};
     }
     return {};
+}
+
+Interrupcion BaseTerminal::SumaInservible(const DefCifra& cifra, base::Dinero mayor) const {
+    return ValorInservible(
+        u"%1: la suma de la columna %2 de la tabla %3 no cabe. Tiene un monto imposible: %4"_s.arg(
+            Sobre(), QString::fromUtf16(cifra.columna_total), QString::fromUtf16(cifra.tabla),
+            QString::fromStdString(mayor.ATexto())));
 }
 
 ResultadoCierre<ValoresCifras> BaseTerminal::Contar() const {
@@ -118,6 +140,7 @@ ResultadoCierre<ValoresCifras> BaseTerminal::Contar() const {
         auto cursor = tabla.Recorrer();
         if (!cursor) return DeFallo(cursor.error(), Sobre());
         const auto lugar = static_cast<std::size_t>(cifra.cifra);
+        base::Dinero mayor;
         while (true) {
             auto siguiente = cursor->Siguiente();
             if (!siguiente) return DeFallo(siguiente.error(), Sobre());
@@ -129,17 +152,12 @@ ResultadoCierre<ValoresCifras> BaseTerminal::Contar() const {
             if (jet::EsNulo(fila[sumada])) continue;
             const auto* monto = std::get_if<base::Dinero>(&fila[sumada]);
             if (monto == nullptr) {
-                return ValorInservible(Sobre() + u": la columna "_s +
-                                       QString::fromUtf16(cifra.columna_total) +
-                                       u" no es de moneda."_s);
+                return ValorInservible(
+                    Sobre() + u": la columna "_s + QString::fromUtf16(cifra.columna_total) +
+                    u" de la tabla "_s + QString::fromUtf16(cifra.tabla) + u" no es de moneda."_s);
             }
-            const auto suma = valores.totales[lugar].Mas(*monto);
-            if (!suma) {
-                return ValorInservible(Sobre() + u": tabla "_s + QString::fromUtf16(cifra.tabla) +
-                                       u", columna "_s + QString::fromUtf16(cifra.columna_total) +
-                                       u": la suma de los importes no cabe."_s);
-            }
-            valores.totales[lugar] = *suma;
+            if (Magnitud(*monto) > Magnitud(mayor)) mayor = *monto;
+            if (!Sumar(valores.totales[lugar], *monto)) return SumaInservible(cifra, mayor);
         }
     }
     return valores;

@@ -22,7 +22,8 @@ public:
     /// refused here with what was found first.
     ResultadoCierre<void> Verificar() const;
 
-    /// The eight figures over the whole file; NULL counts as 0 in sums.
+    /// The eight figures over the whole file; NULL counts as 0 in sums. A sum that leaves the range
+    /// of money is refused.
     ResultadoCierre<ValoresCifras> Contar() const;
 
     /// One row of a sales table. Columns are asked for by their place in the declaration's lists. A
@@ -66,6 +67,8 @@ private:
     ResultadoCierre<Renglon::Lugares> LugaresDe(const DefCopia& copia,
                                                 const jet::Tabla& tabla) const;
     QString Sobre() const;
+    /// Amounts that money cannot hold together; the largest of them is told.
+    Interrupcion SumaInservible(const DefCifra& cifra, base::Dinero mayor) const;
 
     jet::BaseDatos base_;
     QString terminal_;
