@@ -5,6 +5,7 @@
 #include <deque>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -68,7 +69,9 @@ public:
     bool HayCambios() const { return hay_cambios_; }
     const std::string& Ruta() const { return ruta_; }
 
+    /// See BaseDatos::Guardar.
     Result<void> GuardarEn(const std::string& ruta);
+    const std::optional<Error>& AvisoAlGuardar() const { return aviso_; }
     Result<std::vector<std::uint8_t>> Imagen() const;
 
     /// What was read of the catalogue; nothing yet, or forgotten by an undone transaction. Whoever
@@ -125,6 +128,7 @@ private:
     std::shared_ptr<Catalogo> catalogo_;
     std::uint64_t generacion_ = 1;
     bool hay_cambios_ = false;
+    std::optional<Error> aviso_;  // of the last save
 
     int profundidad_ = 0;
     std::uint64_t transaccion_ = 0;

@@ -1,5 +1,6 @@
 #include "jet/base_datos.h"
 
+#include <cerrno>
 #include <filesystem>
 #include <optional>
 
@@ -98,6 +99,9 @@ Result<void> BaseDatos::GuardarComo(const std::string& ruta) {
 }
 
 Result<std::vector<std::uint8_t>> BaseDatos::Imagen() const { return nucleo_->almacen->Imagen(); }
+const std::optional<Error>& BaseDatos::AvisoAlGuardar() const {
+    return nucleo_->almacen->AvisoAlGuardar();
+}
 bool BaseDatos::HayCambios() const { return nucleo_->almacen->HayCambios(); }
 const std::string& BaseDatos::Ruta() const { return nucleo_->almacen->Ruta(); }
 
@@ -107,7 +111,8 @@ EstadoLdb MirarLdb(const std::string& ruta_mdb) {
         std::filesystem::path ldb = base;
         ldb.replace_extension(extension);
         const Descriptor fd(::open(ldb.c_str(), O_RDONLY | O_CLOEXEC));
-        if (fd.Fd() < 0) continue;
+        if (fd.Fd() < 0 && (errno == ENOENT || errno == ENOTDIR)) continue;
+        if (fd.Fd() < 0) return EstadoLdb::EnUso;
         struct flock candado {};
         candado.l_type = F_WRLCK;
         candado.l_whence = SEEK_SET;

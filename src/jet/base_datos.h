@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -75,7 +76,13 @@ public:
     /// Writes a complete new file beside the old one, makes it durable and puts it in its place. On
     /// any error (DiscoLleno among them) the old file is as before and nothing is left beside it.
     /// Refuses (Bloqueado) when somebody has replaced or changed the file since it was opened.
+    /// Without an error the new file is in place; AvisoAlGuardar tells what is not sure then. What
+    /// killed runs left half written in the folder is removed.
     Result<void> Guardar();
+    /// Of the last save: the new file is in place and whole, but the system could not make the
+    /// change of the folder durable, so that a power cut may bring the old file back, whole as
+    /// well. It is no error of Guardar, which by then cannot undo anything.
+    const std::optional<Error>& AvisoAlGuardar() const;
     /// The same under another name, replacing what is there; further work goes on there.
     Result<void> GuardarComo(const std::string& ruta);
     /// The bytes that Guardar would write.
@@ -92,7 +99,8 @@ private:
 enum class EstadoLdb { NoHay, SinUso, EnUso };
 
 /// Looks at the .ldb file that Access keeps beside an open database. SinUso is one left behind: no
-/// process holds a lock on it that this machine can see, which over a network is no proof.
+/// process holds a lock on it that this machine can see, which over a network is no proof. A .ldb
+/// that is there and cannot be opened (no permission, an error of the disk) counts as EnUso.
 EstadoLdb MirarLdb(const std::string& ruta_mdb);
 
 }  // namespace quimo::jet

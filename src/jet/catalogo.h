@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -42,6 +43,7 @@ struct ObjetoCatalogo {
 struct Catalogo {
     std::vector<ObjetoCatalogo> objetos;
     std::map<std::string, std::size_t> por_nombre;
+    std::set<Binario> con_permisos;  // who gets rights on a new table; empty until one is made
 
     void Agregar(ObjetoCatalogo objeto);
     /// The table, linked table or query of that name, without case; nullptr if there is none.

@@ -104,12 +104,14 @@ Result<ObjetoCatalogo> AgregarAlCatalogo(Almacen& almacen,
                           .dueno = DuenoDeLaBase(objetos)};
 }
 
-/// Everybody who has rights on tables gets rights on the new one.
-Result<void> AgregarPermisos(Almacen& almacen, std::uint32_t pagina) {
-    QUIMO_TRY(const auto esquema, BuscarEsquema(almacen, "MSysACEs"));
+/// Everybody who has rights on tables.
+Result<std::set<Binario>> ConPermisos(Almacen& almacen, std::shared_ptr<const Esquema> esquema) {
     const auto objeto = esquema->BuscarColumna("ObjectId");
     const auto sid = esquema->BuscarColumna("SID");
-    if (!objeto || !sid) return almacen.Danado("la tabla MSysACEs no tiene sus columnas");
+    if (!objeto || !sid || esquema->tabla.columnas[*objeto].tipo != TipoColumna::Largo ||
+        esquema->tabla.columnas[*sid].tipo != TipoColumna::Binario) {
+        return almacen.Danado("la tabla MSysACEs no tiene sus columnas");
+    }
     QUIMO_TRY(const auto recorrido, RecorridoPaginas::Empezar(almacen, esquema));
     std::set<Binario> sids;
     Fila fila;
@@ -119,6 +121,18 @@ Result<void> AgregarPermisos(Almacen& almacen, std::uint32_t pagina) {
         QUIMO_TRY_VOID(recorrido->Leer(fila));
         const auto* de_quien = std::get_if<Binario>(&fila[*sid]);
         if (fila[*objeto] == Valor(kTablas) && de_quien != nullptr) sids.insert(*de_quien);
+    }
+    // A table that nobody has rights on could not be opened by its own maker.
+    if (sids.empty()) return almacen.Danado("nadie tiene permisos sobre sus tablas");
+    return sids;
+}
+
+/// Everybody who has rights on tables gets rights on the new one.
+Result<void> AgregarPermisos(Almacen& almacen, std::uint32_t pagina) {
+    QUIMO_TRY(const auto esquema, BuscarEsquema(almacen, "MSysACEs"));
+    std::set<Binario>& sids = almacen.CatalogoLeido()->con_permisos;
+    if (sids.empty()) {
+        QUIMO_TRY(sids, ConPermisos(almacen, esquema));
     }
     Escritor escritor(almacen, *esquema);
     QUIMO_TRY_VOID(escritor.PuedeEscribir());

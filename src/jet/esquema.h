@@ -64,7 +64,7 @@ struct Esquema {
     std::size_t largo = 0;        // of the definition, as parsed
     std::size_t largo_dicho = 0;  // as the definition says
 
-    bool EsDeSistema() const { return clase == kClaseSistema; }
+    bool EsDeSistema() const { return clase == kClaseSistema || pagina == kPaginaCatalogo; }
     /// Position of the column with that name, without case.
     std::optional<std::size_t> BuscarColumna(std::string_view nombre) const;
     /// Position of the logical index with that name, without case.

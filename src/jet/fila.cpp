@@ -134,6 +134,18 @@ std::optional<std::span<const std::uint8_t>> VistaFila::Bytes(const ColumnaFisic
     return bytes_.subspan(desde, hasta - desde);
 }
 
+bool VistaFila::PosicionesSanas() const {
+    if (v_ == nullptr) return true;
+    const auto limite = static_cast<std::size_t>(v_ - bytes_.data()) - 2 - 2 * variables_;
+    std::size_t anterior = fin_fija_;
+    for (std::size_t i = 0; i <= variables_; ++i) {  // the last one is the end mark
+        const std::size_t posicion = U16(v_ - 2 - 2 * i);
+        if (posicion < anterior) return false;
+        anterior = posicion;
+    }
+    return anterior <= limite;
+}
+
 Result<void> LeerValor(Lectura& lectura, const Esquema& esquema, const VistaFila& vista,
                        std::size_t columna, Valor& destino) {
     const DefColumna& def = esquema.tabla.columnas[columna];

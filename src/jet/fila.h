@@ -24,6 +24,9 @@ public:
     /// Nothing when the row is damaged.
     static std::optional<VistaFila> De(const Esquema& esquema, std::span<const std::uint8_t> bytes);
 
+    /// Whether every variable column begins in the row and none before the one before it, also
+    /// those without a value, which nobody reads.
+    bool PosicionesSanas() const;
     std::size_t Columnas() const { return columnas_; }
     std::size_t Variables() const { return variables_; }
     /// The null-mask bit: has a value; for Yes/No, is true.

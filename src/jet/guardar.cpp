@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <optional>
 #include <utility>
 
 #include <fcntl.h>
@@ -46,13 +48,51 @@ private:
     std::string ruta_;
 };
 
-/// Creates a file of a name nobody has, beside `ruta`.
+/// The process that a temporary file's name belongs to: "NAME.PID-N.tmp", where NAME has the
+/// extension of what is saved. Nothing for any other name.
+std::optional<pid_t> ProcesoDe(const std::string& nombre, const std::filesystem::path& guardado) {
+    std::filesystem::path resto(nombre);
+    if (resto.extension() != ".tmp") return std::nullopt;
+    resto.replace_extension();
+    const std::string numeros = resto.extension().string();
+    if (resto.stem().extension() != guardado.extension()) return std::nullopt;
+    int proceso = 0;
+    int veces = 0;
+    int leidos = 0;
+    if (std::sscanf(numeros.c_str(), ".%d-%d%n", &proceso, &veces, &leidos) != 2 || proceso <= 1 ||
+        static_cast<std::size_t>(leidos) != numeros.size()) {
+        return std::nullopt;
+    }
+    return proceso;
+}
+
+/// Removes what runs that were killed while they saved have left in the folder. A file of a process
+/// that lives stays, also of one on another machine: its lock is seen where the share passes locks
+/// on. Nothing depends on it, so that a failure is not told.
+void BarrerTemporales(const std::filesystem::path& guardado) {
+    const auto carpeta = guardado.has_parent_path() ? guardado.parent_path() : ".";
+    std::error_code fallo;
+    for (std::filesystem::directory_iterator i(carpeta, fallo); !fallo && i != end(i);
+         i.increment(fallo)) {
+        const auto proceso = ProcesoDe(i->path().filename().string(), guardado);
+        if (!proceso || ::kill(*proceso, 0) == 0 || errno != ESRCH) continue;
+        const Descriptor fd(
+            ::open(i->path().c_str(), O_RDWR | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK));
+        if (fd.Fd() >= 0 && ::flock(fd.Fd(), LOCK_EX | LOCK_NB) == 0) ::unlink(i->path().c_str());
+    }
+}
+
+/// Creates a file of a name nobody has, beside `ruta`, locked from the first moment on.
 Result<std::pair<Descriptor, std::string>> AbrirTemporal(const std::string& ruta) {
+    BarrerTemporales(ruta);
     for (int i = 0; i < kNombresTemporalesMax; ++i) {
         const std::string nombre =
             ruta + "." + std::to_string(::getpid()) + "-" + std::to_string(i) + ".tmp";
         const int fd = ::open(nombre.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-        if (fd >= 0) return std::pair(Descriptor(fd), nombre);
+        if (fd >= 0) {
+            ::flock(fd, LOCK_EX | LOCK_NB);  // ours alone until the rename; kept for the next save
+            return std::pair(Descriptor(fd), nombre);
+        }
         if (errno != EEXIST) return ErrorAlGuardar(errno, ruta);
     }
     return ErrorAlGuardar(EEXIST, ruta);
@@ -150,7 +190,6 @@ Result<void> Almacen::GuardarEn(const std::string& ruta_pedida) {
     }
     QUIMO_TRY_VOID(Copiar(fd));
     if (::fsync(fd) != 0) return ErrorAlGuardar(errno, ruta);
-    ::flock(fd, LOCK_EX | LOCK_NB);  // ours alone until the rename; kept for the next save
     struct stat datos {};
     if (::fstat(fd, &datos) != 0) return ErrorAlGuardar(errno, ruta);
     QUIMO_TRY_VOID(Sustituir(nuevo.second, ruta));
@@ -170,7 +209,15 @@ Result<void> Almacen::GuardarEn(const std::string& ruta_pedida) {
         if (entradas_[n].pagina != nullptr) limpias_.push_back(n);
     }
     hay_cambios_ = false;
-    return SincronizarCarpeta(ruta_);
+    aviso_.reset();
+    if (auto asegurada = SincronizarCarpeta(ruta_); !asegurada) {
+        aviso_ = std::move(asegurada).error();
+        aviso_->mensaje =
+            "El archivo " + ruta_ +
+            " quedó guardado, pero el sistema no asegura su carpeta: tras un corte de "
+            "luz podría volver a estar el anterior.";
+    }
+    return {};
 }
 
 Result<std::vector<std::uint8_t>> Almacen::Imagen() const {

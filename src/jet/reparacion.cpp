@@ -407,6 +407,25 @@ std::int64_t InformeReparacion::Renglones() const {
         [](std::int64_t suma, const TablaReparada& tabla) { return suma + tabla.leidas; });
 }
 
+namespace {
+
+Result<InformeReparacion> RepararAlmacen(Almacen& viejo, Almacen& nuevo) {
+    QUIMO_TRY_VOID(ComprobarFormato(viejo));
+    QUIMO_TRY_VOID(LlenarBaseNueva(nuevo));
+    return Reparador(viejo, nuevo).Hacer();
+}
+
+}  // namespace
+
+Result<InformeReparacion> RepararImagen(std::vector<std::uint8_t> imagen,
+                                        std::vector<std::uint8_t>& copia) {
+    QUIMO_TRY(const auto viejo, Almacen::DeImagen(std::move(imagen)));
+    const auto nuevo = Almacen::Nuevo("");
+    QUIMO_TRY(InformeReparacion informe, RepararAlmacen(*viejo, *nuevo));
+    QUIMO_TRY(copia, nuevo->Imagen());
+    return informe;
+}
+
 Result<InformeReparacion> Reparar(const std::string& origen, const std::string& destino) {
     std::error_code fallo;
     if (std::filesystem::equivalent(origen, destino, fallo)) {
@@ -414,10 +433,8 @@ Result<InformeReparacion> Reparar(const std::string& origen, const std::string& 
                      "La copia reparada no puede ser el mismo archivo: " + destino + "."};
     }
     QUIMO_TRY(const auto viejo, Almacen::DeArchivo(origen, Almacen::Acceso::Lectura));
-    QUIMO_TRY_VOID(ComprobarFormato(*viejo));
     const auto nuevo = Almacen::Nuevo("");
-    QUIMO_TRY_VOID(LlenarBaseNueva(*nuevo));
-    QUIMO_TRY(InformeReparacion informe, Reparador(*viejo, *nuevo).Hacer());
+    QUIMO_TRY(InformeReparacion informe, RepararAlmacen(*viejo, *nuevo));
     QUIMO_TRY_VOID(nuevo->GuardarEn(destino));
     return informe;
 }

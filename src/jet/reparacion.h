@@ -41,5 +41,8 @@ struct InformeReparacion {
 /// protected; Datos when both are the same file; Formato when not even the names of the tables can
 /// be found; those of saving.
 base::Result<InformeReparacion> Reparar(const std::string& origen, const std::string& destino);
+/// The same from the bytes of a file to those of its copy.
+base::Result<InformeReparacion> RepararImagen(std::vector<std::uint8_t> imagen,
+                                              std::vector<std::uint8_t>& copia);
 
 }  // namespace quimo::jet

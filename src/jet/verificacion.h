@@ -59,6 +59,7 @@ private:
     void Anotar(Hallazgo::Gravedad gravedad, std::string mensaje);
     void ComprobarPaginas01();
     void ComprobarCatalogo(const std::vector<ObjetoCatalogo>& objetos);
+    void ComprobarColumnasDeSistema(const Esquema& esquema);
     void ComprobarPermisos(const std::vector<ObjetoCatalogo>& objetos);
     void ComprobarSinDueno();
 

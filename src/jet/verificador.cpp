@@ -19,6 +19,32 @@ constexpr std::array<std::uint8_t, 8> kInicioBloque = {0, 1, 0, 0, 1, 1, 0, 0};
 constexpr std::uint32_t kDuenoMapas = 0;  // owner field of pages with map rows
 constexpr const char* kMapas = "los mapas de páginas";
 
+/// Columns of the system tables that this library and Access go by.
+struct ColumnaDeSistema {
+    const char* tabla;
+    const char* columna;
+    TipoColumna tipo;
+};
+constexpr ColumnaDeSistema kColumnasDeSistema[] = {
+    {"MSysObjects", "Id", TipoColumna::Largo},
+    {"MSysObjects", "ParentId", TipoColumna::Largo},
+    {"MSysObjects", "Name", TipoColumna::Texto},
+    {"MSysObjects", "Type", TipoColumna::Entero},
+    {"MSysObjects", "DateCreate", TipoColumna::Fecha},
+    {"MSysObjects", "DateUpdate", TipoColumna::Fecha},
+    {"MSysObjects", "Owner", TipoColumna::Binario},
+    {"MSysObjects", "Flags", TipoColumna::Largo},
+    {"MSysObjects", "LvProp", TipoColumna::Ole},
+    {"MSysACEs", "ObjectId", TipoColumna::Largo},
+    {"MSysACEs", "SID", TipoColumna::Binario},
+    {"MSysACEs", "ACM", TipoColumna::Largo},
+    {"MSysACEs", "FInheritable", TipoColumna::Logico},
+    {"MSysRelationships", "szRelationship", TipoColumna::Texto},
+    {"MSysRelationships", "grbit", TipoColumna::Largo},
+    {"MSysRelationships", "szObject", TipoColumna::Texto},
+    {"MSysRelationships", "szReferencedObject", TipoColumna::Texto},
+};
+
 std::string PaginaN(std::uint32_t numero) { return "La página " + std::to_string(numero); }
 
 }  // namespace
@@ -145,7 +171,20 @@ void Verificacion::ComprobarCatalogo(const std::vector<ObjetoCatalogo>& objetos)
         }
         if (!objeto.EsTabla()) continue;
         const auto esquema = LeerEsquema(almacen_, objeto.Pagina(), objeto.nombre);
-        if (Bien(esquema)) VerificadorTabla(*this, *esquema).Hacer();
+        if (!Bien(esquema)) continue;
+        ComprobarColumnasDeSistema(**esquema);
+        VerificadorTabla(*this, *esquema).Hacer();
+    }
+}
+
+void Verificacion::ComprobarColumnasDeSistema(const Esquema& esquema) {
+    for (const auto& [tabla, columna, tipo] : kColumnasDeSistema) {
+        if (!MismoNombre(tabla, esquema.tabla.nombre)) continue;
+        const auto i = esquema.BuscarColumna(columna);
+        const bool de_sistema = esquema.clase == Esquema::kClaseSistema;
+        if (i && esquema.tabla.columnas[*i].tipo == tipo && de_sistema) continue;
+        Falla("La tabla de sistema " + esquema.tabla.nombre + " no tiene bien su columna " +
+              columna + ".");
     }
 }
 

@@ -11,6 +11,7 @@ namespace {
 
 constexpr std::size_t kNivelesMax = 20;
 constexpr std::size_t kLugar = 3616;  // bytes for entries on a page
+constexpr std::size_t kPosCola = 20;
 constexpr std::size_t kPosMascara = 27;
 constexpr std::size_t kPosEntradas = 480;
 
@@ -121,6 +122,9 @@ void VerificadorIndice::ComprobarPagina(const PaginaIndice& indice, std::uint32_
     const std::string cual = "La página " + std::to_string(numero) + ", en " + nombre_ + ",";
     if (U16((*pagina)->data() + 2) != kLugar - BytesUsados(**pagina)) {
         v_.Falla(cual + " cuenta mal sus bytes libres.");
+    }
+    if (indice.hoja && U32((*pagina)->data() + kPosCola) != 0) {
+        v_.Falla(cual + " es una hoja y nombra un último hijo.");
     }
     for (std::size_t i = 1; i < indice.Entradas(); ++i) {
         if (CompararBytes(indice.Entrada(i - 1), indice.Entrada(i)) >= 0) {

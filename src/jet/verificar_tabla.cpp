@@ -128,6 +128,7 @@ void VerificadorTabla::ComprobarFila(IdFila id, std::span<const std::uint8_t> by
         v_.Falla(fila + ", no se puede leer.");
         return;
     }
+    if (!vista->PosicionesSanas()) v_.Falla(fila + ", tiene valores fuera de su lugar.");
     const auto leida = LeerValores(lectura_, *esquema_, bytes, fila_);
     if (!leida) {
         v_.Falla(fila + ": " + leida.error().mensaje);

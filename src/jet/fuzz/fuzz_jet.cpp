@@ -10,6 +10,7 @@
 
 #include "base/check.h"
 #include "jet/base_datos.h"
+#include "jet/reparacion.h"
 #include "jet/verificador.h"
 #include "jet/volcado.h"
 
@@ -112,6 +113,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* datos, std::size_t lar
     if (!base) return 0;
     static_cast<void>(quimo::jet::VolcarBase(*base, [](std::string_view) { return true; }));
     const auto antes = Verificador::Verificar(*base);
+    // A repair gives an error or a copy that its own verification finds sound.
+    std::vector<std::uint8_t> copia;
+    const auto reparada = quimo::jet::RepararImagen(imagen, copia);
+    QUIMO_CHECK(reparada || reparada.error().codigo != quimo::base::Error::Codigo::Interno);
     const auto tablas = base->Tablas(Sistema::Si);
     if (!tablas) return 0;
     for (const std::string& nombre : *tablas) {

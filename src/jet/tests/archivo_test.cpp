@@ -5,8 +5,11 @@
 #include <fstream>
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include "apoyo.h"
@@ -194,6 +197,33 @@ TEST(Guardar, NoPisaLoQueOtroHizoMientrasTanto) {
     EXPECT_FALSE(memoria.Guardar().has_value());
 }
 
+/// Another program's change within the same second, that leaves length and place alone.
+TEST(Guardar, UnNanosegundoTambienEsUnCambio) {
+    Carpeta carpeta;
+    const std::string ruta = carpeta / "t.mdb";
+    std::filesystem::copy_file(Datos(kTerminal), ruta);
+    const auto mover = [&ruta](long ns) {
+        struct stat datos {};
+        EXPECT_EQ(::stat(ruta.c_str(), &datos), 0);
+        const timespec sello[] = {datos.st_atim, {datos.st_mtim.tv_sec, ns}};
+        EXPECT_EQ(::utimensat(AT_FDCWD, ruta.c_str(), sello, 0), 0);
+    };
+    mover(500);
+    BaseDatos base = Exigir(BaseDatos::Abrir(ruta, Modo::Escritura));
+    Tabla tabla = Exigir(base.AbrirTabla("Cortesia"));
+    Exigir(tabla.Vaciar());
+    mover(501);
+    EXPECT_EQ(base.Guardar().error().codigo, Error::Codigo::Bloqueado);
+    mover(500);
+    Exigir(base.Guardar());
+    // The same for the file that was saved.
+    Exigir(tabla.Insertar(std::vector<Valor>{1, 2, base::Dinero::DeEntero(3)}));
+    struct stat datos {};
+    ASSERT_EQ(::stat(ruta.c_str(), &datos), 0);
+    mover(datos.st_mtim.tv_nsec == 7 ? 8 : 7);
+    EXPECT_EQ(base.Guardar().error().codigo, Error::Codigo::Bloqueado);
+}
+
 TEST(Guardar, SiNoSePuedeElOriginalQuedaIgual) {
     Carpeta carpeta;
     const std::string ruta = carpeta / "t.mdb";
@@ -235,9 +265,70 @@ TEST(Guardar, ConElDiscoLlenoLoDice) {
     ::umount(disco.c_str());
 }
 
+/// A folder that cannot be opened, only changed: the save happens, its sync does not.
+TEST(Guardar, SinAsegurarLaCarpetaGuardaYAvisa) {
+    Carpeta carpeta;
+    const std::string cerrada = carpeta / "cerrada";
+    std::filesystem::create_directory(cerrada);
+    const std::string ruta = cerrada + "/t.mdb";
+    std::filesystem::copy_file(Datos(kTerminal), ruta);
+    constexpr uid_t kNadie = 65534;
+    const bool raiz = ::geteuid() == 0;
+    ASSERT_EQ(::chmod(cerrada.c_str(), 0333), 0);
+    ASSERT_EQ(::chmod((carpeta / "").c_str(), 0755), 0);
+    ASSERT_EQ(::chmod(ruta.c_str(), 0666), 0);
+    if (raiz) {
+        ASSERT_EQ(::seteuid(kNadie), 0);
+    }
+    auto base = BaseDatos::Abrir(ruta, Modo::Escritura);
+    const auto vaciada = base ? Exigir(base->AbrirTabla("Cortesia")).Vaciar() : base.error();
+    const auto guardada = base && vaciada ? base->Guardar() : vaciada;
+    if (raiz) {
+        ASSERT_EQ(::seteuid(0), 0);
+    }
+    ::chmod(cerrada.c_str(), 0755);
+    Exigir(guardada);
+    ASSERT_TRUE(base->AvisoAlGuardar().has_value());
+    EXPECT_NE(base->AvisoAlGuardar()->mensaje.find("quedó guardado"), std::string::npos);
+    EXPECT_TRUE(Filas(Exigir(Exigir(BaseDatos::Abrir(ruta)).AbrirTabla("Cortesia"))).empty());
+    // Nothing of it sticks to the next save.
+    Exigir(base->GuardarComo(carpeta / "otra.mdb"));
+    EXPECT_FALSE(base->AvisoAlGuardar().has_value());
+}
+
+TEST(Guardar, BarreLoQueDejaronLosProcesosMuertos) {
+    Carpeta carpeta;
+    const pid_t hijo = ::fork();
+    if (hijo == 0) ::_exit(0);
+    ASSERT_GT(hijo, 0);
+    ASSERT_EQ(::waitpid(hijo, nullptr, 0), hijo);
+    const std::string muerto = std::to_string(hijo);
+    const std::string vivo = std::to_string(::getppid());
+    const std::pair<std::string, bool> casos[] = {
+        {"t.mdb." + muerto + "-0.tmp", false},      {"otra.mdb." + muerto + "-12.tmp", false},
+        {"t.mdb." + vivo + "-0.tmp", true},         {"t.mdb." + muerto + "-0.tmp.bak", true},
+        {"t.txt." + muerto + "-0.tmp", true},       {"t.mdb.abc-0.tmp", true},
+        {"t.mdb." + muerto + "-0x.tmp", true},      {"t.mdb.tmp", true},
+        {"cerrada.mdb." + muerto + "-0.tmp", true},
+    };
+    for (const auto& [nombre, queda] : casos)
+        std::ofstream(carpeta / nombre) << "x";
+    // One whose process cannot be seen from here, but whose lock can.
+    const int fd = ::open((carpeta / casos[8].first).c_str(), O_RDWR | O_CLOEXEC);
+    ASSERT_EQ(::flock(fd, LOCK_EX), 0);
+    BaseDatos base = Exigir(BaseDatos::Crear(carpeta / "t.mdb"));
+    Exigir(base.Guardar());
+    ::close(fd);
+    for (const auto& [nombre, queda] : casos)
+        EXPECT_EQ(std::filesystem::exists(carpeta / nombre), queda) << nombre;
+}
+
 TEST(Ldb, SeVe) {
     Carpeta carpeta;
     EXPECT_EQ(MirarLdb(carpeta / "t.mdb"), EstadoLdb::NoHay);
+    // What is there and cannot be opened may hide anything.
+    std::filesystem::create_symlink(carpeta / "v.ldb", carpeta / "v.ldb");
+    EXPECT_EQ(MirarLdb(carpeta / "v.mdb"), EstadoLdb::EnUso);
     std::ofstream(carpeta / "t.ldb") << "x";
     EXPECT_EQ(MirarLdb(carpeta / "t.mdb"), EstadoLdb::SinUso);
     // A lock of the open file, not of the process, which does not see its own.
@@ -313,6 +404,10 @@ TEST(Dano, ElVerificadorLoEncuentra) {
         }
         return p * 4096;
     };
+    // The column of type Binary in the definition of the rights' table.
+    std::size_t sid = 3 * 4096 + 0x3F + std::size_t{12} * sano[3 * 4096 + 0x33];
+    while (sano[sid] != 0x09)
+        sid += 25;
     const CasoDano casos[] = {
         {"tipo de página de datos", primera(1), 0x06},
         {"bytes libres", primera(1) + 2, 0x01},
@@ -324,6 +419,8 @@ TEST(Dano, ElVerificadorLoEncuentra) {
         {"tabla de un índice", primera(4) + 4, 0x01},
         {"enlace de una hoja", primera(4) + 16, 0x01},
         {"clave", primera(4) + 481, 0x01},
+        {"cola en una hoja", primera(4) + 20, 0x01},
+        {"el SID de los permisos pasa de Binario a Texto", sid, 0x03},
         {"filas de la definición", primera(2) + 0x10, 0x04},
         {"largo de la definición", primera(2) + 0x08, 0x04},
         {"raíz de un índice", 2 * 4096 + 0x3B, 0x01},
@@ -335,6 +432,47 @@ TEST(Dano, ElVerificadorLoEncuentra) {
         const auto base = Exigir(BaseDatos::AbrirImagen(bytes));
         EXPECT_NE(Hallazgos(base, Cuales::Fallas), "") << caso.por_que;
     }
+}
+
+/// A column without a value has a place in the row all the same, which other programs go by.
+TEST(Dano, ElVerificadorMiraElLugarDeLoQueNoTieneValor) {
+    Carpeta carpeta;
+    BaseDatos base = Exigir(BaseDatos::Crear(carpeta / "n.mdb"));
+    Tabla tabla = Exigir(
+        base.CrearTabla({.nombre = "T",
+                         .columnas = {{.nombre = "N", .tipo = TipoColumna::Largo},
+                                      {.nombre = "A", .tipo = TipoColumna::Texto, .largo = 9},
+                                      {.nombre = "B", .tipo = TipoColumna::Texto, .largo = 9}},
+                         .indices = {}}));
+    const IdFila id = Exigir(tabla.Insertar(std::vector<Valor>{7, {}, {}}));
+    const auto sano = Exigir(base.Imagen());
+    // From the end of the row: null mask, number of variable columns, A, B, end mark.
+    const std::size_t fin = (std::size_t{id.pagina} + 1) * 4096;
+    for (const std::size_t lugar : {fin - 7, fin - 9}) {
+        for (const std::uint8_t posicion : {std::uint8_t{5}, std::uint8_t{200}}) {
+            auto bytes = sano;
+            ASSERT_EQ(bytes[lugar], 6) << lugar;
+            bytes[lugar] = posicion;
+            EXPECT_NE(Hallazgos(Exigir(BaseDatos::AbrirImagen(bytes)), Cuales::Fallas), "")
+                << lugar << " " << int{posicion};
+        }
+    }
+}
+
+TEST(Crear, SinPermisosQueDarNoHayTablaNueva) {
+    Carpeta carpeta;
+    BaseDatos base = Exigir(BaseDatos::Crear(carpeta / "p.mdb"));
+    auto bytes = Exigir(base.Imagen());
+    std::size_t sid = 3 * 4096 + 0x3F + std::size_t{12} * bytes[3 * 4096 + 0x33];
+    while (bytes[sid] != 0x09)
+        sid += 25;
+    bytes[sid] = 0x0A;
+    BaseDatos danada = Exigir(BaseDatos::AbrirImagen(bytes, Modo::Escritura));
+    const auto tabla =
+        danada.CrearTabla({.nombre = "T", .columnas = {{.nombre = "A"}}, .indices = {}});
+    ASSERT_FALSE(tabla.has_value());
+    EXPECT_EQ(tabla.error().codigo, Error::Codigo::Formato);
+    EXPECT_TRUE(Exigir(danada.Tablas()).empty());
 }
 
 }  // namespace
