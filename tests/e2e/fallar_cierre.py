@@ -5,8 +5,8 @@ usage: fallar_cierre.py QUIMOCTL DATA_DIR INYECTOR [--muestra N] [--solo MODE:KI
 
 An undisturbed close of the recorded day comes first; `inyector` writes down what it does to its
 files. Then, for each of these calls, a new close is run in which that call fails once, or it and all
-after it fail, or half of a write arrives, or the process is killed before or after it. What such a
-close says must be true: status 0 only if everything is done, 4 only with the terminals named that
+after it fail, or half of a write arrives, or the process is killed before or after it, or it is a power
+cut: every file then holds what it held when it was last made durable. What such a close says must be true: status 0 only if everything is done, 4 only with the terminals named that
 went without; no death by a signal of its own, no text that is not Spanish. At every moment a
 terminal holds its old database or the new one, and an old one that is gone is in the archive. Then
 the close is continued without faults, and every table of the central database, every terminal and
@@ -37,7 +37,7 @@ WRITES = "abrir,escribir,carpeta,recortar"
 PLANS = [("una", "sincronizar", errno.EIO), ("una", "escribir", errno.EIO), ("una", "abrir,cerrar", errno.EIO),
          ("una", "renombrar,borrar,carpeta,recortar,mapear", errno.EIO), ("una", WRITES, errno.ENOSPC),
          ("todas", "", errno.EIO), ("todas", WRITES, errno.ENOSPC), ("mitad", "escribir", 0),
-         ("antes", "", 0), ("despues", "", 0)]
+         ("antes", "", 0), ("despues", "", 0), ("corte", "", 0)]
 # What the libraries below say and no manager should read.
 # What follows [SQL Server] is the server's own text, in its language.
 FOREIGN = re.compile(r"terminate called|what\(\)|Traceback|disk I/O|database or disk|unable to open|is locked|malformed"
@@ -67,6 +67,23 @@ class Faulty(Restaurant):
             found = {n: sorted(map(repr, db.execute(f'SELECT * FROM "{n}"'))) for n in names}
         db.close()
         return found
+
+    def cut(self, inyector, n):
+        """A close that a power cut ends before its call n."""
+        with tempfile.TemporaryDirectory(prefix="sombra-") as shadow:
+            files = lambda: [os.path.join(place, f) for place, _, names in os.walk(self.dir) for f in names]
+            for path in files():
+                shutil.copy(path, f"{shadow}/{os.stat(path).st_ino}")
+            run = self.disturbed(inyector, modo="antes", n=n, sombra=shadow)
+            for path in files():
+                durable = f"{shadow}/{os.stat(path).st_ino}"
+                if path.endswith("-shm"):
+                    os.remove(path)  # shared memory
+                elif os.path.exists(durable):
+                    shutil.copy(durable, path)
+                elif not path.endswith("/QUIMO.log"):
+                    os.truncate(path, 0)
+        return run
 
     def calls(self, inyector):
         """An undisturbed close, and what it did: (kind, path, new name) for each call."""
@@ -147,7 +164,7 @@ def whole(r, calm, without=(), rests=False):
             wrong += [f"left in {place[len(r.dir):]}: {f}" for f in left]
     for sums in glob.glob(f"{r.dir}/dir/archivo/{DAY}/*/*.sha256"):
         with open(sums, encoding="ascii") as f:
-            wanted = f.read().split()[0]
+            wanted = (f.read().split() or [""])[0]
         if os.path.exists(sums[:-7]) and digest(sums[:-7]) != wanted:
             wrong.append(f"{sums[len(r.dir):]} does not fit its file")
     return wrong
@@ -186,9 +203,11 @@ def check(make, calm, inyector, point):
     """The deviations of one point, and its status."""
     r = make()
     try:
-        run = r.disturbed(inyector, modo=point.mode, clase=point.kinds, error=point.error, n=point.n)
-        kill = point.mode in ("antes", "despues")
-        if kill and run.returncode == -signal.SIGKILL:
+        if point.mode == "corte":
+            run = r.cut(inyector, point.n)
+        else:
+            run = r.disturbed(inyector, modo=point.mode, clase=point.kinds, error=point.error, n=point.n)
+        if point.mode in ("antes", "despues", "corte") and run.returncode == -signal.SIGKILL:
             wrong = half_done(r, calm) + go_on(r, calm)
         else:
             wrong = said(run, "the disturbed close") + half_done(r, calm)

@@ -5,6 +5,8 @@
  *   INYECTOR_RAIZ      the folder; without it nothing happens
  *   INYECTOR_REGISTRO  a file that gets one line for each counted call: number, kind, path
  *   INYECTOR_SIN       files whose path ends so are left alone
+ *   INYECTOR_SOMBRA    a folder that gets a copy of each file when it is made durable, by inode: what a
+ *                      power cut would leave
  *   INYECTOR_CLASE     kinds that count, with commas: abrir escribir sincronizar renombrar recortar
  *                      borrar carpeta cerrar mapear; empty: all
  *   INYECTOR_MODO      una (only call N fails), todas (N and all after it), mitad (write N takes half
@@ -35,6 +37,7 @@ static size_t largo_raiz;
 static char clases[256];
 static char sin[64];
 static char modo[16];
+static char sombra[kRutaMax];
 static long elegida;
 static int error_elegido = EIO;
 static int registro = -1;
@@ -47,6 +50,7 @@ __attribute__((constructor)) static void Empezar(void) {
     largo_raiz = strlen(raiz);
     if ((texto = getenv("INYECTOR_CLASE")) != NULL) snprintf(clases, sizeof clases, ",%s,", texto);
     if ((texto = getenv("INYECTOR_SIN")) != NULL) snprintf(sin, sizeof sin, "%s", texto);
+    if ((texto = getenv("INYECTOR_SOMBRA")) != NULL) snprintf(sombra, sizeof sombra, "%s", texto);
     if ((texto = getenv("INYECTOR_MODO")) != NULL) snprintf(modo, sizeof modo, "%s", texto);
     if ((texto = getenv("INYECTOR_N")) != NULL) elegida = atol(texto);
     if ((texto = getenv("INYECTOR_ERROR")) != NULL) error_elegido = atoi(texto);
@@ -199,16 +203,38 @@ ssize_t writev(int fd, const struct iovec* partes, int cuantas) {
     return escritos;
 }
 
-#define CON_FD(nombre, clase, llamada)                       \
-    int nombre(int fd) {                                     \
-        const int suerte = SuerteDe(clase, fd);              \
-        if (suerte == kFallar) FALLAR_CON(-1);               \
-        const int hecho = (int)syscall(llamada, fd);         \
-        TERMINAR_TRAS(suerte);                               \
-        return hecho;                                        \
+/* Keeps what is durable now. A copy that cannot be made leaves none: the file then counts as lost. */
+static void Ensombrecer(int fd) {
+    struct stat estado;
+    char ruta[kRutaMax];
+    if (sombra[0] == '\0' || !Seguido(fd) || fstat(fd, &estado) != 0 || !S_ISREG(estado.st_mode)) return;
+    snprintf(ruta, sizeof ruta, "/proc/self/fd/%d", fd);
+    const int de = (int)syscall(SYS_openat, AT_FDCWD, ruta, O_RDONLY | O_CLOEXEC, 0);
+    if (snprintf(ruta, sizeof ruta, "%s/%lu", sombra, (unsigned long)estado.st_ino) >= kRutaMax) return;
+    const int a = (int)syscall(SYS_openat, AT_FDCWD, ruta, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+    char trozo[65536];
+    ssize_t bytes;
+    while ((bytes = read(de, trozo, sizeof trozo)) > 0) {
+        if (syscall(SYS_write, a, trozo, (size_t)bytes) != bytes) {
+            syscall(SYS_unlinkat, AT_FDCWD, ruta, 0);
+            break;
+        }
     }
-CON_FD(fsync, "sincronizar", SYS_fsync)
-CON_FD(fdatasync, "sincronizar", SYS_fdatasync)
+    syscall(SYS_close, de);
+    syscall(SYS_close, a);
+}
+
+#define SINCRONIZAR(nombre, llamada)                        \
+    int nombre(int fd) {                                    \
+        const int suerte = SuerteDe("sincronizar", fd);     \
+        if (suerte == kFallar) FALLAR_CON(-1);              \
+        const int hecho = (int)syscall(llamada, fd);        \
+        if (hecho == 0) Ensombrecer(fd);                    \
+        TERMINAR_TRAS(suerte);                              \
+        return hecho;                                       \
+    }
+SINCRONIZAR(fsync, SYS_fsync)
+SINCRONIZAR(fdatasync, SYS_fdatasync)
 
 #define RECORTAR(nombre, tipo)                                    \
     int nombre(int fd, tipo bytes) {                              \
