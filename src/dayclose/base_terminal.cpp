@@ -49,14 +49,6 @@ std::uint64_t Magnitud(base::Dinero monto) {
     return monto.Diezmilesimas() < 0 ? 0 - bits : bits;
 }
 
-/// Adds to a total. False when the sum is more than an amount can be.
-bool Sumar(base::Dinero& total, base::Dinero monto) {
-    std::int64_t suma = 0;
-    if (__builtin_add_overflow(total.Diezmilesimas(), monto.Diezmilesimas(), &suma)) return false;
-    total = base::Dinero::DeDiezmilesimas(suma);
-    return true;
-}
-
 }  // namespace
 
 ResultadoCierre<QString> LiteralDeTerminal(const jet::Valor& valor, Forma forma) {
@@ -157,7 +149,9 @@ ResultadoCierre<ValoresCifras> BaseTerminal::Contar() const {
                     u" de la tabla "_s + QString::fromUtf16(cifra.tabla) + u" no es de moneda."_s);
             }
             if (Magnitud(*monto) > Magnitud(mayor)) mayor = *monto;
-            if (!Sumar(valores.totales[lugar], *monto)) return SumaInservible(cifra, mayor);
+            const auto suma = valores.totales[lugar].Mas(*monto);
+            if (!suma) return SumaInservible(cifra, mayor);
+            valores.totales[lugar] = *suma;
         }
     }
     return valores;
