@@ -100,8 +100,8 @@ TEST_F(ProductoTest, LoMismoQueElProductoEntero) {
                                      u"(A.ID=1 OR B.IB=2)"_s,
                                      u"A.ID BETWEEN 1 AND 4"_s,
                                      u"A.ID<(SELECT MAX(IB) FROM B)"_s};
-    for (int vuelta = 0; vuelta < 400; ++vuelta) {
-        if (vuelta % 20 == 0) Llenar(vuelta % 9, (vuelta / 20) % 6, (vuelta / 40) % 4);
+    for (int vuelta = 0; vuelta < 200; ++vuelta) {
+        if (vuelta % 10 == 0) Llenar(vuelta % 9, (vuelta / 10) % 6, (vuelta / 20) % 4);
         const QString de = Uno(fuentes);
         QStringList lista;
         QStringList donde;
