@@ -87,10 +87,11 @@ void EscribirCopiadas(const QVector<dayclose::TablaCopiada>& copiadas) {
 
 /// The central figures beside those of the terminals; without these, alone.
 void EscribirTotales(const QString& titulo, const ValoresCifras& central,
-                     const std::optional<ValoresCifras>& terminales) {
+                     const std::optional<ValoresCifras>& terminales,
+                     const QString& de_terminales) {
     QStringList titulos = {titulo, u"Central"_s, QString()};
     const QVector<bool> derecha = {false, true, true, true, true, false};
-    if (terminales) titulos << u"Terminales"_s << QString() << QString();
+    if (terminales) titulos << de_terminales << QString() << QString();
     QVector<QStringList> filas;
     for (const Concepto& concepto : kConceptos) {
         const QStringList en_central = Celdas(central, concepto);
@@ -107,7 +108,8 @@ void EscribirTotales(const QString& titulo, const ValoresCifras& central,
 }
 
 void EscribirCentral(foundation::ClsAdo& ado, const QString& titulo, const QString& fecha,
-                     const QVector<TerminalContada>& contadas) {
+                     const QVector<TerminalContada>& contadas = {},
+                     const QString& de_terminales = {}) {
     const auto central = dayclose::CifrasDelDia(ado, fecha);
     if (!central) {
         EscribirError(u"No se pudieron leer los totales del día: "_s + central.error().descripcion);
@@ -120,7 +122,7 @@ void EscribirCentral(foundation::ClsAdo& ado, const QString& titulo, const QStri
             u"uno."_s);
     }
     EscribirTotales(titulo, *central,
-                    contadas.isEmpty() || !terminales ? std::nullopt : terminales);
+                    contadas.isEmpty() || !terminales ? std::nullopt : terminales, de_terminales);
 }
 
 void EscribirLineas(const QStringList& lineas) {
@@ -139,7 +141,8 @@ void EscribirResumen(foundation::ClsAdo& ado, const ResumenCierre& resumen) {
     Escribir(texto.titulo);
     if (!resumen.contadas.isEmpty()) EscribirTerminales(resumen.contadas);
     if (!resumen.copiadas.isEmpty()) EscribirCopiadas(resumen.copiadas);
-    EscribirCentral(ado, u"Totales del día"_s, resumen.fecha, resumen.contadas);
+    EscribirCentral(ado, u"Totales del día"_s, resumen.fecha, resumen.contadas,
+                    resumen.sin_copiar.isEmpty() ? u"Terminales"_s : u"Terminales leídas"_s);
     EscribirLineas(texto.sin_copiar);
     if (!resumen.entregadas.isEmpty()) {
         EscribirLineas({u"Recibieron su base nueva: "_s + resumen.entregadas.join(u", "_s)});
@@ -169,7 +172,7 @@ void EscribirTraida(foundation::ClsAdo& ado, const dayclose::ResumenTraida& trai
     }
     EscribirTerminales({{{0, traida.terminal}, traida.cifras}});
     for (const QString& fecha : traida.fechas) {
-        EscribirCentral(ado, u"Totales del "_s + foundation::FechaTrabajoVisible(fecha), fecha, {});
+        EscribirCentral(ado, u"Totales del "_s + foundation::FechaTrabajoVisible(fecha), fecha);
     }
 }
 

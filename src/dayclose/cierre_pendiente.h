@@ -56,6 +56,8 @@ public:
     static constexpr char16_t kEnvio[] = u"*envio";
     static constexpr char16_t kArchivo[] = u"*archivo";
     static constexpr char16_t kRecibido[] = u"*recibido";
+    /// State 1: rows of this terminal take the place of another one's with the same key.
+    static constexpr char16_t kChoque[] = u"*choque";
     static constexpr char16_t kApartada[] = u"*apartada";
 
     /// The close that did not end, if there is one.

@@ -162,6 +162,7 @@ ResultadoCierre<void> FinDeDia::Correr() {
 
 ResultadoCierre<void> FinDeDia::CorrerEnTurno() {
     ClsAdo& ado = contexto_.ado;
+    QUIMO_TRY_VOID(RevisarOmitidas(contexto_));
     QUIMO_TRY_VOID(Elegir());
     // It asks the user rarely; the rest of the time the pointer says that it is at work.
     const foundation::PunteroOcupado ocupado(ado.Dialogo());

@@ -89,6 +89,7 @@ void CompletarResumen(ContextoCierre& contexto, const CierrePendiente& cierre) {
     ResumenCierre& resumen = contexto.resumen;
     resumen.copiadas.clear();
     resumen.sin_copiar.clear();
+    resumen.hay_perdidas = false;
     QVector<Terminal> terminales;
     const QHash<QString, int> conocidas = cierre.Terminales();
     for (auto it = conocidas.cbegin(); it != conocidas.cend(); ++it) {
@@ -106,6 +107,9 @@ void CompletarResumen(ContextoCierre& contexto, const CierrePendiente& cierre) {
             if (!avance || avance->estado != CierrePendiente::kHecho) continue;
             resumen.copiadas.append(CopiaDeDetalle(terminal.nombre, tabla, avance->detalle));
         }
+        const auto choque =
+            cierre.De(terminal.nombre, QString::fromUtf16(CierrePendiente::kChoque));
+        resumen.hay_perdidas = resumen.hay_perdidas || (choque && choque->estado != 0);
         if (cierre.EstaApartada(terminal.nombre) != Apartada::No) {
             AgregarSinCopiar(contexto, cierre, terminal);
         }
@@ -116,25 +120,51 @@ void CompletarResumen(ContextoCierre& contexto, const CierrePendiente& cierre) {
               });
 }
 
+namespace {
+
+/// What is to be done about a terminal whose sales are missing.
+QString SalidaDe(const TerminalSinCopiar& sin, bool sin_base) {
+    if (!sin.archivo.isEmpty()) {
+        return u"Para traer las ventas de %1: quimoctl cerrar ... --traer %2 --terminal %1"_s.arg(
+            sin.terminal, sin.archivo);
+    }
+    const QString donde = u"Las ventas de %1 siguen sólo en la terminal. "_s.arg(sin.terminal);
+    if (sin_base) {
+        return donde + u"Cuando responda, antes de abrirla: quimoctl cerrar ... --enviar %1, que trae "
+                       u"sus ventas y le manda su base nueva"_s.arg(sin.terminal);
+    }
+    return donde + u"Cuando se pueda leer, copie su Quimo_Terminal.mdb y tráigalo con: quimoctl cerrar "
+                   u"... --traer ARCHIVO --terminal %1"_s.arg(sin.terminal);
+}
+
+}  // namespace
+
 TextoResumen RedactarResumen(const ResumenCierre& resumen) {
     TextoResumen texto;
     texto.titulo = u"Cierre del "_s + foundation::FechaTrabajoVisible(resumen.fecha);
+    QStringList dichas;
     for (const TerminalSinCopiar& sin : resumen.sin_copiar) {
+        const bool sin_base = resumen.sin_entregar.contains(sin.terminal);
         texto.sin_copiar << Linea(sin);
         if (sin.motivo == Apartada::SinArchivo) continue;
-        texto.faltantes << (sin.archivo.isEmpty()
-                                ? u"Las ventas de %1 siguen sólo en la terminal. Cuando se pueda leer, "
-                                  u"copie su Quimo_Terminal.mdb y tráigalo con: quimoctl cerrar ... "
-                                  u"--traer ARCHIVO --terminal %1"_s.arg(sin.terminal)
-                                : u"Para traer las ventas de %1: quimoctl cerrar ... --traer %2 "
-                                  u"--terminal %1"_s.arg(sin.terminal, sin.archivo));
+        texto.faltantes << SalidaDe(sin, sin_base);
+        if (sin.archivo.isEmpty() && sin_base) dichas << sin.terminal;
     }
     for (const QString& terminal : resumen.sin_entregar) {
         texto.sin_entregar << u"%1 no recibió su base de datos nueva."_s.arg(terminal);
-        texto.faltantes << u"Mientras %1 no reciba su base nueva seguirá vendiendo con la fecha, los "
-                           u"precios y los números de antes, y el próximo cierre se detendrá en sus "
-                           u"ventas repetidas. Antes de abrirla: quimoctl cerrar ... --enviar %1"_s
-                               .arg(terminal);
+        if (dichas.contains(terminal)) continue;
+        const bool copiada = std::any_of(
+            resumen.contadas.begin(), resumen.contadas.end(),
+            [&](const TerminalContada& contada) { return contada.terminal.nombre == terminal; });
+        texto.faltantes << u"Mientras %1 no la reciba seguirá vendiendo con la fecha, los precios y los "
+                           u"números de antes%2. Antes de abrirla: quimoctl cerrar ... --enviar %1"_s
+                               .arg(terminal, copiada ? u", y el próximo cierre se detendrá en las "
+                                                        u"ventas de hoy, que su archivo traerá otra vez"_s
+                                                      : QString());
+    }
+    if (resumen.hay_perdidas) {
+        texto.faltantes << u"Dos terminales usaron el mismo número: de esas ventas sólo quedó una. Las "
+                           u"dos están en sus archivos guardados; vea los avisos."_s;
     }
     return texto;
 }

@@ -160,8 +160,9 @@ ResultadoCierre<std::optional<ArchivoContado>> ReunirTerminal(ContextoCierre& co
 }
 
 /// Tells what the terminals' files have against each other. The close goes on unless the user wants
-/// to look first.
-ResultadoCierre<void> AvisarColisiones(ContextoCierre& contexto, const CierrePendiente& cierre) {
+/// to look first. The terminals whose rows take another one's place.
+ResultadoCierre<QStringList> AvisarColisiones(ContextoCierre& contexto,
+                                              const CierrePendiente& cierre) {
     QVector<QPair<QString, int>> terminales;
     for (const TerminalContada& contada : contexto.resumen.contadas) {
         terminales.append({contada.terminal.nombre, contada.terminal.id});
@@ -170,12 +171,13 @@ ResultadoCierre<void> AvisarColisiones(ContextoCierre& contexto, const CierrePen
               BuscarColisiones(
                   terminales, [&](const QString& nombre) { return contexto.CopiaLocal(nombre); },
                   cierre.Fecha()));
-    if (hallazgos.isEmpty()) return {};
+    QStringList choques;
+    if (hallazgos.isEmpty()) return choques;
     QStringList lineas;
     for (const HallazgoPrevio& hallazgo : hallazgos) {
         lineas << hallazgo.texto;
         contexto.resumen.avisos << hallazgo.texto;
-        contexto.resumen.hay_perdidas = contexto.resumen.hay_perdidas || hallazgo.se_pierde;
+        if (hallazgo.se_pierde) choques << hallazgo.terminal;
     }
     const Respuesta respuesta = contexto.ado.Dialogo().Preguntar(
         u"Los archivos de las terminales tienen algo que conviene revisar antes de copiar sus "
@@ -183,7 +185,7 @@ ResultadoCierre<void> AvisarColisiones(ContextoCierre& contexto, const CierrePen
             lineas.join(u"\n\n"_s) +
             u"\n\nAceptar sigue con el cierre; Cancelar lo deja pendiente para continuarlo después."_s,
         Botones::AceptarCancelar, Icono::Exclamacion);
-    if (respuesta == Respuesta::Aceptar) return {};
+    if (respuesta == Respuesta::Aceptar) return choques;
     return Interrupcion{Interrupcion::Motivo::Abortado};
 }
 
@@ -267,7 +269,7 @@ ResultadoCierre<void> ReunirTerminales(ContextoCierre& contexto, CierrePendiente
         contexto.resumen.contadas.append({terminal, (*reunida)->cifras});
         contados.append(**std::move(reunida));
     }
-    QUIMO_TRY_VOID(AvisarColisiones(contexto, cierre));
+    QUIMO_TRY(const QStringList choques, AvisarColisiones(contexto, cierre));
     QUIMO_TRY(const ValoresCifras central, CifrasCentrales(ado, cierre.Fecha()));
     // What is to be copied is settled before the first row is: the central figures change with
     // every terminal, and a close that goes on later must copy the same tables.
@@ -280,23 +282,30 @@ ResultadoCierre<void> ReunirTerminales(ContextoCierre& contexto, CierrePendiente
         QUIMO_INTENTAR_VOID(cierre.Anotar(transaccion, terminal.id, terminal.nombre,
                                           QString::fromUtf16(CierrePendiente::kApartada),
                                           {static_cast<int>(Apartada::No), QString()}));
+        QUIMO_INTENTAR_VOID(cierre.Anotar(transaccion, terminal.id, terminal.nombre,
+                                          QString::fromUtf16(CierrePendiente::kChoque),
+                                          {choques.contains(terminal.nombre) ? 1 : 0, QString()}));
     }
     QUIMO_INTENTAR_VOID(cierre.Avanzar(transaccion, Paso::Transferir));
     QUIMO_INTENTAR_VOID(transaccion.Confirmar());
     return {};
 }
 
-ResultadoCierre<void> ApartarOmitidas(ContextoCierre& contexto, CierrePendiente& cierre) {
+ResultadoCierre<void> RevisarOmitidas(const ContextoCierre& contexto) {
+    if (contexto.opciones.omitir.isEmpty()) return {};
     QUIMO_TRY(const QVector<Terminal> todas, TodasLasTerminales(contexto.ado));
     const QStringList nombres = NombresDe(todas);
     for (const QString& pedida : contexto.opciones.omitir) {
         if (nombres.contains(pedida, Qt::CaseInsensitive)) continue;
-        Interrupcion fallo;
-        fallo.numero = kParametroErroneo;
-        fallo.descripcion = u"No hay ninguna terminal que se llame '%1'. Las terminales son: %2."_s
-                                .arg(pedida, nombres.join(u", "_s));
-        return fallo;
+        return Interrupcion{Interrupcion::Motivo::SinEmpezar, 0,
+                            u"No hay ninguna terminal que se llame '%1'. Las terminales son: %2."_s
+                                .arg(pedida, nombres.join(u", "_s))};
     }
+    return {};
+}
+
+ResultadoCierre<void> ApartarOmitidas(ContextoCierre& contexto, CierrePendiente& cierre) {
+    QUIMO_TRY(const QVector<Terminal> todas, TodasLasTerminales(contexto.ado));
     QUIMO_TRY(const QVector<Terminal> activas, TerminalesActivas(contexto.ado));
     const QStringList nombres_activas = NombresDe(activas);
     for (const Terminal& terminal : todas) {

@@ -13,8 +13,11 @@ ResultadoCierre<void> ReunirTerminales(ContextoCierre& contexto, CierrePendiente
 /// is new in it is copied as well.
 ResultadoCierre<void> RevisarCopias(ContextoCierre& contexto, CierrePendiente& cierre);
 
-/// Sets aside, in a close that goes on, the terminals that are to be left out and those that are no
-/// longer active. A name that no terminal has ends the close.
+/// Whether the terminals that are to be left out are terminals at all.
+ResultadoCierre<void> RevisarOmitidas(const ContextoCierre& contexto);
+
+/// Sets aside the terminals that are to be left out and, in a close that goes on, those that are no
+/// longer active.
 ResultadoCierre<void> ApartarOmitidas(ContextoCierre& contexto, CierrePendiente& cierre);
 
 /// Drops the two reconciliation tables, if they are there.
