@@ -2,11 +2,6 @@
 
 namespace quimo::base {
 
-bool EsLetraDeTerminal(char32_t letra) {
-    return letra <= kLetraSeguidaMax ||
-           std::binary_search(kLetrasTerminal.begin(), kLetrasTerminal.end(), letra);
-}
-
 std::optional<std::size_t> PrimeraLetraAjena(std::u16string_view texto) {
     const auto* const ajena = std::find_if_not(texto.begin(), texto.end(), EsLetraDeTerminal);
     if (ajena == texto.end()) return std::nullopt;

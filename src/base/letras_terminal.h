@@ -21,7 +21,10 @@ static_assert(std::is_sorted(kLetrasTerminal.begin(), kLetrasTerminal.end()));
 
 /// Whether an index can hold it. A letter written as a base and a combining accent must have been
 /// composed (NFC) before it is asked about.
-bool EsLetraDeTerminal(char32_t letra);
+constexpr bool EsLetraDeTerminal(char32_t letra) {
+    return letra <= kLetraSeguidaMax ||
+           std::binary_search(kLetrasTerminal.begin(), kLetrasTerminal.end(), letra);
+}
 /// Where the first letter begins that an index cannot hold. Half a surrogate pair is one.
 std::optional<std::size_t> PrimeraLetraAjena(std::u16string_view texto);
 /// The letter that begins there, both halves of a surrogate pair joined.
