@@ -153,7 +153,10 @@ ResultadoCierre<void> BaseNueva::Llenar() {
 }
 
 ResultadoCierre<jet::Tabla> BaseNueva::Tabla(const QString& nombre) const {
-    return DePlantilla(base_.AbrirTabla(nombre.toStdString()));
+    QUIMO_TRY(jet::Tabla tabla, DePlantilla(base_.AbrirTabla(nombre.toStdString())));
+    // Also of a table that gets no row today: another sort order, relationships.
+    QUIMO_TRY_VOID(DePlantilla(tabla.SeEscribe()));
+    return tabla;
 }
 
 ResultadoCierre<std::size_t> BaseNueva::Columna(const jet::Tabla& tabla,
@@ -288,6 +291,7 @@ ResultadoCierre<void> BaseNueva::PonerTerminal(const Terminal& terminal,
 ResultadoCierre<void> BaseNueva::Adaptar(const Terminal& terminal,
                                          const ContadoresMinimos& minimos) {
     QUIMO_TRY_VOID(PonerTerminal(terminal, minimos));
+    // Whether its folder is durable is no matter: the working file is made anew in every close.
     return DePlantilla(base_.Guardar());
 }
 
