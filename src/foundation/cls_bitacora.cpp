@@ -22,6 +22,18 @@ QString UsuarioDelSistema() {
     return qEnvironmentVariable("USER", u"Desconocido"_s);
 }
 
+namespace {
+
+/// "dd-mm-yy hh:mm:ss". A close writes thousands of lines: no format is read again for each.
+QString HoraDeLinea(const QDateTime& momento) {
+    const QDate dia = momento.date();
+    const QTime hora = momento.time();
+    return QString::asprintf("%02d-%02d-%02d %02d:%02d:%02d", dia.day(), dia.month(),
+                             dia.year() % 100, hora.hour(), hora.minute(), hora.second());
+}
+
+}  // namespace
+
 ClsBitacora::ClsBitacora(const OpcionesBitacora& opciones, Dialogos& dialogos, const Reloj& reloj)
     : dialogos_(dialogos),
       reloj_(reloj),
@@ -37,8 +49,8 @@ ClsBitacora::ClsBitacora(const OpcionesBitacora& opciones, Dialogos& dialogos, c
 }
 
 QByteArray ClsBitacora::Linea(const QVector<QVariant>& partes) const {
-    QString linea = reloj_.Ahora().toString(u"dd-MM-yy HH:mm:ss"_s) + u'\t' + programa_ + u"\tV"_s +
-                    version_ + u'\t' + usuario_ + u'\t' + usuario_app_ + u'\t';
+    QString linea = HoraDeLinea(reloj_.Ahora()) + u'\t' + programa_ + u"\tV"_s + version_ + u'\t' +
+                    usuario_ + u'\t' + usuario_app_ + u'\t';
     for (const QVariant& parte : partes) {
         const qsizetype desde = linea.size();
         linea += TextoDeValor(parte) + u'\t';
