@@ -239,14 +239,15 @@ QStringList Explicacion::Comparar(const Conjunto& central) {
     QVector<QPair<QString, QString>> en_central;
     QVector<QPair<QString, QString>> en_terminal;
     QStringList diferencias;
-    QString orden;
+    bool misma_orden = false;
     for (qsizetype i = 0; i < central.columnas.size(); ++i) {
         const Columna& columna = central.columnas[i];
         const auto propio = Literal(columna.nombre);
         const QString ajeno = foundation::LiteralSql(central.filas[0].value(i));
         const QString guardado = LiteralVisible(ajeno);
-        const bool es_orden = columna.nombre.compare(u"ID_Comanda"_s, Qt::CaseInsensitive) == 0;
-        if (es_orden) orden = guardado;
+        if (propio && columna.nombre.compare(u"ID_Comanda"_s, Qt::CaseInsensitive) == 0) {
+            misma_orden = EsIgual(*propio, ajeno, columna.tipo);
+        }
         for (const Etiqueta& etiqueta : kEtiquetas) {
             if (columna.nombre.compare(QString::fromUtf16(etiqueta.columna), Qt::CaseInsensitive) !=
                 0) {
@@ -270,7 +271,12 @@ QStringList Explicacion::Comparar(const Conjunto& central) {
     lineas << u"No son iguales:"_s << diferencias.mid(0, kDiferenciasMostradas);
     const qsizetype mas = diferencias.size() - kDiferenciasMostradas;
     if (mas > 0) lineas << u"  y %1 más"_s.arg(mas);
-    return lineas << u"Son dos ventas con el mismo número. Avise a soporte."_s;
+    if (!misma_orden) {
+        return lineas << u"Son dos ventas con el mismo número. Avise a soporte."_s;
+    }
+    return lineas << u"Es la misma orden: parece que %1 no recibió su base de datos nueva."_s.arg(
+                         renglon_.terminal)
+                  << u"Vea con soporte cuál de los dos renglones vale."_s;
 }
 
 QStringList Explicacion::SinValor() const {
@@ -366,7 +372,8 @@ QString ExplicarRechazo(SqlConnection& conexion, const RenglonRechazado& renglon
         ClaveVisible(renglon.condicion))};
     lineas += Explicacion(conexion, renglon).Lineas();
     if (!EsRepetida(renglon.fallo)) {
-        lineas << u"Para intentarlo otra vez, ya corregido: quimoctl cerrar ... --continuar"_s;
+        lineas << u"Corregido el renglón en %1, siga con: quimoctl cerrar ... --continuar"_s.arg(
+            renglon.terminal);
     }
     lineas << SalidaSinTerminal(renglon.terminal);
     return lineas.join(u'\n');

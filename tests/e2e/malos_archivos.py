@@ -103,7 +103,7 @@ def busy(day, lock, path):
 
 def sparse(day):
     with open(day.bad, "r+b") as f:
-        f.truncate((2 << 30) - PAGE)
+        f.truncate((2 << 30) - PAGE)  # the largest that such a file can be
 
 
 def unix_socket(day):
@@ -118,13 +118,15 @@ def of(day, name):
 
 
 UNREACHED = dict(status=(1,), says=(f"Falla de comunicación con {BAD}",))
+# What two terminals have in common is told before anything is copied.
+SHARED = dict(status=(0, 1, 4), says=("mismo archivo", BAD), alone=False)
 # Nothing to count: the terminal counts as missing, or its share as out of reach.
 ELSE = dict(status=(0, 1, 4), says=(BAD,))
 LOCKED = dict(status=(0, 1, 4), says=(f"La terminal {BAD} no se cerro",))
 
 CASES = [
     # Cut short
-    *[edit(f"cortado a {n} bytes", lambda c, n=n: c[:n])
+    *[edit(f"cortado a {n} bytes", lambda c, n=n: c[:n], more=n not in (100, 4096, 300000))
       for n in (1, 100, 2048, 4095, 4096, 4097, 2 * PAGE, 3 * PAGE, 300000)],
     edit("vacío", lambda c: b""),
     edit("cortado a la mitad", lambda c: c[:len(c) // 2]),
@@ -137,11 +139,11 @@ CASES = [
     edit("una página web", lambda c: b"<html><body>504 Gateway Timeout</body></html>"),
     edit("comprimido", lambda c: b"PK\x03\x04" + bytes(c[4:])),
     edit("de ceros", lambda c: bytes(len(c))),
-    edit("de unos", lambda c: b"\xff" * len(c)),
+    edit("de unos", lambda c: b"\xff" * len(c), more=True),
     edit("al azar", lambda c: random.Random(1).randbytes(len(c))),
     # Other versions
     edit("de la versión anterior", put_byte(0x14, 0)),
-    *[edit(f"de una versión posterior ({n})", put_byte(0x14, n)) for n in (2, 3, 5, 255)],
+    *[edit(f"de una versión posterior ({n})", put_byte(0x14, n), more=n != 2) for n in (2, 3, 5, 255)],
     edit("de otro formato", head(b"Standard ACE DB\0")),
     edit("cifrado", lambda c: put_byte(0x3E, c[0x3E] ^ 0x5A)(c)),
     edit("con contraseña", lambda c: put_byte(0x42, c[0x42] ^ 0x61)(c)),
@@ -161,9 +163,9 @@ CASES = [
     edit("cuenta de renglones de menos", lambda c: count(c, -1)),
     edit("cuenta de renglones enorme", lambda c: count(c, 0x7FFF0000)),
     # Not the tables that are expected
-    *[rebuilt(f"sin la tabla {t}", f"sin-tabla:{t}", says=(BAD, t))
+    *[rebuilt(f"sin la tabla {t}", f"sin-tabla:{t}", says=(BAD, t), more=t not in ("Cortesia", "Pago"))
       for t in ("Comanda", "Cuenta", "ProductosXCuenta", "Cortesia", "ImpuestosXCuenta", "Modificador", "Pago")],
-    *[rebuilt(f"sin la columna {c}", f"sin-columna:{c}", says=(BAD, c.split(".")[1]))
+    *[rebuilt(f"sin la columna {c}", f"sin-columna:{c}", says=(BAD, c.split(".")[1]), more=c == "Cuenta.Total")
       for c in ("Comanda.Fecha_Trabajo", "Cuenta.Total", "Pago.ID_Pago", "ProductosXCuenta.ID_Tipo_Anulacion")],
     rebuilt("con el total en texto", "tipo:Cuenta.Total=texto", says=(BAD, "Cuenta", "Total")),
     rebuilt("con los pagos en doble", "tipo:Pago.Monto_Pago=doble", says=(BAD, "Pago", "Monto_Pago")),
@@ -190,8 +192,8 @@ CASES = [
     Case("archivo: con su .ldb tomado",
          lambda d: (open(d.bad[:-3] + "ldb", "wb").close(), busy(d, fcntl.lockf, d.bad[:-3] + "ldb")), **LOCKED),
     Case("archivo: con un .ldb olvidado", lambda d: open(d.bad[:-3] + "ldb", "wb").close(), status=(0,), says=()),
-    Case("archivo: de dos gigas", sparse, status=(1,), says=(BAD,)),
+    Case("archivo: de dos gigas", sparse, status=(0, 1), says=(), more=True),
     # Another terminal's, another restaurant's
-    Case("archivo: el de CAJA1", lambda d: shutil.copy(d.terminal("CAJA1"), d.bad), status=(0,), says=()),
-    Case("archivo: el mismo en dos terminales", lambda d: shutil.copy(d.bad, d.terminal("BARRA")), status=(0, 4), says=()),
+    Case("archivo: el de CAJA1", lambda d: shutil.copy(d.terminal("CAJA1"), d.bad), **SHARED),
+    Case("archivo: el mismo en dos terminales", lambda d: shutil.copy(d.bad, d.terminal("BARRA")), **SHARED),
 ]

@@ -21,7 +21,7 @@ def null_cases():
                 day.put(table, key, f"{column}=nulo")
             # Each engine and declaration writes "ID_Comanda" in its own case.
             yield Case(f"sin valor: {table}.{column}", prepare, says=(BAD, table, f"{column[:3]}", "obligatoria"),
-                       changes_rows=True)
+                       changes_rows=True, more=column != (of_key + others)[-1])
 
 
 def refused(name, *changes, says, rebuild=(), before=()):
@@ -101,7 +101,7 @@ CASES = [
     odd_double("número: mesa infinita", float("-inf"), "inf"),
     refused("número: propina 1e300", ("Pago", "99001", f"ID_comanda=entero:{ORDER}", "Num_Cuenta=entero:1",
                                       "ID_Tipo_Pago=entero:1", "Propina=doble:1e300"),
-            says=("Pago", "99001", "Propina", "1e+300"), rebuild=("tipo:Pago.Propina=doble",)),
+            says=("Pago", "99001", "Propina", "e+300"), rebuild=("tipo:Pago.Propina=doble",)),
     refused("número: mesa en letras", ("Comanda", "60001", "Num_Mesa=texto:la de siempre"),
             says=("Comanda", "60001", "Num_Mesa", "la de siempre"), rebuild=("tipo:Comanda.Num_Mesa=texto",)),
     copied("número: mesa en texto", ("Comanda", "60001", "Num_Mesa=texto:12"), wanted={order("Num_Mesa"): 12},

@@ -17,7 +17,7 @@ const QString kSalida =
     u"Para cerrar sin esta terminal: quimoctl cerrar ... --continuar --omitir CAJA2\n"
     u"(sus ventas quedan en el archivo y se traen después con --traer)."_s;
 const QString kOtraVez =
-    u"Para intentarlo otra vez, ya corregido: quimoctl cerrar ... --continuar\n"_s;
+    u"Corregido el renglón en CAJA2, siga con: quimoctl cerrar ... --continuar\n"_s;
 
 /// Runs the row's statement, which must be refused, and explains why it was.
 QString Explicar(quimo::pruebas::CentralPrueba& central, const QString& tabla,
@@ -105,6 +105,18 @@ TEST(ExplicarRechazo, LaClaveRepetidaMuestraLosDosRenglones) {
              u"  Comentario: «sin sal» en la central, sin valor en CAJA2\n"
              u"  Precio_Venta: $232.00 en la central, $231.9999 en CAJA2\n"
              u"Son dos ventas con el mismo número. Avise a soporte.\n"_s},
+        {"la misma orden, cambiada",
+         {OrdenDeAyer(u"13112026"_s), kArticuloDeAyer},
+         u"ProductosXCuenta"_s,
+         Articulo(u"777"_s, u"0.0000"_s, u"'sin sal'"_s),
+         u"ID_ProductosXCuenta=20001"_s,
+         kArticulo + kYaHay +
+             u"  central: orden 777 (del 13/11/2026), cuenta 1, producto 407, precio $232.00\n"
+             u"  CAJA2: orden 777 (del 13/11/2026), cuenta 1, producto 407, precio $0.00\n"
+             u"No son iguales:\n"
+             u"  Precio_Venta: $232.00 en la central, $0.00 en CAJA2\n"
+             u"Es la misma orden: parece que CAJA2 no recibió su base de datos nueva.\n"
+             u"Vea con soporte cuál de los dos renglones vale.\n"_s},
         {"una fecha solo difiere en lo que la copia no guarda",
          {u"INSERT INTO Comanda (ID_Comanda,Fecha_Cierre) VALUES (777,'14/11/2026')"_s},
          u"Comanda"_s,
