@@ -59,6 +59,12 @@ ResultadoCierre<QString> LiteralDeTerminal(const jet::Valor& valor, Forma forma)
             u"Una columna de ventas de la terminal no es de texto ni de número."_s);
     }
     const QString crudo = Crudo(valor);
+    const auto* doble = std::get_if<double>(&valor);
+    const auto* simple = std::get_if<float>(&valor);
+    if ((doble != nullptr && !std::isfinite(*doble)) ||
+        (simple != nullptr && !std::isfinite(*simple))) {
+        return ValorInservible(u"La terminal guarda un número imposible ("_s + crudo + u")."_s);
+    }
     const bool es_texto = std::holds_alternative<std::u16string>(valor);
     if (forma == Forma::Numero && !es_texto) return crudo;
     return u'\'' + foundation::DuplicaApostrofes(crudo) + u'\'';
@@ -166,15 +172,25 @@ struct BaseTerminal::Renglon::Lugares {
     std::vector<std::size_t> insertar = {};
     std::vector<jet::TipoColumna> tipos = {};
 
-    ResultadoCierre<QString> Literal(const jet::Valor& valor, const char16_t* columna,
-                                     Forma forma) const {
-        auto literal = LiteralDeTerminal(valor, forma);
+    ResultadoCierre<QString> Literal(const jet::Fila& fila, std::size_t lugar,
+                                     const char16_t* columna, Forma forma) const {
+        auto literal = LiteralDeTerminal(fila[lugar], forma);
         if (literal) return literal;
         Interrupcion fallo = std::move(literal).error();
-        fallo.descripcion = sobre + u": tabla "_s + QString::fromUtf16(copia->tabla) +
+        fallo.descripcion = sobre + u": tabla "_s + QString::fromUtf16(copia->tabla) + Llave(fila) +
                             u", columna "_s + QString::fromUtf16(columna) + u": "_s +
                             fallo.descripcion;
         return fallo;
+    }
+
+    /// Which row it is, as far as its key can be told.
+    QString Llave(const jet::Fila& fila) const {
+        QStringList partes;
+        for (std::size_t i = 0; i < clave.size(); ++i) {
+            const auto valor = LiteralDeTerminal(fila[clave[i]], Forma::Numero);
+            if (valor) partes << QString::fromUtf16(copia->clave[i]) + u'=' + *valor;
+        }
+        return partes.isEmpty() ? QString() : u", renglón "_s + partes.join(u", "_s);
     }
 };
 
@@ -191,12 +207,12 @@ jet::TipoColumna BaseTerminal::Renglon::TipoAlInsertar(std::size_t i) const {
 }
 
 ResultadoCierre<QString> BaseTerminal::Renglon::LiteralDeClave(std::size_t i) const {
-    return lugares_->Literal(Clave(i), lugares_->copia->clave[i], Forma::Numero);
+    return lugares_->Literal(*fila_, lugares_->clave[i], lugares_->copia->clave[i], Forma::Numero);
 }
 
 ResultadoCierre<QString> BaseTerminal::Renglon::LiteralAlModificar(std::size_t i) const {
     const CampoCopia& campo = lugares_->copia->al_modificar[i];
-    return lugares_->Literal((*fila_)[lugares_->modificar[i]], campo.columna, campo.forma);
+    return lugares_->Literal(*fila_, lugares_->modificar[i], campo.columna, campo.forma);
 }
 
 ResultadoCierre<QString> BaseTerminal::Renglon::LiteralAlInsertar(std::size_t i) const {
@@ -205,7 +221,8 @@ ResultadoCierre<QString> BaseTerminal::Renglon::LiteralAlInsertar(std::size_t i)
 
 ResultadoCierre<QString> BaseTerminal::Renglon::LiteralAlInsertar(std::size_t i,
                                                                   Forma forma) const {
-    return lugares_->Literal(AlInsertar(i), lugares_->copia->al_insertar[i].columna, forma);
+    return lugares_->Literal(*fila_, lugares_->insertar[i], lugares_->copia->al_insertar[i].columna,
+                             forma);
 }
 
 ResultadoCierre<BaseTerminal::Renglon::Lugares> BaseTerminal::LugaresDe(

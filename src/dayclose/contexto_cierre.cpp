@@ -1,5 +1,7 @@
 #include "dayclose/contexto_cierre.h"
 
+#include "dayclose/explicacion.h"
+
 using namespace Qt::StringLiterals;
 
 namespace quimo::dayclose {
@@ -30,7 +32,8 @@ bool EsNombreDeEquipo(const QString& nombre) {
 bool OfrecerApartar(foundation::ClsAdo& ado, Interrupcion& fallo) {
     if (fallo.motivo != Interrupcion::Motivo::Error || fallo.terminal.isEmpty()) return false;
     QString texto = QString::number(static_cast<qint32>(fallo.numero)) + u' ' + fallo.descripcion;
-    if (!fallo.detalle.isEmpty()) texto += u"\n\n"_s + fallo.detalle;
+    texto += u"\n\n"_s +
+             (fallo.detalle.isEmpty() ? SalidaSinTerminal(fallo.terminal) : fallo.detalle);
     texto += u"\n\n¿Desea terminar aquí, o apartar la terminal "_s + fallo.terminal +
              u" y cerrar el día sin ella?"_s;
     fallo.dicha = true;

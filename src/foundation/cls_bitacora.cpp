@@ -32,6 +32,14 @@ QString HoraDeLinea(const QDateTime& momento) {
                              dia.year() % 100, hora.hour(), hora.minute(), hora.second());
 }
 
+/// Why a file could not be written. The system's own text would not be Spanish, and a write that
+/// stopped half way has none.
+QString MotivoDe(const QFile& archivo) {
+    if (archivo.error() == QFileDevice::PermissionsError) return u"no hay permiso."_s;
+    if (archivo.error() == QFileDevice::OpenError) return u"no se puede abrir."_s;
+    return u"no se pudo guardar completa; puede que el disco esté lleno."_s;
+}
+
 }  // namespace
 
 ClsBitacora::ClsBitacora(const OpcionesBitacora& opciones, Dialogos& dialogos, const Reloj& reloj)
@@ -80,7 +88,7 @@ void ClsBitacora::Anexar(const QByteArray& lineas) {
     if (fallo_avisado_) return;
     fallo_avisado_ = true;
     dialogos_.Avisar(
-        u"No se pudo escribir en la bitácora "_s + archivo_ + u": "_s + archivo.errorString(),
+        u"No se pudo escribir en la bitácora "_s + archivo_ + u": "_s + MotivoDe(archivo),
         Icono::Critico, u"Error Bitácora"_s);
 }
 

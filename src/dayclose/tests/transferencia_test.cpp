@@ -404,8 +404,8 @@ TEST_F(TransferenciaTest, LoQueNingunaSentenciaPuedeLlevarDiceSuLugar) {
     ASSERT_FALSE(copiadas);
     EXPECT_FALSE(copiadas.error().renglon);
     EXPECT_EQ(copiadas.error().interrupcion.descripcion,
-              u"Base de datos de la terminal CAJA9: tabla Comanda, columna Fecha_Apertura: La "
-              "terminal guarda una fecha imposible."_s);
+              u"Base de datos de la terminal CAJA9: tabla Comanda, renglón ID_Comanda=900001, columna "
+              "Fecha_Apertura: La terminal guarda una fecha imposible."_s);
 }
 
 TEST_F(TransferenciaTest, DetenerTerminaSinEsperarAlFinal) {
