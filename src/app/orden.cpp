@@ -16,15 +16,10 @@ constexpr DefOpcion kOpcionesSql[] = {{u"consulta", u"TEXTO"},
                                       {u"archivo", u"ARCHIVO"},
                                       {u"lineas"},
                                       {u"formato", u"tabla|csv|json"}};
-constexpr DefOpcion kOpcionesCerrar[] = {{u"red", u"CARPETA"},
-                                         {u"dir", u"CARPETA"},
-                                         {u"ante-falla", u"abortar|ignorar"},
-                                         {u"continuar"},
-                                         {u"descartar"},
-                                         {u"omitir", u"NOMBRE", true},
-                                         {u"traer", u"ARCHIVO"},
-                                         {u"terminal", u"NOMBRE"},
-                                         {u"enviar", u"NOMBRE"}};
+constexpr DefOpcion kOpcionesCerrar[] = {
+    {u"red", u"CARPETA"},   {u"dir", u"CARPETA"},     {u"ante-falla", u"abortar|ignorar"},
+    {u"continuar"},         {u"descartar"},           {u"omitir", u"NOMBRE", true},
+    {u"traer", u"ARCHIVO"}, {u"terminal", u"NOMBRE"}, {u"enviar", u"NOMBRE"}};
 
 constexpr DefOpcion kOpcionesUsuario[] = {{u"nombre", u"NOMBRE"}};
 
@@ -110,7 +105,8 @@ QString Leer(const DefOrden& orden, const QStringList& resto, Argumentos& leidos
             orden.opciones.begin(), orden.opciones.end(),
             [&](const DefOpcion& def) { return nombre == QString::fromUtf16(def.nombre); });
         if (opcion == orden.opciones.end()) return u"Opción desconocida: "_s + palabra;
-        if (leidos.Hay(nombre) && !opcion->repetible) return u"La opción --"_s + nombre + u" está repetida."_s;
+        if (leidos.Hay(nombre) && !opcion->repetible)
+            return u"La opción --"_s + nombre + u" está repetida."_s;
         const bool con_igual = palabra.contains(u'=');
         if (opcion->valor == nullptr) {
             if (con_igual) return u"La opción --"_s + nombre + u" no lleva valor."_s;

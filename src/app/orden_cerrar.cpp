@@ -65,8 +65,8 @@ std::unique_ptr<dayclose::TerminalShare> AbrirRed(const Argumentos& argumentos,
 }
 
 QString Quien() {
-    return u"%1 en %2 (quimoctl, proceso %3)"_s.arg(foundation::UsuarioDelSistema(),
-                                                    QSysInfo::machineHostName())
+    return u"%1 en %2 (quimoctl, proceso %3)"_s
+        .arg(foundation::UsuarioDelSistema(), QSysInfo::machineHostName())
         .arg(::getpid());
 }
 
@@ -120,9 +120,9 @@ Estado Terminal(const Argumentos& argumentos, TrabajoTerminal& trabajo, foundati
 
 Estado OrdenCerrar(const Argumentos& argumentos, const Entorno& entorno) {
     const auto ante_falla = AnteFalla(argumentos.Opcion(u"ante-falla"_s, u"abortar"_s));
-    const QString contradiccion =
-        ante_falla ? Contradiccion(argumentos)
-                   : u"La opción --ante-falla admite abortar o ignorar."_s;
+    const QString contradiccion = ante_falla
+                                      ? Contradiccion(argumentos)
+                                      : u"La opción --ante-falla admite abortar o ignorar."_s;
     if (!contradiccion.isEmpty()) {
         EscribirError(contradiccion);
         return kMalUso;
@@ -136,8 +136,9 @@ Estado OrdenCerrar(const Argumentos& argumentos, const Entorno& entorno) {
     const auto share = AbrirRed(argumentos, carpeta);
     if (share == nullptr) return kFallo;
     const PedidoDeTerminar pedido;
-    const auto sesion = AbrirSesion(argumentos, entorno, foundation::SiFalta::Fallar,
-                                    carpeta + u"/QUIMO.log"_s, RespuestasDe(argumentos, *ante_falla));
+    const auto sesion =
+        AbrirSesion(argumentos, entorno, foundation::SiFalta::Fallar, carpeta + u"/QUIMO.log"_s,
+                    RespuestasDe(argumentos, *ante_falla));
     if (sesion == nullptr) return kFallo;
     foundation::ClsAdo& ado = *sesion->ado;
     if (argumentos.Hay(u"traer"_s) || argumentos.Hay(u"enviar"_s)) {

@@ -81,14 +81,14 @@ void EscribirCopiadas(const QVector<dayclose::TablaCopiada>& copiadas) {
                              QString::number(copiada.iguales)};
     }
     Escribir(QString());
-    Escribir(TablaDeTexto({u"Copiado de"_s, u"Tabla"_s, u"Nuevas"_s, u"Actualizadas"_s, u"Ya estaban"_s}, filas,
-                          {false, false, true, true, true}));
+    Escribir(
+        TablaDeTexto({u"Copiado de"_s, u"Tabla"_s, u"Nuevas"_s, u"Actualizadas"_s, u"Ya estaban"_s},
+                     filas, {false, false, true, true, true}));
 }
 
 /// The central figures beside those of the terminals; without these, alone.
 void EscribirTotales(const QString& titulo, const ValoresCifras& central,
-                     const std::optional<ValoresCifras>& terminales,
-                     const QString& de_terminales) {
+                     const std::optional<ValoresCifras>& terminales, const QString& de_terminales) {
     QStringList titulos = {titulo, u"Central"_s, QString()};
     const QVector<bool> derecha = {false, true, true, true, true, false};
     if (terminales) titulos << de_terminales << QString() << QString();
@@ -118,11 +118,12 @@ void EscribirCentral(foundation::ClsAdo& ado, const QString& titulo, const QStri
     const auto terminales = Suma(contadas);
     if (!terminales) {
         EscribirError(
-            u"Los importes de las terminales suman más de lo que se puede guardar: revíselos uno por "
+            u"Los importes de las terminales suman más de lo que se puede guardar: revíselos uno "
+            u"por "
             u"uno."_s);
     }
-    EscribirTotales(titulo, *central,
-                    contadas.isEmpty() || !terminales ? std::nullopt : terminales, de_terminales);
+    EscribirTotales(titulo, *central, contadas.isEmpty() || !terminales ? std::nullopt : terminales,
+                    de_terminales);
 }
 
 void EscribirLineas(const QStringList& lineas) {

@@ -193,9 +193,9 @@ ResultadoCierre<void> BaseNueva::Copiar(const QString& destino, const QString& c
             if (!indexadas[lugares[i]]) continue;
             const QString ajenas = QuitarLetrasAjenas(valores[lugares[i]]);
             if (ajenas.isEmpty()) continue;
-            avisos_ << u"%1: las terminales no pueden guardar '%2' en %3; en su lugar va '?'."_s.arg(
-                NombreDeFila(destino, origen->Columnas(), fila), ajenas,
-                QString::fromStdString(columna.nombre));
+            avisos_ << u"%1: las terminales no pueden guardar '%2' en %3; en su lugar va '?'."_s
+                           .arg(NombreDeFila(destino, origen->Columnas(), fila), ajenas,
+                                QString::fromStdString(columna.nombre));
         }
         const auto id = tabla.Insertar(valores);
         if (!id) {
@@ -279,7 +279,8 @@ ResultadoCierre<void> BaseNueva::PonerTerminal(const Terminal& terminal,
     QUIMO_TRY_VOID(PonerParametro(foundation::parametro::kTerminal, terminal.id));
     QUIMO_TRY(const qint64 folio, SiguienteFolioProductos(*ado_, terminal.id));
     QUIMO_TRY_VOID(PonerParametro(foundation::parametro::kFolioProductos, folio));
-    const bool subir = minimos.comanda > propios_.folio_comanda || minimos.pago > propios_.folio_pago;
+    const bool subir =
+        minimos.comanda > propios_.folio_comanda || minimos.pago > propios_.folio_pago;
     if (!subir && !subidos_) return {};
     subidos_ = subir;
     QUIMO_TRY_VOID(PonerParametro(foundation::parametro::kFolioComanda,

@@ -102,10 +102,10 @@ CierrePendiente::Hecho CierrePendiente::Anotar(Transaccion& transaccion, int id_
                                                const Avance& avance) {
     // What the table holds decides, not what this object remembers: a mark may have gone with a
     // transaction that was rolled back.
-    RespuestaSql cambiada =
-        transaccion.Ejecutar(u"UPDATE Cierre_Avance SET Estado=?,Detalle=? "
-                             u"WHERE Nombre_Term=? AND Tabla=?"_s,
-                             {avance.estado, avance.detalle, terminal, marca});
+    RespuestaSql cambiada = transaccion.Ejecutar(
+        u"UPDATE Cierre_Avance SET Estado=?,Detalle=? "
+        u"WHERE Nombre_Term=? AND Tabla=?"_s,
+        {avance.estado, avance.detalle, terminal, marca});
     if (cambiada.fallo) return *std::move(cambiada.fallo);
     if (cambiada.resultados.isEmpty() || cambiada.resultados.first().afectadas < 1) {
         QUIMO_TRY_VOID(Ejecutar(transaccion,
@@ -145,9 +145,8 @@ QVector<VersionCopiada> CierrePendiente::Versiones(const QString& terminal) cons
 
 bool CierrePendiente::SeCopio(const QString& terminal, const QString& sha256) const {
     const QVector<VersionCopiada> versiones = Versiones(terminal);
-    return std::any_of(versiones.begin(), versiones.end(), [&](const VersionCopiada& version) {
-        return version.sha256 == sha256;
-    });
+    return std::any_of(versiones.begin(), versiones.end(),
+                       [&](const VersionCopiada& version) { return version.sha256 == sha256; });
 }
 
 bool CierrePendiente::Conoce(const QString& terminal, const QString& sha256) const {

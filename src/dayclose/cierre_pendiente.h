@@ -52,7 +52,8 @@ public:
     /// SHA-256 of the file sent).
     enum Estado : int { kPorHacer = 0, kHecho = 1, kEnviando = 2 };
     /// Marks beside the tables' names: the sending; the counted file (detail: its SHA-256) and the
-    /// file it was made from when that one was damaged; why the terminal is set aside (state: Apartada, detail: SHA-256 of its archived file, if any).
+    /// file it was made from when that one was damaged; why the terminal is set aside (state:
+    /// Apartada, detail: SHA-256 of its archived file, if any).
     static constexpr char16_t kEnvio[] = u"*envio";
     static constexpr char16_t kArchivo[] = u"*archivo";
     static constexpr char16_t kRecibido[] = u"*recibido";

@@ -111,12 +111,12 @@ ResultadoCierre<void> CadaRenglon(
     const BaseTerminal& base, const DefCopia& copia,
     const std::function<ResultadoCierre<void>(const BaseTerminal::Renglon&)>& visitar) {
     constexpr std::size_t kTanda = 256;
-    return base.Recorrer(copia, kTanda,
-                         [&](std::span<const BaseTerminal::Renglon> tanda) -> ResultadoCierre<void> {
-                             for (const BaseTerminal::Renglon& renglon : tanda)
-                                 QUIMO_TRY_VOID(visitar(renglon));
-                             return {};
-                         });
+    return base.Recorrer(
+        copia, kTanda, [&](std::span<const BaseTerminal::Renglon> tanda) -> ResultadoCierre<void> {
+            for (const BaseTerminal::Renglon& renglon : tanda)
+                QUIMO_TRY_VOID(visitar(renglon));
+            return {};
+        });
 }
 
 QString ClaveTexto(const DefCopia& copia, quint64 clave) {
@@ -279,8 +279,8 @@ ResultadoCierre<void> Busqueda::LeerDeTerminal(const DefCopia& copia, int termin
     Muestra sin_prefijo;
     Muestra huerfanas;
     QUIMO_TRY(const BaseTerminal base, Abrir(terminal));
-    QUIMO_TRY_VOID(
-        CadaRenglon(base, copia, [&](const BaseTerminal::Renglon& renglon) -> ResultadoCierre<void> {
+    QUIMO_TRY_VOID(CadaRenglon(
+        base, copia, [&](const BaseTerminal::Renglon& renglon) -> ResultadoCierre<void> {
             if (fecha) {
                 const auto literal = renglon.LiteralAlInsertar(*fecha);
                 const QString dia = literal ? LeerLiteral(*literal).texto : QString();
@@ -385,14 +385,14 @@ ResultadoCierre<QHash<quint64, QStringList>> Busqueda::Renglones(const DefCopia&
     QHash<quint64, QStringList> renglones;
     const std::vector<std::size_t> columnas_clave = LugaresDe(copia, copia.clave);
     QUIMO_TRY(const BaseTerminal base, Abrir(terminal));
-    QUIMO_TRY_VOID(
-        CadaRenglon(base, copia, [&](const BaseTerminal::Renglon& renglon) -> ResultadoCierre<void> {
-            const auto clave = Empacar(renglon, columnas_clave);
-            if (clave && muestra.claves.contains(*clave)) {
-                renglones.insert(*clave, Contenido(copia, renglon));
-            }
-            return {};
-        }));
+    QUIMO_TRY_VOID(CadaRenglon(base, copia,
+                               [&](const BaseTerminal::Renglon& renglon) -> ResultadoCierre<void> {
+                                   const auto clave = Empacar(renglon, columnas_clave);
+                                   if (clave && muestra.claves.contains(*clave)) {
+                                       renglones.insert(*clave, Contenido(copia, renglon));
+                                   }
+                                   return {};
+                               }));
     return renglones;
 }
 
@@ -403,9 +403,10 @@ ResultadoCierre<void> Busqueda::ContarDistintos(const Par& par, const Muestra& m
         QStringList claves;
         for (const quint64 clave : muestra.claves)
             claves << ClaveTexto(*copia, clave);
-        Anotar(uno, u"%1 tiene %2 (tabla %3) con una clave que se repite en su archivo: %4"_s.arg(
-                        Nombre(uno), RenglonesContados(muestra.cuantas, tabla), tabla,
-                        Lista(claves, muestra.cuantas)),
+        Anotar(uno,
+               u"%1 tiene %2 (tabla %3) con una clave que se repite en su archivo: %4"_s.arg(
+                   Nombre(uno), RenglonesContados(muestra.cuantas, tabla), tabla,
+                   Lista(claves, muestra.cuantas)),
                Perdida::Si);
         return {};
     }

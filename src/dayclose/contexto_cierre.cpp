@@ -32,8 +32,8 @@ bool EsNombreDeEquipo(const QString& nombre) {
 bool OfrecerApartar(foundation::ClsAdo& ado, Interrupcion& fallo) {
     if (fallo.motivo != Interrupcion::Motivo::Error || fallo.terminal.isEmpty()) return false;
     QString texto = QString::number(static_cast<qint32>(fallo.numero)) + u' ' + fallo.descripcion;
-    texto += u"\n\n"_s +
-             (fallo.detalle.isEmpty() ? SalidaSinTerminal(fallo.terminal) : fallo.detalle);
+    texto +=
+        u"\n\n"_s + (fallo.detalle.isEmpty() ? SalidaSinTerminal(fallo.terminal) : fallo.detalle);
     texto += u"\n\n¿Desea terminar aquí, o apartar la terminal "_s + fallo.terminal +
              u" y cerrar el día sin ella?"_s;
     fallo.dicha = true;
@@ -55,8 +55,9 @@ ResultadoCierre<QVector<Fila>> LeerFilas(foundation::ClsAdo& ado, const QString&
 ResultadoCierre<QVector<Terminal>> TodasLasTerminales(foundation::ClsAdo& ado) {
     QUIMO_TRY(
         const QVector<Fila> filas,
-        LeerFilas(ado,
-                  u"SELECT ID_Terminal,Nombre_Terminal,ID_Menu FROM Terminal ORDER BY ID_Terminal"_s));
+        LeerFilas(
+            ado,
+            u"SELECT ID_Terminal,Nombre_Terminal,ID_Menu FROM Terminal ORDER BY ID_Terminal"_s));
     QVector<Terminal> terminales;
     for (const Fila& fila : filas) {
         terminales.append({fila[0].toInt(), fila[1].toString(), fila[2].toInt()});

@@ -108,8 +108,8 @@ private:
         if (presente_.isEmpty() || cierre_.Conoce(terminal_.nombre, presente_)) return true;
         if (cierre_.EstaApartada(terminal_.nombre) == Apartada::SinComunicacion) {
             // It stays uncounted in this close, also when it can be reached again.
-            QUIMO_TRY_VOID(Apartar(contexto_.ado, cierre_, terminal_, Apartada::SinComunicacion,
-                                   presente_));
+            QUIMO_TRY_VOID(
+                Apartar(contexto_.ado, cierre_, terminal_, Apartada::SinComunicacion, presente_));
             return true;
         }
         QUIMO_TRY_VOID(CopiarVersionNueva(contexto_, cierre_, terminal_, archivado.ruta));

@@ -130,9 +130,10 @@ ResultadoCierre<void> FinDeDia::Elegir() {
 ResultadoCierre<void> FinDeDia::ConfirmarDescarte() {
     const QString fecha = Visible(*cierre_);
     const QString pregunta =
-        u"El cierre del %1 se dejará sin terminar y se empezará uno nuevo. Lo que copió se queda, y "
-        u"los archivos de las terminales quedan guardados en la carpeta archivo. ¿Está seguro?"_s.arg(
-            fecha);
+        u"El cierre del %1 se dejará sin terminar y se empezará uno nuevo. Lo que copió se queda, "
+        u"y "
+        u"los archivos de las terminales quedan guardados en la carpeta archivo. ¿Está seguro?"_s
+            .arg(fecha);
     if (contexto_.ado.Dialogo().Preguntar(pregunta, Botones::SiNo, Icono::Exclamacion) ==
         Respuesta::Si) {
         return {};
@@ -152,8 +153,8 @@ ResultadoCierre<void> FinDeDia::Empezar() {
 
 ResultadoCierre<void> FinDeDia::Correr() {
     ClsAdo& ado = contexto_.ado;
-    QUIMO_TRY(TurnoCierre turno,
-              TurnoCierre::Tomar(ado.Conexion(), contexto_.opciones.quien, contexto_.reloj.Ahora()));
+    QUIMO_TRY(TurnoCierre turno, TurnoCierre::Tomar(ado.Conexion(), contexto_.opciones.quien,
+                                                    contexto_.reloj.Ahora()));
     contexto_.turno = &turno;
     auto corrido = CorrerEnTurno();
     contexto_.turno = nullptr;
@@ -244,8 +245,8 @@ FinDeDia::Desenlace FinDeDia::Ejecutar() {
 
 ResultadoCierre<void> FinDeDia::DescartarPendiente() {
     ClsAdo& ado = contexto_.ado;
-    QUIMO_TRY(const TurnoCierre turno,
-              TurnoCierre::Tomar(ado.Conexion(), contexto_.opciones.quien, contexto_.reloj.Ahora()));
+    QUIMO_TRY(const TurnoCierre turno, TurnoCierre::Tomar(ado.Conexion(), contexto_.opciones.quien,
+                                                          contexto_.reloj.Ahora()));
     QUIMO_INTENTAR(auto pendiente, CierrePendiente::Leer(ado.Conexion()));
     if (!pendiente) return SinEmpezar(u"No hay ningún cierre pendiente"_s);
     const QString fecha = Visible(*pendiente);
@@ -263,7 +264,8 @@ ResultadoCierre<void> FinDeDia::DescartarPendiente() {
     QUIMO_INTENTAR_VOID(transaccion.Confirmar());
     BorrarCopiasLocales();
     ado.Dialogo().Avisar(
-        u"Se descartó el cierre del %1. Lo que falte de sus ventas se trae con: quimoctl cerrar ... "
+        u"Se descartó el cierre del %1. Lo que falte de sus ventas se trae con: quimoctl cerrar "
+        u"... "
         u"--traer ARCHIVO --terminal NOMBRE"_s.arg(fecha),
         Icono::Informacion);
     return {};

@@ -42,7 +42,8 @@ ResultadoCierre<bool> Reparar(foundation::ClsAdo& ado, const ArchivoVentas& arch
     const auto informe = jet::Reparar(ruta.toStdString(), copia.Ruta().toStdString());
     if (!informe || !informe->Completa()) return false;
     const QString pregunta =
-        u"%1\n\nSe leyeron completos %2 renglones de %3 tablas, y con ellos se hizo una copia sana. "
+        u"%1\n\nSe leyeron completos %2 renglones de %3 tablas, y con ellos se hizo una copia "
+        u"sana. "
         u"El archivo dañado queda guardado. ¿Desea usar la copia?"_s.arg(dano)
             .arg(informe->Renglones())
             .arg(informe->tablas.size());
@@ -64,8 +65,8 @@ ResultadoCierre<ArchivoContado> ContarArchivo(foundation::ClsAdo& ado, const Arc
     QUIMO_INTENTAR(contado.recibido, Sha256DeArchivo(ruta));
     auto cifras = Contar(ruta, terminal);
     if (!cifras && cifras.error().numero == kBaseDanada) {
-        QUIMO_TRY(contado.reparada, Reparar(ado, archivo, ruta, fecha, terminal,
-                                            cifras.error().descripcion));
+        QUIMO_TRY(contado.reparada,
+                  Reparar(ado, archivo, ruta, fecha, terminal, cifras.error().descripcion));
         if (contado.reparada) cifras = Contar(ruta, terminal);
     }
     if (!cifras) return DeTerminal(std::move(cifras).error(), terminal);
@@ -82,13 +83,12 @@ ResultadoCierre<Traida> TraerTerminal(ContextoCierre& contexto, const QString& f
     ManejadorFallas& fallas = contexto.fallas;
     fallas.Empezar();
     const auto sin_comunicacion = [] { return Traida{Apartada::SinComunicacion, {}}; };
-    QUIMO_TRY(const bool con_carpeta,
-              fallas.Ejecutar(terminal, [&]() -> ResultadoArchivo<void> {
-                  if (!EsNombreDeEquipo(terminal)) {
-                      return FalloDeNumero(FalloArchivo::kNombreIncorrecto, terminal);
-                  }
-                  return CrearCarpeta(contexto.CarpetaLocal(terminal));
-              }));
+    QUIMO_TRY(const bool con_carpeta, fallas.Ejecutar(terminal, [&]() -> ResultadoArchivo<void> {
+        if (!EsNombreDeEquipo(terminal)) {
+            return FalloDeNumero(FalloArchivo::kNombreIncorrecto, terminal);
+        }
+        return CrearCarpeta(contexto.CarpetaLocal(terminal));
+    }));
     if (!con_carpeta) return sin_comunicacion();
     bool existe = false;
     QUIMO_TRY(const bool mirado, fallas.Ejecutar(terminal, [&]() -> ResultadoArchivo<void> {
@@ -99,9 +99,9 @@ ResultadoCierre<Traida> TraerTerminal(ContextoCierre& contexto, const QString& f
     if (!existe) return Traida{Apartada::SinArchivo, {}};
     QString sha256;
     QUIMO_TRY(const bool traido, fallas.Ejecutar(terminal, [&]() -> ResultadoArchivo<void> {
-        QUIMO_TRY(const Archivado archivado,
-                  contexto.archivo.Recibir(contexto.share, contexto.Remoto(terminal), fecha,
-                                           terminal));
+        QUIMO_TRY(
+            const Archivado archivado,
+            contexto.archivo.Recibir(contexto.share, contexto.Remoto(terminal), fecha, terminal));
         sha256 = archivado.sha256;
         QUIMO_TRY(const Copiado copiado,
                   CopiarEntero(archivado.ruta, contexto.CopiaLocal(terminal)));

@@ -13,13 +13,13 @@ namespace quimo::dayclose {
 /// format or a missing table is a failure that names the terminal.
 struct ArchivoContado {
     ValoresCifras cifras;
-    QString sha256;        ///< of the file that was counted
-    QString recibido;      ///< of the file as it came, which may have been damaged
+    QString sha256;    ///< of the file that was counted
+    QString recibido;  ///< of the file as it came, which may have been damaged
     bool reparada = false;
 };
 ResultadoCierre<ArchivoContado> ContarArchivo(foundation::ClsAdo& ado, const ArchivoVentas& archivo,
-                                         const QString& ruta, const QString& fecha,
-                                         const QString& terminal);
+                                              const QString& ruta, const QString& fecha,
+                                              const QString& terminal);
 
 /// What came of fetching one terminal's file.
 struct Traida {

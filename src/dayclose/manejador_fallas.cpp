@@ -20,10 +20,10 @@ Interrupcion Detenido() {
 ResultadoCierre<bool> ManejadorFallas::Esperar(const QString& terminal) {
     constexpr int kIntentosPorAviso = 100;
     if (reintentos_ % kIntentosPorAviso == 0) {
-        dialogos_.Progreso(u"Esperando a que la terminal %1 se cierre (intento %2 de %3)"_s
-                               .arg(terminal)
-                               .arg(reintentos_ + 1)
-                               .arg(kReintentosMax));
+        dialogos_.Progreso(
+            u"Esperando a que la terminal %1 se cierre (intento %2 de %3)"_s.arg(terminal)
+                .arg(reintentos_ + 1)
+                .arg(kReintentosMax));
     }
     ++reintentos_;
     dialogos_.ProcesarEventos();

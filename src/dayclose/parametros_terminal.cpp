@@ -64,9 +64,8 @@ base::Result<QStringList> FechasDeOrdenes(const jet::BaseDatos& base) {
     const auto por_dia = [](const QString& fecha) {
         return fecha.mid(4) + fecha.mid(2, 2) + fecha.left(2);
     };
-    std::sort(fechas.begin(), fechas.end(), [&](const QString& a, const QString& b) {
-        return por_dia(a) < por_dia(b);
-    });
+    std::sort(fechas.begin(), fechas.end(),
+              [&](const QString& a, const QString& b) { return por_dia(a) < por_dia(b); });
     return fechas;
 }
 

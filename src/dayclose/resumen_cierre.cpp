@@ -31,10 +31,9 @@ std::optional<ValoresCifras> CifrasDeArchivo(const QString& ruta, const QString&
 void AgregarContada(ContextoCierre& contexto, const CierrePendiente& cierre,
                     const Terminal& terminal) {
     auto& contadas = contexto.resumen.contadas;
-    const bool esta =
-        std::any_of(contadas.begin(), contadas.end(), [&](const TerminalContada& otra) {
-            return otra.terminal.nombre == terminal.nombre;
-        });
+    const bool esta = std::any_of(
+        contadas.begin(), contadas.end(),
+        [&](const TerminalContada& otra) { return otra.terminal.nombre == terminal.nombre; });
     const auto archivo = cierre.De(terminal.nombre, QString::fromUtf16(CierrePendiente::kArchivo));
     if (esta || !archivo) return;
     const QString ruta = Ruta(contexto, cierre.Fecha(), terminal.nombre, archivo->detalle);
@@ -52,9 +51,8 @@ void AgregarSinCopiar(ContextoCierre& contexto, const CierrePendiente& cierre,
     if (apartada) sin.archivo = Ruta(contexto, cierre.Fecha(), terminal.nombre, apartada->detalle);
     sin.cifras = CifrasDeArchivo(sin.archivo, terminal.nombre);
     contexto.resumen.sin_copiar.append(sin);
-    contexto.resumen.contadas.removeIf([&](const TerminalContada& contada) {
-        return contada.terminal.nombre == terminal.nombre;
-    });
+    contexto.resumen.contadas.removeIf(
+        [&](const TerminalContada& contada) { return contada.terminal.nombre == terminal.nombre; });
 }
 
 QString Motivo(const TerminalSinCopiar& sin) {
@@ -130,11 +128,13 @@ QString SalidaDe(const TerminalSinCopiar& sin, bool sin_base) {
     }
     const QString donde = u"Las ventas de %1 siguen sólo en la terminal. "_s.arg(sin.terminal);
     if (sin_base) {
-        return donde + u"Cuando responda, antes de abrirla: quimoctl cerrar ... --enviar %1, que trae "
-                       u"sus ventas y le manda su base nueva"_s.arg(sin.terminal);
+        return donde +
+               u"Cuando responda, antes de abrirla: quimoctl cerrar ... --enviar %1, que trae "
+               u"sus ventas y le manda su base nueva"_s.arg(sin.terminal);
     }
-    return donde + u"Cuando se pueda leer, copie su Quimo_Terminal.mdb y tráigalo con: quimoctl cerrar "
-                   u"... --traer ARCHIVO --terminal %1"_s.arg(sin.terminal);
+    return donde +
+           u"Cuando se pueda leer, copie su Quimo_Terminal.mdb y tráigalo con: quimoctl cerrar "
+           u"... --traer ARCHIVO --terminal %1"_s.arg(sin.terminal);
 }
 
 }  // namespace
@@ -156,15 +156,17 @@ TextoResumen RedactarResumen(const ResumenCierre& resumen) {
         const bool copiada = std::any_of(
             resumen.contadas.begin(), resumen.contadas.end(),
             [&](const TerminalContada& contada) { return contada.terminal.nombre == terminal; });
-        texto.faltantes << u"Mientras %1 no la reciba seguirá vendiendo con la fecha, los precios y los "
-                           u"números de antes%2. Antes de abrirla: quimoctl cerrar ... --enviar %1"_s
-                               .arg(terminal, copiada ? u", y el próximo cierre se detendrá en las "
-                                                        u"ventas de hoy, que su archivo traerá otra vez"_s
-                                                      : QString());
+        texto.faltantes
+            << u"Mientras %1 no la reciba seguirá vendiendo con la fecha, los precios y los "
+               u"números de antes%2. Antes de abrirla: quimoctl cerrar ... --enviar %1"_s.arg(
+                   terminal, copiada ? u", y el próximo cierre se detendrá en las "
+                                       u"ventas de hoy, que su archivo traerá otra vez"_s
+                                     : QString());
     }
     if (resumen.hay_perdidas) {
-        texto.faltantes << u"Dos terminales usaron el mismo número: de esas ventas sólo quedó una. Las "
-                           u"dos están en sus archivos guardados; vea los avisos."_s;
+        texto.faltantes
+            << u"Dos terminales usaron el mismo número: de esas ventas sólo quedó una. Las "
+               u"dos están en sus archivos guardados; vea los avisos."_s;
     }
     return texto;
 }

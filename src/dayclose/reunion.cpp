@@ -116,9 +116,9 @@ ResultadoCierre<void> AnotarTablas(Transaccion& transaccion, CierrePendiente& ci
     for (const QString& tabla : tablas) {
         // What an earlier copy of this close did is counted on.
         const auto antes = cierre.De(terminal.nombre, tabla);
-        QUIMO_INTENTAR_VOID(cierre.Anotar(transaccion, terminal.id, terminal.nombre, tabla,
-                                          {CierrePendiente::kPorHacer,
-                                           antes ? antes->detalle : QString()}));
+        QUIMO_INTENTAR_VOID(
+            cierre.Anotar(transaccion, terminal.id, terminal.nombre, tabla,
+                          {CierrePendiente::kPorHacer, antes ? antes->detalle : QString()}));
     }
     return {};
 }
@@ -126,14 +126,13 @@ ResultadoCierre<void> AnotarTablas(Transaccion& transaccion, CierrePendiente& ci
 /// The file of a terminal that is set aside is kept as it is, if it can be had at all.
 ResultadoCierre<void> ArchivarApartada(ContextoCierre& contexto, CierrePendiente& cierre,
                                        const Terminal& terminal, Apartada motivo) {
-    const auto recibido = contexto.archivo.Recibir(
-        contexto.share, contexto.Remoto(terminal.nombre), cierre.Fecha(), terminal.nombre);
+    const auto recibido = contexto.archivo.Recibir(contexto.share, contexto.Remoto(terminal.nombre),
+                                                   cierre.Fecha(), terminal.nombre);
     if (!recibido) {
         contexto.resumen.avisos << u"No se pudo guardar el archivo de la terminal "_s +
                                        terminal.nombre + u": "_s + recibido.error().descripcion;
     }
-    return Apartar(contexto.ado, cierre, terminal, motivo,
-                   recibido ? recibido->sha256 : QString());
+    return Apartar(contexto.ado, cierre, terminal, motivo, recibido ? recibido->sha256 : QString());
 }
 
 /// One terminal while sales are gathered: fetched and counted, or set aside.
@@ -143,8 +142,7 @@ ResultadoCierre<std::optional<ArchivoContado>> ReunirTerminal(ContextoCierre& co
     contexto.Progreso(u"Leyendo la terminal "_s + terminal.nombre);
     QUIMO_TRY(const Traida traida, TraerTerminal(contexto, cierre.Fecha(), terminal.nombre));
     if (traida.apartada != Apartada::No) {
-        QUIMO_TRY_VOID(
-            Apartar(contexto.ado, cierre, terminal, traida.apartada, traida.sha256));
+        QUIMO_TRY_VOID(Apartar(contexto.ado, cierre, terminal, traida.apartada, traida.sha256));
         return std::optional<ArchivoContado>();
     }
     QUIMO_TRY(ArchivoContado contado,
@@ -297,9 +295,10 @@ ResultadoCierre<void> RevisarOmitidas(const ContextoCierre& contexto) {
     const QStringList nombres = NombresDe(todas);
     for (const QString& pedida : contexto.opciones.omitir) {
         if (nombres.contains(pedida, Qt::CaseInsensitive)) continue;
-        return Interrupcion{Interrupcion::Motivo::SinEmpezar, 0,
-                            u"No hay ninguna terminal que se llame '%1'. Las terminales son: %2."_s
-                                .arg(pedida, nombres.join(u", "_s))};
+        return Interrupcion{
+            Interrupcion::Motivo::SinEmpezar, 0,
+            u"No hay ninguna terminal que se llame '%1'. Las terminales son: %2."_s.arg(
+                pedida, nombres.join(u", "_s))};
     }
     return {};
 }
@@ -327,19 +326,17 @@ namespace {
 ResultadoCierre<void> RevisarCopia(ContextoCierre& contexto, CierrePendiente& cierre,
                                    const Terminal& terminal, const QString& sha256) {
     const QString local = contexto.CopiaLocal(terminal.nombre);
-    const auto recibido = contexto.archivo.Recibir(
-        contexto.share, contexto.Remoto(terminal.nombre), cierre.Fecha(), terminal.nombre);
+    const auto recibido = contexto.archivo.Recibir(contexto.share, contexto.Remoto(terminal.nombre),
+                                                   cierre.Fecha(), terminal.nombre);
     if (recibido && !cierre.Conoce(terminal.nombre, recibido->sha256)) {
         contexto.resumen.avisos << u"La terminal "_s + terminal.nombre +
                                        u" siguió vendiendo: se copia también lo nuevo."_s;
         QUIMO_INTENTAR(const Copiado copiado, CopiarEntero(recibido->ruta, local));
         static_cast<void>(copiado);
-        QUIMO_TRY(const ArchivoContado contado,
-                  ContarArchivo(contexto.ado, contexto.archivo, local, cierre.Fecha(),
-                                terminal.nombre));
+        QUIMO_TRY(const ArchivoContado contado, ContarArchivo(contexto.ado, contexto.archivo, local,
+                                                              cierre.Fecha(), terminal.nombre));
         QUIMO_INTENTAR(auto transaccion, Transaccion::Iniciar(contexto.ado.Conexion()));
-        QUIMO_TRY_VOID(
-            AnotarTablas(transaccion, cierre, terminal, contado, TodasLasTablas()));
+        QUIMO_TRY_VOID(AnotarTablas(transaccion, cierre, terminal, contado, TodasLasTablas()));
         QUIMO_INTENTAR_VOID(transaccion.Confirmar());
         return {};
     }

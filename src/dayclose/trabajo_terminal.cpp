@@ -28,9 +28,7 @@ namespace {
 
 constexpr int kVueltasMax = 20;
 
-Interrupcion Rechazo(const QString& texto) {
-    return {Interrupcion::Motivo::SinEmpezar, 0, texto};
-}
+Interrupcion Rechazo(const QString& texto) { return {Interrupcion::Motivo::SinEmpezar, 0, texto}; }
 
 /// Removes a working copy when it is no longer needed.
 struct Quitar {
@@ -121,8 +119,8 @@ ResultadoCierre<Terminal> TrabajoTerminal::Preparar(const QString& terminal) {
 ResultadoCierre<void> TrabajoTerminal::Revisar(const Terminal& terminal, const QString& ruta,
                                                const QString& fecha) {
     QUIMO_TRY(const QVector<HallazgoPrevio> hallazgos,
-              BuscarColisiones({{terminal.nombre, terminal.id}},
-                               [&](const QString&) { return ruta; }, fecha));
+              BuscarColisiones(
+                  {{terminal.nombre, terminal.id}}, [&](const QString&) { return ruta; }, fecha));
     if (hallazgos.isEmpty()) return {};
     QStringList lineas;
     for (const HallazgoPrevio& hallazgo : hallazgos) {
@@ -229,11 +227,10 @@ ResultadoCierre<bool> TrabajoTerminal::EnviarUnaVez(const Terminal& terminal) {
     const auto intentar = [&](const auto& operacion) -> ResultadoCierre<void> {
         QUIMO_TRY(const bool hecho, contexto_.fallas.Ejecutar(terminal.nombre, operacion));
         if (hecho) return {};
-        return Interrupcion{
-            Interrupcion::Motivo::Error, FalloArchivo::kPermisoDenegado,
-            contexto_.fallas.Lista().isEmpty()
-                ? u"La terminal "_s + terminal.nombre + u" no se cerro"_s
-                : contexto_.fallas.Lista().last()};
+        return Interrupcion{Interrupcion::Motivo::Error, FalloArchivo::kPermisoDenegado,
+                            contexto_.fallas.Lista().isEmpty()
+                                ? u"La terminal "_s + terminal.nombre + u" no se cerro"_s
+                                : contexto_.fallas.Lista().last()};
     };
     QString presente;
     QUIMO_TRY_VOID(intentar([&]() -> ResultadoArchivo<void> {
@@ -278,7 +275,8 @@ ResultadoCierre<void> TrabajoTerminal::CorrerEnviar(const QString& terminal) {
         return Rechazo(u"La terminal "_s + esta.nombre +
                        u" no está activa: sólo las activas reciben su base de datos."_s);
     }
-    auto directorio = foundation::Parametros(ado).Cadena(foundation::parametro::kDirectorioTerminal);
+    auto directorio =
+        foundation::Parametros(ado).Cadena(foundation::parametro::kDirectorioTerminal);
     if (!directorio) return DeFallo(directorio.error());
     contexto_.directorio = *std::move(directorio);
     const foundation::PunteroOcupado ocupado(ado.Dialogo());

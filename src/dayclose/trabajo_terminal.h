@@ -8,10 +8,10 @@ namespace quimo::dayclose {
 /// What bringing a terminal's file in came to.
 struct ResumenTraida {
     QString terminal;
-    QString archivo;         ///< its place in the archive
-    QStringList fechas;      ///< working dates of its orders, ddmmyyyy
-    ValoresCifras cifras;    ///< what the file holds
-    Comparacion comparacion; ///< what was there before
+    QString archivo;          ///< its place in the archive
+    QStringList fechas;       ///< working dates of its orders, ddmmyyyy
+    ValoresCifras cifras;     ///< what the file holds
+    Comparacion comparacion;  ///< what was there before
     QVector<TablaCopiada> copiadas;
     bool quedan_distintas = false;  ///< central rows that differ were left as they are
 };

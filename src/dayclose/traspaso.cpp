@@ -48,8 +48,8 @@ ResultadoCierre<void> AnotarCopias(Transaccion& transaccion, CierrePendiente& ci
     VersionCopiada version{sha256, {}};
     for (const TablaCopiada& copiada : copiadas) {
         const auto antes = cierre.De(terminal.nombre, copiada.tabla);
-        TablaCopiada suma = CopiaDeDetalle(terminal.nombre, copiada.tabla,
-                                           antes ? antes->detalle : QString());
+        TablaCopiada suma =
+            CopiaDeDetalle(terminal.nombre, copiada.tabla, antes ? antes->detalle : QString());
         suma.insertadas += copiada.insertadas;
         suma.modificadas += copiada.modificadas;
         suma.iguales += copiada.iguales;
@@ -57,8 +57,7 @@ ResultadoCierre<void> AnotarCopias(Transaccion& transaccion, CierrePendiente& ci
                                           {CierrePendiente::kHecho, DetalleDeCopia(suma)}));
         version.tablas << copiada.tabla;
     }
-    QUIMO_INTENTAR_VOID(
-        cierre.AnotarVersion(transaccion, terminal.id, terminal.nombre, version));
+    QUIMO_INTENTAR_VOID(cierre.AnotarVersion(transaccion, terminal.id, terminal.nombre, version));
     return {};
 }
 
@@ -91,11 +90,10 @@ ResultadoCierre<void> CopiarArchivo(ContextoCierre& contexto, CierrePendiente& c
 
 /// Whether a statement was refused for the values it carried: SQLSTATE 22, data; 23, integrity.
 bool EsDelRenglon(const foundation::FalloSql& fallo) {
-    return std::any_of(fallo.errores.begin(), fallo.errores.end(),
-                       [](const foundation::ErrorProveedor& error) {
-                           return error.sqlstate.startsWith(u"22"_s) ||
-                                  error.sqlstate.startsWith(u"23"_s);
-                       });
+    return std::any_of(
+        fallo.errores.begin(), fallo.errores.end(), [](const foundation::ErrorProveedor& error) {
+            return error.sqlstate.startsWith(u"22"_s) || error.sqlstate.startsWith(u"23"_s);
+        });
 }
 
 QStringList PorCopiar(const CierrePendiente& cierre, const QString& terminal) {
@@ -160,8 +158,8 @@ ResultadoCierre<void> TransferirVentas(ContextoCierre& contexto, CierrePendiente
         Interrupcion fallo = std::move(hecho).error();
         if (!OfrecerApartar(contexto.ado, fallo)) return fallo;
         QUIMO_TRY_VOID(RecordarOtraVez(contexto.ado, cierre));
-        QUIMO_TRY_VOID(Apartar(contexto.ado, cierre, terminal, Apartada::Omitida,
-                               contada->detalle));
+        QUIMO_TRY_VOID(
+            Apartar(contexto.ado, cierre, terminal, Apartada::Omitida, contada->detalle));
     }
     QUIMO_INTENTAR(auto transaccion, Transaccion::Iniciar(contexto.ado.Conexion()));
     QUIMO_INTENTAR_VOID(cierre.Avanzar(transaccion, Paso::Distribuir));
@@ -180,8 +178,7 @@ ResultadoCierre<void> CopiarVersionNueva(ContextoCierre& contexto, CierrePendien
     QStringList tablas;
     for (const DefCopia& copia : Copias())
         tablas << QString::fromUtf16(copia.tabla);
-    QUIMO_TRY_VOID(
-        CopiarArchivo(contexto, cierre, terminal, local, contado.sha256, tablas));
+    QUIMO_TRY_VOID(CopiarArchivo(contexto, cierre, terminal, local, contado.sha256, tablas));
     QUIMO_TRY(const bool del_dia, EsDelDia(local, terminal.nombre, cierre.Fecha()));
     QUIMO_INTENTAR(auto transaccion, Transaccion::Iniciar(contexto.ado.Conexion()));
     // A damaged original is known from now on, as well as the copy that was made of it.

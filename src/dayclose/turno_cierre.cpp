@@ -16,7 +16,8 @@ const QString& Nombre() {
 
 Interrupcion Ocupado(const DuenoCandado& dueno) {
     const QString quien = dueno.quien.isEmpty() ? u"otro programa"_s : dueno.quien;
-    QString texto = u"Ya hay un cierre en marcha, o un trabajo con las terminales: lo hace "_s + quien;
+    QString texto =
+        u"Ya hay un cierre en marcha, o un trabajo con las terminales: lo hace "_s + quien;
     if (dueno.desde.isValid()) {
         texto += u", desde el "_s + dueno.desde.toString(u"dd/MM/yyyy"_s) + u" a las "_s +
                  dueno.desde.toString(u"HH:mm"_s);
@@ -39,8 +40,9 @@ ResultadoCierre<void> TurnoCierre::Mantener(const QDateTime& ahora) {
     if (renovado_.secsTo(ahora) < kCada_s) return {};
     renovado_ = ahora;
     if (candado_.Renovar(ahora)) return {};
-    return Interrupcion{Interrupcion::Motivo::Error, foundation::FalloSql::kConexionPerdida,
-                        u"Se perdió la conexión con el servidor, y con ella el turno del cierre."_s};
+    return Interrupcion{
+        Interrupcion::Motivo::Error, foundation::FalloSql::kConexionPerdida,
+        u"Se perdió la conexión con el servidor, y con ella el turno del cierre."_s};
 }
 
 }  // namespace quimo::dayclose

@@ -16,17 +16,7 @@ enum class Botones {
     AbortarReintentarIgnorar,
     TerminarApartar,  ///< leave the work here, or set aside what it is about and go on
 };
-enum class Respuesta {
-    Aceptar,
-    Cancelar,
-    Si,
-    No,
-    Abortar,
-    Reintentar,
-    Ignorar,
-    Terminar,
-    Apartar
-};
+enum class Respuesta { Aceptar, Cancelar, Si, No, Abortar, Reintentar, Ignorar, Terminar, Apartar };
 
 /// What an answer is called on its button.
 QString NombreDeRespuesta(Respuesta respuesta);

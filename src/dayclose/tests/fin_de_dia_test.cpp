@@ -226,7 +226,7 @@ TEST(FinDeDia, NoContinuarEmpiezaUnCierreNuevo) {
 struct CasoMalo {
     const char* nombre;
     std::function<void(Restaurante&)> preparar;
-    QString mensaje;  ///< what the shown text contains
+    QString mensaje;    ///< what the shown text contains
     int preguntas = 0;  ///< of a terminal's file: told in a question, after the offer to mend it
 };
 

@@ -9,6 +9,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 
+#include "dayclose/resumen_cierre.h"
 #include "foundation/conector.h"
 #include "foundation/esquema.h"
 #include "foundation/valores.h"
@@ -220,7 +221,8 @@ void EsperarDiaCerrado(Restaurante& restaurante) {
     EXPECT_EQ(DiferenciasCentrales(restaurante), QStringList());
     for (const QString& nombre : {u"CAJA1"_s, u"CAJA2"_s, u"BARRA"_s}) {
         EXPECT_EQ(DiferenciasDeTerminal(restaurante.Terminal(nombre), nombre), QStringList());
-        EXPECT_FALSE(QFile::exists(restaurante.Programa() + u'/' + nombre + u"/Quimo_Terminal.mdb"_s));
+        EXPECT_FALSE(
+            QFile::exists(restaurante.Programa() + u'/' + nombre + u"/Quimo_Terminal.mdb"_s));
     }
     const auto parametro = [&](const QString& clave, const QString& columna) {
         return restaurante.Valor(u"SELECT "_s + columna +
@@ -309,6 +311,45 @@ QStringList Ventas(Restaurante& restaurante) {
         }
     }
     return textos;
+}
+
+QStringList Nuevas(const QStringList& despues, const QStringList& antes) {
+    QStringList nuevas;
+    for (const QString& fila : despues) {
+        if (!antes.contains(fila)) nuevas << fila;
+    }
+    return nuevas;
+}
+
+const QStringList& VentasDelDia() {
+    static const QStringList kVentas = [] {
+        Restaurante restaurante;
+        EXPECT_EQ(restaurante.Cerrar(), FinDeDia::Desenlace::Terminado);
+        return Ventas(restaurante);
+    }();
+    return kVentas;
+}
+
+void EsperarVendida(Restaurante& restaurante, const Venta& venta) {
+    const QStringList nuevas = Nuevas(Ventas(restaurante), VentasDelDia());
+    EXPECT_EQ(Nuevas(VentasDelDia(), Ventas(restaurante)), QStringList());
+    ASSERT_EQ(nuevas.size(), 4) << nuevas.join(u'\n').toStdString();
+    EXPECT_TRUE(nuevas[0].contains(QString::number(venta.orden))) << nuevas[0].toStdString();
+    EXPECT_TRUE(nuevas[0].contains(venta.fecha)) << nuevas[0].toStdString();
+    EXPECT_TRUE(nuevas.join(u'\n').contains(QString::number(venta.articulo)));
+    EXPECT_TRUE(nuevas.join(u'\n').contains(QString::number(venta.pago)));
+}
+
+QString OrdenesEn(const QString& archivo) {
+    const auto base = jet::BaseDatos::Abrir(archivo.toStdString());
+    if (!base) return QString::fromStdString(base.error().mensaje);
+    const auto tabla = base->AbrirTabla("Comanda");
+    return tabla ? QString::number(*tabla->Cuantas()) : QString();
+}
+
+QString LineasFaltantes(const ResumenCierre& resumen) {
+    const TextoResumen texto = RedactarResumen(resumen);
+    return (texto.sin_copiar + texto.sin_entregar + texto.faltantes).join(u'\n');
 }
 
 }  // namespace quimo::dayclose::pruebas

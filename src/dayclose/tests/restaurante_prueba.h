@@ -13,6 +13,7 @@
 #include "dayclose/trabajo_terminal.h"
 #include "foundation/cls_ado.h"
 #include "support/dialogos_guion.h"
+#include "terminal_prueba.h"
 
 namespace quimo::dayclose::pruebas {
 
@@ -58,7 +59,8 @@ public:
 
     /// A new connection, as after a start of the program.
     void Reconectar();
-    /// From now on the other restaurant's database, folder and terminals, as a second program there.
+    /// From now on the other restaurant's database, folder and terminals, as a second program
+    /// there.
     void Usar(const Restaurante& otro);
     foundation::ClsAdo& Ado() { return *ado_; }
     QVector<foundation::Fila> Filas(const QString& consulta);
@@ -97,6 +99,21 @@ void EsperarDiaCerrado(Restaurante& restaurante);
 
 QByteArray Bytes(const QString& ruta);
 void PonerBytes(const QString& ruta, const QByteArray& bytes);
+
+/// Sales rows that one list has and the other has not.
+QStringList Nuevas(const QStringList& despues, const QStringList& antes);
+
+/// The sales rows after the undisturbed close of the recorded day.
+const QStringList& VentasDelDia();
+
+/// The rows of the recorded day, and besides them only a sale of terminal_prueba.
+void EsperarVendida(Restaurante& restaurante, const Venta& venta);
+
+/// How many orders a terminal's database holds, or why it cannot be read.
+QString OrdenesEn(const QString& archivo);
+
+/// What a summary says of what is missing.
+QString LineasFaltantes(const ResumenCierre& resumen);
 
 /// All sales rows as text, table by table, to compare before and after.
 QStringList Ventas(Restaurante& restaurante);

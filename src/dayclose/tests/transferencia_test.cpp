@@ -403,9 +403,10 @@ TEST_F(TransferenciaTest, LoQueNingunaSentenciaPuedeLlevarDiceSuLugar) {
     const auto copiadas = Copiar(archivo, Opciones());
     ASSERT_FALSE(copiadas);
     EXPECT_FALSE(copiadas.error().renglon);
-    EXPECT_EQ(copiadas.error().interrupcion.descripcion,
-              u"Base de datos de la terminal CAJA9: tabla Comanda, renglón ID_Comanda=900001, columna "
-              "Fecha_Apertura: La terminal guarda una fecha imposible."_s);
+    EXPECT_EQ(
+        copiadas.error().interrupcion.descripcion,
+        u"Base de datos de la terminal CAJA9: tabla Comanda, renglón ID_Comanda=900001, columna "
+        "Fecha_Apertura: La terminal guarda una fecha imposible."_s);
 }
 
 TEST_F(TransferenciaTest, DetenerTerminaSinEsperarAlFinal) {
@@ -428,9 +429,10 @@ TEST_F(TransferenciaTest, LaSumaQueNoCabeEsUnErrorConSuLugar) {
     const auto cifras = base->Contar();
     ASSERT_FALSE(cifras);
     EXPECT_EQ(cifras.error().numero, kDatoNoCabe);
-    EXPECT_EQ(cifras.error().descripcion,
-              u"Base de datos de la terminal CAJA9: la suma de la columna Monto_Pago de la tabla Pago "
-              "no cabe. Tiene un monto imposible: 922337203685477.5807"_s);
+    EXPECT_EQ(
+        cifras.error().descripcion,
+        u"Base de datos de la terminal CAJA9: la suma de la columna Monto_Pago de la tabla Pago "
+        "no cabe. Tiene un monto imposible: 922337203685477.5807"_s);
     // The whole close says so too, and stands as before.
     ASSERT_TRUE(QFile::remove(restaurante_.Terminal(u"BARRA"_s)));
     ASSERT_TRUE(QFile::copy(restaurante_.Raiz() + u"/a.mdb"_s, restaurante_.Terminal(u"BARRA"_s)));
