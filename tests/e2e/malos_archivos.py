@@ -183,7 +183,7 @@ CASES = [
     Case("archivo: un tubo en su lugar", replace(lambda d: os.mkfifo(d.bad)), **ELSE),
     Case("archivo: un conector en su lugar", replace(unix_socket), **ELSE),
     Case("archivo: un dispositivo sin fin", replace(lambda d: os.symlink("/dev/zero", d.bad)), **ELSE),
-    Case("archivo: no está", replace(lambda d: None), status=(0, 4), says=(f"La terminal {BAD} no se contó",)),
+    Case("archivo: no está", replace(lambda d: None), status=(0, 4), says=(f"{BAD}: no se leyó",)),
     Case("archivo: sin su carpeta", lambda d: shutil.rmtree(os.path.dirname(d.bad)), **UNREACHED),
     Case("archivo: la terminal apagada", lambda d: shutil.rmtree(os.path.dirname(os.path.dirname(d.bad))), **UNREACHED),
     Case("archivo: sin permiso de lectura", lambda d: os.chmod(d.bad, 0), status=(0, 1) if os.getuid() == 0 else (1,),

@@ -17,7 +17,7 @@ SALES = {"Comanda": ["ID_Comanda"], "Cuenta": ["ID_Comanda", "Num_Cuenta"],
          "Modificador": ["ID_ProductosXCuenta", "ID_Tipo_Modificador"], "Pago": ["ID_Pago"]}
 PAGE = 4096
 LIMIT_S = 120  # for one program; a busy machine is slow, a hang is for ever
-PROGRESS = ("Avanzando la fecha", "Leyendo la terminal", "Copiando las ventas", "Preparando la base", "Enviando catálogos",
+PROGRESS = ("Avanzando la fecha", "Revisando la plantilla", "Esperando a que", "Aviso:", "Leyendo la terminal", "Copiando las ventas", "Preparando la base", "Enviando catálogos",
             "Recibieron su base", "Proceso terminado", "Cierre del ")
 
 
