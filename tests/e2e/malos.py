@@ -19,10 +19,9 @@ import tempfile
 
 import malos_archivos
 import malos_renglones
-from malos_casos import BAD, Day
+from malos_casos import BAD, LIMIT_S, Day
 from matar_cierre import new_central
 
-LIMIT_S = 120
 WORKERS = 2
 
 
@@ -66,6 +65,8 @@ def run(case, ctl, data, tool, central, reference):
         return problems, f"[{done.returncode}] {said}"
     except subprocess.CalledProcessError as error:
         return [f"could not be prepared: {error.stderr}"], ""
+    except subprocess.TimeoutExpired as error:
+        return [f"did not end: {error}"], ""
     finally:
         day.remove()
 
@@ -99,7 +100,7 @@ def main():
             for case, (problems, said) in zip(cases, results):
                 failed += bool(problems)
                 if show or problems:
-                    print(f"=== {case.name}\n{said}")
+                    print(f"=== {case.name}\n{said}", flush=True)
                 for problem in problems:
                     print(f"!!! {problem}")
         print(f"{len(cases)} bad files and rows, {failed} with problems")

@@ -16,7 +16,8 @@ SALES = {"Comanda": ["ID_Comanda"], "Cuenta": ["ID_Comanda", "Num_Cuenta"],
          "ImpuestosXCuenta": ["ID_ProductosXCuenta", "ID_Tipo_Impuesto"],
          "Modificador": ["ID_ProductosXCuenta", "ID_Tipo_Modificador"], "Pago": ["ID_Pago"]}
 PAGE = 4096
-PROGRESS = ("Avanzando la fecha", "Leyendo la terminal", "Copiando las ventas", "Preparando la base", "Enviando catálogos",
+LIMIT_S = 120  # for one program; a busy machine is slow, a hang is for ever
+PROGRESS = ("Avanzando la fecha", "Revisando la plantilla", "Esperando a que", "Aviso:", "Leyendo la terminal", "Copiando las ventas", "Preparando la base", "Enviando catálogos",
             "Recibieron su base", "Proceso terminado", "Cierre del ")
 
 
@@ -46,7 +47,7 @@ class Day(Restaurant):
     # What cases are made with
 
     def put(self, table, key, *values):
-        subprocess.run([self.tool, "poner", self.bad, table, key, *values], check=True, capture_output=True, timeout=60)
+        subprocess.run([self.tool, "poner", self.bad, table, key, *values], check=True, capture_output=True, timeout=LIMIT_S)
 
     def put_double(self, table, key, column, value, marker=123456.0625):
         """A number that no terminal writes, not a number among them, behind the back of the library."""
@@ -58,7 +59,7 @@ class Day(Restaurant):
         self.write(content)
 
     def rebuild(self, *changes):
-        subprocess.run([self.tool, "rehacer", self.bad, *changes], check=True, capture_output=True, timeout=60)
+        subprocess.run([self.tool, "rehacer", self.bad, *changes], check=True, capture_output=True, timeout=LIMIT_S)
 
     def bytes(self):
         with open(self.bad, "rb") as f:
@@ -81,7 +82,7 @@ class Day(Restaurant):
             regular = False
         self.known = digest(self.bad) if regular else None
 
-    def close(self, *options, limit=60):
+    def close(self, *options, limit=LIMIT_S):
         return subprocess.run([self.ctl, "cerrar", "embebido", self.db, *self.network(), "--dir", f"{self.dir}/dir",
                                *options], capture_output=True, text=True, errors="replace", timeout=limit)
 
@@ -99,7 +100,7 @@ class Day(Restaurant):
     def orders_at(self, name):
         """The orders in a terminal's database as it is now."""
         run = subprocess.run([self.ctl, "mdb", "volcar", self.terminal(name), "Comanda"], capture_output=True, text=True,
-                             timeout=60)
+                             timeout=LIMIT_S)
         return json.loads(run.stdout)["Comanda"] if run.returncode == 0 else run.stderr
 
     def compare_others(self, reference, strict):
