@@ -240,7 +240,8 @@ ResultadoCierre<void> Busqueda::ArchivosIguales() {
         repetida_[t] = true;
         Anotar(t,
                u"%1 y %2 tienen el mismo archivo, byte por byte: las ventas de una de las dos "
-               u"faltan."_s.arg(Nombre(vistos[sha256]), Nombre(t)));
+               u"faltan."_s.arg(Nombre(vistos[sha256]), Nombre(t)),
+               Perdida::Si);
     }
     return {};
 }

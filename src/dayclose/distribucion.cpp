@@ -42,11 +42,7 @@ public:
             QUIMO_TRY(const Resultado resultado, Llevar(nueva.Archivo()));
             if (resultado != Resultado::Cambio) return resultado == Resultado::Llevado;
         }
-        Interrupcion fallo;
-        fallo.numero = FalloArchivo::kPermisoDenegado;
-        fallo.descripcion = u"La terminal "_s + terminal_.nombre +
-                            u" sigue vendiendo mientras se quiere cambiar su base de datos."_s;
-        return DeTerminal(fallo, terminal_.nombre);
+        return DeTerminal(SinReemplazo(terminal_.nombre, remoto_, presente_), terminal_.nombre);
     }
 
     /// SHA-256 of what lies there, as it is in the archive; empty without a file.
@@ -188,6 +184,18 @@ ResultadoCierre<void> EnviarTodas(ContextoCierre& contexto, CierrePendiente& cie
 }
 
 }  // namespace
+
+Interrupcion SinReemplazo(const QString& terminal, const QString& remoto, const QString& presente) {
+    // Nothing that can be read, and yet something lies there: a folder, a link to nowhere.
+    if (presente.isEmpty()) {
+        Interrupcion fallo = DeFallo(FalloDeNumero(FalloArchivo::kAccesoRuta, remoto));
+        fallo.descripcion += u" (lo que hay ahí no es un archivo)"_s;
+        return fallo;
+    }
+    return {Interrupcion::Motivo::Error, FalloArchivo::kPermisoDenegado,
+            u"La terminal "_s + terminal +
+                u" sigue vendiendo mientras se quiere cambiar su base de datos."_s};
+}
 
 ResultadoCierre<void> TerminarCierre(ContextoCierre& contexto, CierrePendiente& cierre) {
     struct Folio {

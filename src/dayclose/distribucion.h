@@ -8,6 +8,10 @@ namespace quimo::dayclose {
 /// copied is copied once more before its database is replaced.
 ResultadoCierre<void> DistribuirCatalogos(ContextoCierre& contexto, CierrePendiente& cierre);
 
+/// Why a terminal's file, that was asked for again and again, could not be replaced. `presente` is
+/// the digest of what lay there last, empty when nothing could be read.
+Interrupcion SinReemplazo(const QString& terminal, const QString& remoto, const QString& presente);
+
 /// Sets the central counters and forgets the pending close, at once.
 ResultadoCierre<void> TerminarCierre(ContextoCierre& contexto, CierrePendiente& cierre);
 

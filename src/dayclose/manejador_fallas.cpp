@@ -18,7 +18,7 @@ Interrupcion Detenido() {
 }
 
 ResultadoCierre<bool> ManejadorFallas::Esperar(const QString& terminal) {
-    constexpr int kIntentosPorAviso = 100;
+    constexpr int kIntentosPorAviso = 500;
     if (reintentos_ % kIntentosPorAviso == 0) {
         dialogos_.Progreso(
             u"Esperando a que la terminal %1 se cierre (intento %2 de %3)"_s.arg(terminal)

@@ -7,6 +7,7 @@
 
 #include "dayclose/base_nueva.h"
 #include "dayclose/colisiones.h"
+#include "dayclose/distribucion.h"
 #include "dayclose/lectura_terminal.h"
 #include "dayclose/traspaso.h"
 #include "dayclose/turno_cierre.h"
@@ -290,9 +291,8 @@ ResultadoCierre<void> TrabajoTerminal::CorrerEnviar(const QString& terminal) {
         contexto_.resumen.entregadas << esta.nombre;
         return {};
     }
-    return Interrupcion{Interrupcion::Motivo::Error, FalloArchivo::kPermisoDenegado,
-                        u"La terminal "_s + esta.nombre +
-                            u" sigue vendiendo mientras se quiere cambiar su base de datos."_s};
+    return SinReemplazo(esta.nombre, contexto_.Remoto(esta.nombre),
+                        traida_ ? traida_->archivo : QString());
 }
 
 TrabajoTerminal::Desenlace TrabajoTerminal::Contar(ResultadoCierre<void> hecho) {
