@@ -164,9 +164,8 @@ TextoResumen RedactarResumen(const ResumenCierre& resumen) {
                                      : QString());
     }
     if (resumen.hay_perdidas) {
-        texto.faltantes
-            << u"Dos terminales usaron el mismo número: de esas ventas sólo quedó una. Las "
-               u"dos están en sus archivos guardados; vea los avisos."_s;
+        texto.faltantes << u"Hay ventas que otra terminal pisó, o que faltan: vea los avisos. Los "
+                           u"archivos de todas las terminales están guardados."_s;
     }
     return texto;
 }
