@@ -36,6 +36,14 @@ constexpr DefOrden kOrdenes[] = {
      u"terminó y --descartar lo deja; --omitir cierra sin una terminal; --traer copia después las "
      u"ventas de un archivo, y --enviar manda otra vez su base a una terminal",
      OrdenCerrar},
+    {u"revisar-base",
+     u"SERVIDOR BASE",
+     2,
+     2,
+     {},
+     u"revisa la base central: lo dañado en ella, un cierre que no terminó y las ventas "
+     u"incompletas",
+     OrdenRevisarBase},
     {u"plantilla",
      u"ARCHIVO",
      1,

@@ -64,6 +64,7 @@ Estado OrdenPlantilla(const Argumentos& argumentos, const Entorno& entorno);
 Estado OrdenMdb(const Argumentos& argumentos, const Entorno& entorno);
 Estado OrdenClave(const Argumentos& argumentos, const Entorno& entorno);
 Estado OrdenUsuario(const Argumentos& argumentos, const Entorno& entorno);
+Estado OrdenRevisarBase(const Argumentos& argumentos, const Entorno& entorno);
 Estado OrdenDemo(const Argumentos& argumentos, const Entorno& entorno);
 
 /// Finds the command, reads its words and options and runs it.

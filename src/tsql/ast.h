@@ -309,12 +309,17 @@ struct Transaccion {
     Clase clase = Clase::Iniciar;
     std::string nombre = {};
 };
+/// DBCC CHECKDB of the database that is open.
+struct RevisarBase {
+    bool en_filas = false;     ///< TABLERESULTS: a result set instead of messages
+    bool solo_fallas = false;  ///< NO_INFOMSGS
+};
 
 struct Sentencia {
     std::size_t posicion = 0;
     std::variant<Seleccionar, Insertar, Actualizar, Borrar, Truncar, CrearTabla, CambiarTabla,
                  CrearIndice, CrearModulo, Quitar, Ejecutar, Declarar, Asignar, Opcion, Si,
-                 Mientras, Bloque, Salto, Regresar, Imprimir, LanzarError, Transaccion>
+                 Mientras, Bloque, Salto, Regresar, Imprimir, LanzarError, Transaccion, RevisarBase>
         que;
 };
 

@@ -126,6 +126,7 @@ private:
     Resultado<SentenciaPtr> LeerAlter();
     Resultado<SentenciaPtr> LeerDrop();
     Resultado<SentenciaPtr> LeerUse();
+    Resultado<SentenciaPtr> LeerDbcc();
 
     // Definitions
     Resultado<std::shared_ptr<CrearTabla>> CuerpoDeTabla(NombreObjeto nombre);

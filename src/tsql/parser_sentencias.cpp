@@ -28,6 +28,7 @@ Resultado<SentenciaPtr> Parser::Despachar() {
         {"PRINT", &Parser::LeerPrint},     {"RAISERROR", &Parser::LeerRaiserror},
         {"CREATE", &Parser::LeerCreate},   {"ALTER", &Parser::LeerAlter},
         {"DROP", &Parser::LeerDrop},       {"USE", &Parser::LeerUse},
+        {"DBCC", &Parser::LeerDbcc},
     });
     const std::size_t posicion = Actual().desde;
     if (EsSigno("(") && EmpiezaConsulta()) return LeerSelect();
@@ -462,6 +463,23 @@ Resultado<SentenciaPtr> Parser::LeerUse() {
     opcion.nombre = "USE";
     QUIMO_TRY(opcion.valor, Nombre());
     return Hacer(posicion, std::move(opcion));
+}
+
+Resultado<SentenciaPtr> Parser::LeerDbcc() {
+    const std::size_t posicion = Actual().desde;
+    ++i_;
+    if (!Aceptar("CHECKDB")) return Sintaxis();
+    RevisarBase revisar;
+    if (Aceptar("WITH")) {
+        do {
+            const bool en_filas = Aceptar("TABLERESULTS");
+            const bool solo_fallas = !en_filas && Aceptar("NO_INFOMSGS");
+            if (!en_filas && !solo_fallas && !Aceptar("ALL_ERRORMSGS")) return Sintaxis();
+            revisar.en_filas = revisar.en_filas || en_filas;
+            revisar.solo_fallas = revisar.solo_fallas || solo_fallas;
+        } while (Aceptar(","));
+    }
+    return Hacer(posicion, revisar);
 }
 
 }  // namespace quimo::tsql

@@ -41,7 +41,7 @@ TEST_F(OrdenMdbTest, RepararDiceConSuEstadoSiLaCopiaEstaCompleta) {
     EXPECT_EQ(Mdb(reparar), kHecho);
     EXPECT_EQ(Mdb({u"verificar"_s, Ruta(u"sana.mdb"_s)}), kHecho);
     Escribir(120 * kPagina, QByteArray(80 * kPagina, '\0'));
-    EXPECT_EQ(Mdb(reparar), kConFaltantes);
+    EXPECT_EQ(Mdb(reparar), kIncompleto);
     EXPECT_EQ(Mdb({u"verificar"_s, Ruta(u"sana.mdb"_s)}), kHecho);
     Escribir(0, QByteArray(kPagina, '\0'));
     EXPECT_EQ(Mdb(reparar), kFallo);

@@ -214,6 +214,8 @@ Resultado<Flujo> Interprete::Hacer(const tsql::Sentencia& s, Marco& marco) {
         hecho = HacerLanzar(*lanzar, marco);
     } else if (const auto* transaccion = std::get_if<tsql::Transaccion>(&s.que)) {
         hecho = HacerTransaccion(*transaccion);
+    } else if (const auto* revisar = std::get_if<tsql::RevisarBase>(&s.que)) {
+        hecho = HacerRevisarBase(*revisar);
     } else {
         hecho = HacerDefinicion(s, marco);
     }

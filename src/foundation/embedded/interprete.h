@@ -59,6 +59,7 @@ private:
     Hecho HacerImprimir(const tsql::Imprimir& imprimir, Marco& marco);
     Hecho HacerLanzar(const tsql::LanzarError& lanzar, Marco& marco);
     Hecho HacerTransaccion(const tsql::Transaccion& transaccion);
+    Hecho HacerRevisarBase(const tsql::RevisarBase& revisar);
     void Terminar(Marco& marco);
 
     // Statements
