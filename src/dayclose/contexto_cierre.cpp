@@ -11,6 +11,18 @@ using foundation::Fila;
 using foundation::Icono;
 using foundation::Respuesta;
 
+ContextoCierre ContextoCierre::De(foundation::ClsAdo& ado, TerminalShare& share,
+                                  const foundation::Reloj& reloj, const QString& carpeta,
+                                  const OpcionesCierre& opciones) {
+    return {ado,
+            share,
+            reloj,
+            carpeta,
+            opciones,
+            ArchivoVentas(carpeta + u"/archivo"_s),
+            ManejadorFallas(ado.Dialogo(), opciones.pausa_ms, opciones.detener)};
+}
+
 QString ContextoCierre::Remoto(const QString& terminal) const {
     return u"\\\\"_s + terminal + u'\\' + directorio + u"\\Quimo_Terminal.mdb"_s;
 }

@@ -86,6 +86,11 @@ struct ContextoCierre {
     ResumenCierre resumen = {};
     TurnoCierre* turno = nullptr;  ///< while it is ours
 
+    /// What a close in the program's folder `carpeta` begins with.
+    static ContextoCierre De(foundation::ClsAdo& ado, TerminalShare& share,
+                             const foundation::Reloj& reloj, const QString& carpeta,
+                             const OpcionesCierre& opciones);
+
     QString Remoto(const QString& terminal) const;
     QString CarpetaLocal(const QString& terminal) const { return carpeta + u'/' + terminal; }
     QString CopiaLocal(const QString& terminal) const;

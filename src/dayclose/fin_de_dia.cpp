@@ -51,13 +51,7 @@ QString Visible(const CierrePendiente& cierre) {
 
 FinDeDia::FinDeDia(ClsAdo& ado, TerminalShare& share, const foundation::Reloj& reloj,
                    const QString& carpeta, OpcionesCierre opciones)
-    : contexto_{ado,
-                share,
-                reloj,
-                carpeta,
-                opciones,
-                ArchivoVentas(carpeta + u"/archivo"_s),
-                ManejadorFallas(ado.Dialogo(), opciones.pausa_ms, opciones.detener)} {}
+    : contexto_(ContextoCierre::De(ado, share, reloj, carpeta, opciones)) {}
 
 ResultadoCierre<CierrePendiente> FinDeDia::Avanzar() {
     ClsAdo& ado = contexto_.ado;

@@ -92,13 +92,7 @@ QString Resumida(const Comparacion& comparacion) {
 
 TrabajoTerminal::TrabajoTerminal(ClsAdo& ado, TerminalShare& share, const foundation::Reloj& reloj,
                                  const QString& carpeta, OpcionesCierre opciones)
-    : contexto_{ado,
-                share,
-                reloj,
-                carpeta,
-                opciones,
-                ArchivoVentas(carpeta + u"/archivo"_s),
-                ManejadorFallas(ado.Dialogo(), opciones.pausa_ms, opciones.detener)} {}
+    : contexto_(ContextoCierre::De(ado, share, reloj, carpeta, opciones)) {}
 
 ResultadoCierre<Terminal> TrabajoTerminal::Preparar(const QString& terminal) {
     QUIMO_INTENTAR(const auto pendiente, CierrePendiente::Leer(contexto_.ado.Conexion()));
