@@ -1,5 +1,8 @@
 #pragma once
 
+#include <algorithm>
+#include <ctime>
+
 #include <QDateTime>
 
 namespace quimo::foundation {
@@ -17,12 +20,19 @@ public:
     virtual QDateTime Ahora() const = 0;
 };
 
-/// The computer's own clock.
+/// The computer's own clock, in the time zone that it had when the program began.
 class RelojSistema final : public Reloj {
 public:
     QDateTime Ahora() const override {
-        const QDateTime local = QDateTime::currentDateTime();
-        return {local.date(), local.time(), Qt::UTC};
+        // Not by QDateTime, which asks the file system for the zone at every reading.
+        const qint64 ahora_ms = QDateTime::currentMSecsSinceEpoch();
+        const auto segundos = static_cast<std::time_t>(ahora_ms / 1000);
+        std::tm local{};
+        ::localtime_r(&segundos, &local);
+        return {QDate(local.tm_year + 1900, local.tm_mon + 1, local.tm_mday),
+                QTime(local.tm_hour, local.tm_min, std::min(local.tm_sec, 59),
+                      static_cast<int>(ahora_ms % 1000)),
+                Qt::UTC};
     }
 };
 
