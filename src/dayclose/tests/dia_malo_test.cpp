@@ -180,8 +180,8 @@ TEST(DiaMalo, LaTerminalSinSuBaseNuevaTieneSalida) {
     // The next day its file holds the same rows again.
     restaurante.dialogos.ResponderSi({u"CAJA2"_s, u"14/11/2026"_s}, Respuesta::Aceptar);
     restaurante.dialogos.ResponderSi(
-        {QString::number(static_cast<qint32>(foundation::FalloSql::kIntegridad)),
-         u"PRIMARY KEY"_s, u"CAJA2"_s, u"ProductosXCuenta"_s, u"14/11/2026"_s, u"--omitir CAJA2"_s},
+        {QString::number(static_cast<qint32>(foundation::FalloSql::kIntegridad)), u"PRIMARY KEY"_s,
+         u"CAJA2"_s, u"ProductosXCuenta"_s, u"14/11/2026"_s, u"--omitir CAJA2"_s},
         Respuesta::Terminar);
     ASSERT_EQ(restaurante.Cerrar(), Desenlace::ConError);
     EXPECT_EQ(Ventas(restaurante), ventas) << "nothing of a refused terminal stays";
@@ -220,9 +220,10 @@ TEST(DiaMalo, EnviarTraeAntesLoQueSeVendioConLaBaseDeAyer) {
     EsperarVendida(restaurante, venta);
     EXPECT_EQ(OrdenesEn(restaurante.Terminal(u"CAJA2"_s)), u"0"_s);
     // The counters do not give out its numbers again.
-    EXPECT_EQ(restaurante.Valor(u"SELECT Valor_Num FROM Parametros WHERE ID_Parametro='FOLIOPAGO'"_s)
-                  .toDouble(),
-              95901);
+    EXPECT_EQ(
+        restaurante.Valor(u"SELECT Valor_Num FROM Parametros WHERE ID_Parametro='FOLIOPAGO'"_s)
+            .toDouble(),
+        95901);
     restaurante.Mandar(u"UPDATE Terminal SET Estado_Terminal='D' WHERE Nombre_Terminal='BARRA'"_s);
     for (const QString& mala : {u"BARRA"_s, u"CAJA9"_s}) {
         EXPECT_EQ(restaurante.Trabajo().Enviar(mala), TrabajoTerminal::Desenlace::SinEmpezar);
@@ -240,14 +241,22 @@ TEST(DiaMalo, LaTerminalQueNoSeLeyoSeDiceYSeTraeDespues) {
     ASSERT_EQ(restaurante.Cerrar(), Desenlace::Incompleto);
     ASSERT_EQ(restaurante.Resumen().sin_copiar.size(), 1);
     const QString lineas = Lineas(restaurante.Resumen());
-    EXPECT_TRUE(lineas.contains(u"CAJA2: no se leyó (falla de comunicación): 419 artículos, "
-                                u"$36,585.14 en "_s +
-                                restaurante.EnArchivo(u"CAJA2"_s, 1)))
+    EXPECT_TRUE(
+        lineas.contains(u"CAJA2: no se leyó (falla de comunicación): 419 artículos, "
+                        u"$36,585.14 en "_s +
+                        restaurante.EnArchivo(u"CAJA2"_s, 1)))
         << lineas.toStdString();
     EXPECT_NE(Ventas(restaurante), VentasDelDia());
+    restaurante.Mandar(u"UPDATE Parametros SET Valor_Num=99000 WHERE ID_Parametro='FOLIOPAGO'"_s);
     ASSERT_EQ(restaurante.Trabajo().Traer(restaurante.EnArchivo(u"CAJA2"_s, 1), u"CAJA2"_s),
               TrabajoTerminal::Desenlace::Hecho);
     EXPECT_EQ(DiferenciasCentrales(restaurante), QStringList());
+    EXPECT_EQ(
+        restaurante.Valor(u"SELECT Valor_Num FROM Parametros WHERE ID_Parametro='FOLIOPAGO'"_s)
+            .toDouble(),
+        99000)
+        << "a counter never goes back";
+    EXPECT_FALSE(QFile::exists(restaurante.Programa() + u"/CAJA2/traido.mdb"_s));
     EXPECT_EQ(restaurante.Trabajo().Traer(restaurante.Raiz() + u"/nada.mdb"_s, u"CAJA2"_s),
               TrabajoTerminal::Desenlace::SinEmpezar);
 }
@@ -314,9 +323,9 @@ TEST(DiaMalo, SinCierrePendienteNoHayQueContinuarNiDescartar) {
               (QStringList{u"[!] |No hay ningún cierre pendiente"_s,
                            u"[!] |No hay ningún cierre pendiente"_s}));
     EXPECT_EQ(Ventas(restaurante), antes);
-    EXPECT_EQ(restaurante.Valor(
-                  u"SELECT Valor_Cad FROM Parametros WHERE ID_Parametro='FECHA_TRABAJO'"_s),
-              u"14112026"_s);
+    EXPECT_EQ(
+        restaurante.Valor(u"SELECT Valor_Cad FROM Parametros WHERE ID_Parametro='FECHA_TRABAJO'"_s),
+        u"14112026"_s);
     EXPECT_EQ(restaurante.share.Operaciones(), 0);
 }
 
@@ -358,11 +367,14 @@ TEST(DiaMalo, ApartarDesdeLaPreguntaCierraConLasDemas) {
     Restaurante restaurante;
     CambiarDato(restaurante.Terminal(u"CAJA2"_s), u"ProductosXCuenta"_s, u"ID_ProductosXCuenta"_s,
                 20002, u"Num_Cuenta"_s, std::monostate());
-    restaurante.dialogos.ResponderSi({u"CAJA2"_s, u"20002"_s, u"sin su cuenta"_s}, Respuesta::Aceptar);
+    restaurante.dialogos.ResponderSi({u"CAJA2"_s, u"20002"_s, u"sin su cuenta"_s},
+                                     Respuesta::Aceptar);
     restaurante.dialogos.ResponderSi({u"CAJA2"_s, u"20002"_s, u"Num_Cuenta"_s}, Respuesta::Apartar);
     ASSERT_EQ(restaurante.Cerrar(), Desenlace::Incompleto);
     EXPECT_EQ(Ventas(restaurante), VentasSinCaja2());
     EXPECT_EQ(restaurante.Resumen().entregadas, (QStringList{u"CAJA1"_s, u"BARRA"_s}));
+    ASSERT_EQ(restaurante.Resumen().contadas.size(), 2) << "it is not told as copied";
+    EXPECT_EQ(restaurante.Resumen().contadas[1].terminal.nombre, u"BARRA"_s);
     EXPECT_EQ(restaurante.Valor(u"SELECT COUNT(*) FROM Cierre_Pendiente"_s), u"0"_s);
 }
 
@@ -372,7 +384,8 @@ TEST(DiaMalo, UnaTerminalAbiertaSeEsperaYNoSeCierraConLoDeAyer) {
     const QStringList ventas = Ventas(restaurante);
     int veces = 0;
     restaurante.share.Poner([&](Operacion operacion, const QString& remoto) {
-        return operacion != Operacion::Existe && remoto.contains(u"CAJA1"_s) && ++veces > 0 ? 70 : 0;
+        return operacion != Operacion::Existe && remoto.contains(u"CAJA1"_s) && ++veces > 0 ? 70
+                                                                                            : 0;
     });
     const int eventos = restaurante.dialogos.VecesEventos();
     ASSERT_EQ(restaurante.Cerrar(), Desenlace::Incompleto);
@@ -389,7 +402,8 @@ TEST(DiaMalo, LaEsperaDuraLoQueSeDijo) {
     QElapsedTimer reloj;
     reloj.start();
     restaurante.share.Poner([&](Operacion operacion, const QString& remoto) {
-        return operacion == Operacion::Traer && remoto.contains(u"CAJA1"_s) && reloj.elapsed() < 1500
+        return operacion == Operacion::Traer && remoto.contains(u"CAJA1"_s) &&
+                       reloj.elapsed() < 1500
                    ? 70
                    : 0;
     });
@@ -412,6 +426,15 @@ TEST(DiaMalo, LoYaCopiadoEnElMismoCierreNoSeActualizaOtraVez) {
     restaurante.opciones.pendiente = Pendiente::Continuar;
     ASSERT_EQ(restaurante.Cerrar(), Desenlace::Terminado);
     EsperarVendida(restaurante, venta);
+    // What the first copy did is counted with what the second one added.
+    QStringList cuentas;
+    for (const TablaCopiada& copiada : restaurante.Resumen().copiadas) {
+        if (copiada.terminal == u"CAJA1"_s && copiada.tabla == u"ProductosXCuenta"_s)
+            cuentas << u"%1 %2 %3"_s.arg(copiada.insertadas)
+                           .arg(copiada.modificadas)
+                           .arg(copiada.iguales);
+    }
+    EXPECT_EQ(cuentas, QStringList{u"584 0 583"_s});
 }
 
 TEST(DiaMalo, SeDetieneEnCualquierPuntoSeguroYContinuaIgual) {
@@ -439,10 +462,10 @@ TEST(DiaMalo, SeDetieneEnCualquierPuntoSeguroYContinuaIgual) {
 
 TEST(DiaMalo, LasLetrasQueUnIndiceNoGuardaSeReemplazanYSeDicen) {
     Restaurante restaurante;
-    restaurante.Mandar(
-        u"UPDATE Producto SET Nombre_Cuenta='Taco ★' WHERE ID_Producto=202"_s);
+    restaurante.Mandar(u"UPDATE Producto SET Nombre_Cuenta='Taco ★' WHERE ID_Producto=202"_s);
     // An accent in two code points is one letter.
-    restaurante.Mandar(u"UPDATE Producto SET Nombre_Cuenta='Caf"_s + u"e\u0301' WHERE ID_Producto=201"_s);
+    restaurante.Mandar(u"UPDATE Producto SET Nombre_Cuenta='Caf"_s +
+                       u"e\u0301' WHERE ID_Producto=201"_s);
     ASSERT_EQ(restaurante.Cerrar(), Desenlace::Terminado);
     const QString avisos = restaurante.Resumen().avisos.join(u'\n');
     EXPECT_EQ(restaurante.Resumen().avisos.size(), 1) << avisos.toStdString();
@@ -484,9 +507,11 @@ TEST(DiaMalo, UnArchivoDanadoQueSeLeeEnteroSePuedeUsar) {
         if (respuesta == Respuesta::No) {
             restaurante.dialogos.ResponderSi({u"3343"_s, u"CAJA2"_s}, Respuesta::Apartar);
         }
-        ASSERT_EQ(restaurante.Cerrar(), respuesta == Respuesta::Si ? Desenlace::Terminado
-                                                                    : Desenlace::Incompleto);
+        ASSERT_EQ(restaurante.Cerrar(),
+                  respuesta == Respuesta::Si ? Desenlace::Terminado : Desenlace::Incompleto);
         EXPECT_EQ(Bytes(restaurante.EnArchivo(u"CAJA2"_s, 1)), danado) << "the original is kept";
+        EXPECT_EQ(QDir(restaurante.Programa() + u"/CAJA2"_s).entryList({u"*.reparada"_s}),
+                  QStringList());
         if (respuesta == Respuesta::No) continue;
         EsperarDiaCerrado(restaurante);
         EXPECT_EQ(restaurante.Archivados(u"CAJA2"_s).size(), 2);

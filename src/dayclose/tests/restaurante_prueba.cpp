@@ -154,8 +154,9 @@ void Restaurante::Reconectar() {
     de_bitacora.PArchivoLog = raiz_ + u"/QUIMO.log"_s;
     de_bitacora.PMsgBox = false;
     bitacora_ = std::make_unique<foundation::ClsBitacora>(de_bitacora, dialogos, reloj);
-    ado_ = std::make_unique<foundation::ClsAdo>(foundation::CrearConector(reloj), dialogos,
-                                                *bitacora_);
+    foundation::Conector conector = foundation::CrearConector(reloj);
+    if (cinta) conector = quimo::pruebas::ConEspia(std::move(conector), cinta);
+    ado_ = std::make_unique<foundation::ClsAdo>(std::move(conector), dialogos, *bitacora_);
     QString servidor = u"embebido"_s;
     QString base = ArchivoCentral();
     QString usuario;
@@ -220,7 +221,8 @@ void EsperarDiaCerrado(Restaurante& restaurante) {
     EXPECT_EQ(DiferenciasCentrales(restaurante), QStringList());
     for (const QString& nombre : {u"CAJA1"_s, u"CAJA2"_s, u"BARRA"_s}) {
         EXPECT_EQ(DiferenciasDeTerminal(restaurante.Terminal(nombre), nombre), QStringList());
-        EXPECT_FALSE(QFile::exists(restaurante.Programa() + u'/' + nombre + u"/Quimo_Terminal.mdb"_s));
+        EXPECT_FALSE(
+            QFile::exists(restaurante.Programa() + u'/' + nombre + u"/Quimo_Terminal.mdb"_s));
     }
     const auto parametro = [&](const QString& clave, const QString& columna) {
         return restaurante.Valor(u"SELECT "_s + columna +

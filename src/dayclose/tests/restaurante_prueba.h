@@ -12,6 +12,7 @@
 #include "dayclose/fin_de_dia.h"
 #include "dayclose/trabajo_terminal.h"
 #include "foundation/cls_ado.h"
+#include "support/conexion_espia.h"
 #include "support/dialogos_guion.h"
 
 namespace quimo::dayclose::pruebas {
@@ -58,7 +59,8 @@ public:
 
     /// A new connection, as after a start of the program.
     void Reconectar();
-    /// From now on the other restaurant's database, folder and terminals, as a second program there.
+    /// From now on the other restaurant's database, folder and terminals, as a second program
+    /// there.
     void Usar(const Restaurante& otro);
     foundation::ClsAdo& Ado() { return *ado_; }
     QVector<foundation::Fila> Filas(const QString& consulta);
@@ -76,6 +78,8 @@ public:
     quimo::pruebas::RelojFijo reloj;
     ShareConFallas share;
     OpcionesCierre opciones;  ///< of the next close; nothing is waited for
+    /// What the connections from the next Reconectar on are asked, and which of it fails.
+    std::shared_ptr<quimo::pruebas::Cinta> cinta;
 
 private:
     std::unique_ptr<foundation::ClsBitacora> bitacora_;
