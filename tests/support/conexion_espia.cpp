@@ -22,7 +22,12 @@ public:
         return dentro_->Ejecutar(tsql, parametros);
     }
     base::Result<void, FalloSql> Iniciar() override { return dentro_->Iniciar(); }
-    base::Result<void, FalloSql> Confirmar() override { return dentro_->Confirmar(); }
+    base::Result<void, FalloSql> Confirmar() override {
+        if (cinta_->al_confirmar) {
+            if (auto fallo = cinta_->al_confirmar(*dentro_)) return *std::move(fallo);
+        }
+        return dentro_->Confirmar();
+    }
     base::Result<void, FalloSql> Revertir() override { return dentro_->Revertir(); }
     bool EnTransaccion() const override { return dentro_->EnTransaccion(); }
     std::uint64_t TransaccionActual() const override { return dentro_->TransaccionActual(); }

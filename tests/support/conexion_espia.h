@@ -14,6 +14,9 @@ struct Cinta {
     QStringList sentencias = {};
     /// A failure for a statement, instead of running it.
     std::function<std::optional<foundation::FalloSql>(const QString& sentencia)> falla = {};
+    /// Called instead of a commit; nothing: the commit is made as always.
+    std::function<std::optional<foundation::FalloSql>(foundation::SqlConnection& dentro)>
+        al_confirmar = {};
 
     /// The statements that begin with one of these words, and no longer those before.
     QStringList Tomar(const QStringList& principios);

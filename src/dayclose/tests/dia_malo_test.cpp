@@ -230,6 +230,15 @@ TEST(DiaMalo, LoYaCopiadoEnElMismoCierreNoSeActualizaOtraVez) {
     restaurante.opciones.pendiente = Pendiente::Continuar;
     ASSERT_EQ(restaurante.Cerrar(), Desenlace::Terminado);
     EsperarVendida(restaurante, venta);
+    // What the first copy did is counted with what the second one added.
+    QStringList cuentas;
+    for (const TablaCopiada& copiada : restaurante.Resumen().copiadas) {
+        if (copiada.terminal == u"CAJA1"_s && copiada.tabla == u"ProductosXCuenta"_s)
+            cuentas << u"%1 %2 %3"_s.arg(copiada.insertadas)
+                           .arg(copiada.modificadas)
+                           .arg(copiada.iguales);
+    }
+    EXPECT_EQ(cuentas, QStringList{u"584 0 583"_s});
 }
 
 TEST(DiaMalo, SeDetieneEnCualquierPuntoSeguroYContinuaIgual) {
@@ -305,6 +314,8 @@ TEST(DiaMalo, UnArchivoDanadoQueSeLeeEnteroSePuedeUsar) {
         ASSERT_EQ(restaurante.Cerrar(),
                   respuesta == Respuesta::Si ? Desenlace::Terminado : Desenlace::Incompleto);
         EXPECT_EQ(Bytes(restaurante.EnArchivo(u"CAJA2"_s, 1)), danado) << "the original is kept";
+        EXPECT_EQ(QDir(restaurante.Programa() + u"/CAJA2"_s).entryList({u"*.reparada"_s}),
+                  QStringList());
         if (respuesta == Respuesta::No) continue;
         EsperarDiaCerrado(restaurante);
         EXPECT_EQ(restaurante.Archivados(u"CAJA2"_s).size(), 2);

@@ -120,6 +120,7 @@ TEST_F(CarpetaShareTest, LoQueOtroTieneAbiertoEs70YQuedaComoEstaba) {
 TEST_F(CarpetaShareTest, LoQueSeVendeHastaElUltimoMomentoNoSeReemplaza) {
     const QString nombre = u"red/CAJA1/quimo/Quimo_Terminal.mdb"_s;
     const QString base = carpeta_.filePath(nombre);
+    const QString ldb = carpeta_.filePath(u"red/CAJA1/quimo/Quimo_Terminal.ldb"_s);
     const QString resumen = Sha256De("vieja");
     int candado = -1;
     struct Caso {
@@ -141,6 +142,16 @@ TEST_F(CarpetaShareTest, LoQueSeVendeHastaElUltimoMomentoNoSeReemplaza) {
              ::flock(candado, LOCK_SH);
          },
          70, "vieja"},
+        {"abre su .ldb", "vieja", resumen,
+         [&] {
+             Escribir(u"red/CAJA1/quimo/Quimo_Terminal.ldb"_s, "usuario");
+             candado = ::open(QFile::encodeName(ldb).constData(), O_RDWR | O_CLOEXEC);
+             struct flock cerrojo {};
+             cerrojo.l_type = F_WRLCK;
+             cerrojo.l_whence = SEEK_SET;
+             ::fcntl(candado, F_OFD_SETLK, &cerrojo);
+         },
+         70, "vieja"},
         {"desaparece", "vieja", resumen, [&] { QFile::remove(base); }, 3197, "no está"},
         {"no había", {}, QString(), {}, 0, "nueva"},
         {"aparece", {}, QString(), [&] { Escribir(nombre, "otra"); }, 3197, "otra"},
@@ -150,6 +161,7 @@ TEST_F(CarpetaShareTest, LoQueSeVendeHastaElUltimoMomentoNoSeReemplaza) {
     Escribir(u"nuevo"_s, "nueva");
     for (const Caso& caso : casos) {
         QFile::remove(base);
+        QFile::remove(ldb);
         Escribir(nombre + u"-otro"_s, "ajeno");
         if (!caso.antes.isEmpty()) Escribir(nombre, caso.antes);
         bool completa = false;
@@ -231,6 +243,7 @@ TEST_F(CarpetaShareTest, ElArchivoGuardaCadaVersionUnaVez) {
         const auto recibido = archivo.Recibir(share_, remoto, u"14112026"_s, u"CAJA1"_s);
         ASSERT_TRUE(recibido);
         EXPECT_EQ(recibido->nuevo, rutas.size() < 2);
+        EXPECT_EQ(QDir(carpeta_.filePath(u"archivo"_s)).entryList(QDir::Files), QStringList());
         rutas << recibido->ruta;
     }
     EXPECT_EQ(rutas[0], rutas[2]);
@@ -278,6 +291,8 @@ TEST(ValorTerminal, LoQueNoCabeNoSeGuarda) {
     const QVariant decimal = QVariant::fromValue(*base::Decimal::DeTexto("18.75"));
     EXPECT_EQ(AValorTerminal(decimal, Tipo::Doble), jet::Valor(18.75));
     EXPECT_EQ(AValorTerminal(QVariant(0), Tipo::Moneda), jet::Valor(base::Dinero()));
+    const base::Dinero debe = base::Dinero::DeDiezmilesimas(-12345);
+    EXPECT_EQ(AValorTerminal(QVariant::fromValue(debe), Tipo::Moneda), jet::Valor(debe));
     EXPECT_EQ(AValorTerminal(QVariant(true), Tipo::Entero), jet::Valor(1));
     EXPECT_EQ(AValorTerminal(QVariant(7), Tipo::Logico), jet::Valor(true));
     EXPECT_EQ(AValorTerminal(QVariant(), Tipo::Texto), jet::Valor(std::monostate()));

@@ -155,8 +155,9 @@ void Restaurante::Reconectar() {
     de_bitacora.PArchivoLog = raiz_ + u"/QUIMO.log"_s;
     de_bitacora.PMsgBox = false;
     bitacora_ = std::make_unique<foundation::ClsBitacora>(de_bitacora, dialogos, reloj);
-    ado_ = std::make_unique<foundation::ClsAdo>(foundation::CrearConector(reloj), dialogos,
-                                                *bitacora_);
+    foundation::Conector conector = foundation::CrearConector(reloj);
+    if (cinta) conector = quimo::pruebas::ConEspia(std::move(conector), cinta);
+    ado_ = std::make_unique<foundation::ClsAdo>(std::move(conector), dialogos, *bitacora_);
     QString servidor = u"embebido"_s;
     QString base = ArchivoCentral();
     QString usuario;

@@ -12,6 +12,7 @@
 #include "dayclose/fin_de_dia.h"
 #include "dayclose/trabajo_terminal.h"
 #include "foundation/cls_ado.h"
+#include "support/conexion_espia.h"
 #include "support/dialogos_guion.h"
 #include "terminal_prueba.h"
 
@@ -78,6 +79,8 @@ public:
     quimo::pruebas::RelojFijo reloj;
     ShareConFallas share;
     OpcionesCierre opciones;  ///< of the next close; nothing is waited for
+    /// What the connections from the next Reconectar on are asked, and which of it fails.
+    std::shared_ptr<quimo::pruebas::Cinta> cinta;
 
 private:
     std::unique_ptr<foundation::ClsBitacora> bitacora_;

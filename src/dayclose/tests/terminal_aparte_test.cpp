@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <QFile>
+
 #include "dayclose/resumen_cierre.h"
 #include "restaurante_prueba.h"
 #include "terminal_prueba.h"
@@ -109,9 +111,16 @@ TEST(TerminalAparte, LaTerminalQueNoSeLeyoSeDiceYSeTraeDespues) {
                         restaurante.EnArchivo(u"CAJA2"_s, 1)))
         << lineas.toStdString();
     EXPECT_NE(Ventas(restaurante), VentasDelDia());
+    restaurante.Mandar(u"UPDATE Parametros SET Valor_Num=99000 WHERE ID_Parametro='FOLIOPAGO'"_s);
     ASSERT_EQ(restaurante.Trabajo().Traer(restaurante.EnArchivo(u"CAJA2"_s, 1), u"CAJA2"_s),
               TrabajoTerminal::Desenlace::Hecho);
     EXPECT_EQ(DiferenciasCentrales(restaurante), QStringList());
+    EXPECT_EQ(
+        restaurante.Valor(u"SELECT Valor_Num FROM Parametros WHERE ID_Parametro='FOLIOPAGO'"_s)
+            .toDouble(),
+        99000)
+        << "a counter never goes back";
+    EXPECT_FALSE(QFile::exists(restaurante.Programa() + u"/CAJA2/traido.mdb"_s));
     EXPECT_EQ(restaurante.Trabajo().Traer(restaurante.Raiz() + u"/nada.mdb"_s, u"CAJA2"_s),
               TrabajoTerminal::Desenlace::SinEmpezar);
 }
@@ -155,6 +164,8 @@ TEST(TerminalAparte, ApartarDesdeLaPreguntaCierraConLasDemas) {
                                      Respuesta::Aceptar);
     restaurante.dialogos.ResponderSi({u"CAJA2"_s, u"20002"_s, u"Num_Cuenta"_s}, Respuesta::Apartar);
     ASSERT_EQ(restaurante.Cerrar(), Desenlace::Incompleto);
+    ASSERT_EQ(restaurante.Resumen().contadas.size(), 2) << "it is not told as copied";
+    EXPECT_EQ(restaurante.Resumen().contadas[1].terminal.nombre, u"BARRA"_s);
     EXPECT_EQ(Ventas(restaurante), VentasSinCaja2());
     EXPECT_EQ(restaurante.Resumen().entregadas, (QStringList{u"CAJA1"_s, u"BARRA"_s}));
     EXPECT_EQ(restaurante.Valor(u"SELECT COUNT(*) FROM Cierre_Pendiente"_s), u"0"_s);

@@ -272,6 +272,7 @@ TEST_F(TransferenciaTest, SoloLoQueDeVerdadDifiereCuentaComoDistinto) {
         {comanda.arg(u"Fecha_Trabajo='15112026'"_s), u"Comanda"_s},
         {abierta.arg(u"Fecha_Cierre='14/11/2026'"_s), u"Comanda"_s},
         {abierta.arg(u"Abierta=0"_s), u"Comanda"_s},
+        {abierta.arg(u"Tipo='B  '"_s), {}},  // blanks at the end are none to the server
         {cuenta.arg(u"Total=0"_s), u"Cuenta"_s},
         {cuenta.arg(u"Num_Impresiones=NULL"_s), u"Cuenta"_s},
         {producto.arg(u"Hora_Anulacion='14/11/2026 21:17:45'"_s), {}},
@@ -417,6 +418,25 @@ TEST_F(TransferenciaTest, DetenerTerminaSinEsperarAlFinal) {
     ASSERT_FALSE(copiadas);
     EXPECT_EQ(copiadas.error().interrupcion.motivo, Interrupcion::Motivo::Detenido);
     EXPECT_EQ(preguntas, 3);
+}
+
+TEST_F(TransferenciaTest, LasCifrasCuentanLoNegativoYLoQueNoTieneMonto) {
+    const auto base = BaseTerminal::Abrir(Archivo(u"a.mdb"_s, Vendido()), u"CAJA9"_s);
+    ASSERT_TRUE(base);
+    const auto cifras = base->Contar();
+    ASSERT_TRUE(cifras);
+    QStringList textos;
+    for (const DefCifra& cifra : Cifras()) {
+        const auto lugar = static_cast<std::size_t>(cifra.cifra);
+        textos << QString::fromUtf16(cifra.registros) + u' ' +
+                      QString::number(cifras->registros[lugar]) + u' ' +
+                      QString::fromStdString(cifras->totales[lugar].ATexto());
+    }
+    EXPECT_EQ(textos,
+              (QStringList{u"RegistrosPXC 2 -1.2345"_s, u"RegistrosCta 2 -123.4567"_s,
+                           u"RegistrosCmd 2 0.0000"_s, u"RegistrosP 1 922337203685477.5807"_s,
+                           u"RegistrosCt 1 -5.0000"_s, u"RegistrosM 1 -0.0001"_s,
+                           u"RegistrosIXC 1 0.0016"_s, u"RegistrosA 1 0.0000"_s}));
 }
 
 TEST_F(TransferenciaTest, LaSumaQueNoCabeEsUnErrorConSuLugar) {
