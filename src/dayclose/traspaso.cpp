@@ -96,6 +96,20 @@ bool EsDelRenglon(const foundation::FalloSql& fallo) {
         });
 }
 
+/// Whether a failure is one of reading a terminal's file.
+bool EsDelArchivo(qint64 numero) {
+    switch (numero) {
+        case kBaseDanada:
+        case kBaseNoSoportada:
+        case kTablaAusente:
+        case kColumnaAusente:
+        case kDatoNoCabe:
+            return true;
+        default:
+            return false;
+    }
+}
+
 QStringList PorCopiar(const CierrePendiente& cierre, const QString& terminal) {
     QStringList tablas;
     for (const DefCopia& copia : Copias()) {
@@ -136,7 +150,10 @@ Interrupcion ExplicarFalla(foundation::SqlConnection& conexion, FallaCopia falla
                            const QString& terminal) {
     Interrupcion fallo = std::move(falla.interrupcion);
     if (fallo.motivo == Interrupcion::Motivo::Detenido) return Detenido();
-    if (!falla.renglon) return DeTerminal(std::move(fallo), terminal);
+    if (!falla.renglon) {
+        // What its file cannot give is the terminal's; what the database did not do is nobody's.
+        return EsDelArchivo(fallo.numero) ? DeTerminal(std::move(fallo), terminal) : fallo;
+    }
     // A full disk or a lost connection is no row's fault: without that terminal it is the same.
     if (!EsDelRenglon(falla.renglon->fallo)) return fallo;
     falla.renglon->terminal = terminal;
