@@ -10,7 +10,8 @@ of it is the new database of that size.
 With BENCH_TERMINALES, the program that makes busy days: 8 and 32 terminals of 3,015 items each, and
 beside each close, in the same run, the sqlite3 shell importing the same rows into tables with the same
 keys and indexes, and a copy of the terminals' files. With HISTORY, a database that bench/historia.py
-made, the 8 terminals are closed on top of it too.
+made, the 8 terminals are closed on top of it too, in turn with closes of one day that are given a copy
+of the history to lie beside them: memory that the file cache just took is slower to get for both.
 """
 import os
 import pathlib
@@ -132,7 +133,8 @@ def shell_import(folder):
             + spent(["cp", "-r", folder / "red", folder / "copia"])[1])
 
 
-def measure_busy(ctl, maker, runs, terminals, history=None):
+def busy_base(ctl, maker, terminals, history=None):
+    """A folder with the files and tables of a busy day before its close."""
     base = pathlib.Path(tempfile.mkdtemp(prefix="cierre-"))
     spent([str(maker), DATA / "terminals" / "Plantilla.mdb", base, terminals, ITEMS])
     if history is None:
@@ -141,23 +143,50 @@ def measure_busy(ctl, maker, runs, terminals, history=None):
         shutil.copy(history, base / "antes.db")
     subprocess.run([ctl, "sql", "embebido", base / "antes.db", "--lineas"], input="\n".join(busy_day(terminals)) + "\n",
                    text=True, check=True, capture_output=True)
+    return base
+
+
+def close_busy(ctl, base, beside=None):
+    """One close of a busy day. What the copies left to be written is written before."""
+    folder = base / "corrida"
+    (folder / "dir").mkdir(parents=True)
+    shutil.copy(DATA / "terminals" / "Plantilla.mdb", folder / "dir")
+    shutil.copytree(base / "red", folder / "red")
+    shutil.copy(base / "antes.db", folder / "central.db")
+    if beside is not None:
+        shutil.copy(beside, folder / "beside.db")
+    os.sync()
+    figure = run(ctl, folder)
+    shutil.rmtree(folder)
+    return figure
+
+
+def measure_busy(ctl, maker, runs, terminals):
+    base = busy_base(ctl, maker, terminals)
     figures, shells = [], []
     for n in range(runs + 1):
-        folder = base / "corrida"
-        (folder / "dir").mkdir(parents=True)
-        shutil.copy(DATA / "terminals" / "Plantilla.mdb", folder / "dir")
-        shutil.copytree(base / "red", folder / "red")
-        shutil.copy(base / "antes.db", folder / "central.db")
-        figure, shell = run(ctl, folder), shell_import(base)
-        shutil.rmtree(folder)
+        figure, shell = close_busy(ctl, base), shell_import(base)
         if n:
             figures.append(figure)
             shells.append(shell)
     shutil.rmtree(base)
-    title = f"{terminals} terminals of {ITEMS} items" + (" on top of the history" if history else "")
-    processor, shell = report(title, figures), statistics.median(shells)
+    processor, shell = report(f"{terminals} terminals of {ITEMS} items", figures), statistics.median(shells)
     print(f"  the shell and cp: {shell:.3f} s of processor; the close: {processor / shell:.1f} times that")
     return processor
+
+
+def measure_history(ctl, maker, runs, history):
+    bases = busy_base(ctl, maker, 8), busy_base(ctl, maker, 8, history)
+    figures = [], []
+    for n in range(runs + 1):
+        pair = close_busy(ctl, bases[0], history), close_busy(ctl, bases[1])
+        if n:
+            for figure, column in zip(pair, figures):
+                column.append(figure)
+    for base in bases:
+        shutil.rmtree(base)
+    one = report("8 terminals, one day, the history beside", figures[0])
+    print(f"with history: {report('8 terminals on top of the history', figures[1]) / one:.2f} times one day")
 
 
 def main():
@@ -169,7 +198,7 @@ def main():
         thirty_two = measure_busy(ctl, maker, runs, 32)
         print(f"32 terminals: {thirty_two / eight:.2f} times 8")
         if len(sys.argv) > 4:
-            print(f"with history: {measure_busy(ctl, maker, runs, 8, sys.argv[4]) / eight:.2f} times one day")
+            measure_history(ctl, maker, runs, sys.argv[4])
     terminals = {name: DATA / "terminals" / name / "Quimo_Terminal.mdb" for name in ("CAJA1", "CAJA2", "BARRA")}
     measure(ctl, runs, "the recorded day, three terminals", DATA / "day-golden" / "central-before.sql", terminals)
     sql = big_catalogue()

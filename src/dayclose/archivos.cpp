@@ -12,10 +12,11 @@
 #include <sys/vfs.h>
 #include <unistd.h>
 
-#include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+
+#include "base/sha256.h"
 
 using namespace Qt::StringLiterals;
 
@@ -98,13 +99,14 @@ bool AcabaDeCambiar(const struct stat& estado) {
 }
 
 /// Hands the rest of an open file to a sink; how many bytes it was.
-ResultadoArchivo<qint64> LeerTodo(int fd, const QString& ruta, const Sumidero& sumidero) {
+ResultadoArchivo<qint64> LeerTodo(int fd, const QString& ruta, Disco disco,
+                                  const Sumidero& sumidero) {
     QByteArray trozo(kTrozo, Qt::Uninitialized);
     qint64 total = 0;
     while (true) {
         const ssize_t leidos = ::read(fd, trozo.data(), static_cast<std::size_t>(trozo.size()));
         if (leidos < 0 && errno == EINTR) continue;
-        if (leidos < 0) return FalloDeErrno(errno, ruta);
+        if (leidos < 0) return FalloEnDisco(disco, errno, ruta);
         if (leidos == 0) return total;
         QUIMO_TRY_VOID(sumidero(trozo.constData(), leidos));
         total += leidos;
@@ -117,25 +119,26 @@ public:
     explicit Origen(const QString& ruta) : ruta_(ruta), archivo_(AbrirParaLeer(ruta)) {}
 
     ResultadoArchivo<void> Revisar(Candados candados) {
-        if (archivo_.Fd() < 0) return FalloDeErrno(archivo_.Error(), ruta_);
+        disco_ = candados == Candados::Ignorar ? Disco::Propio : Disco::Terminal;
+        if (archivo_.Fd() < 0) return FalloEnDisco(disco_, archivo_.Error(), ruta_);
         if (candados == Candados::Respetar &&
             (HayCandado(archivo_.Fd(), F_RDLCK) || !TomarCompartido(archivo_.Fd()))) {
             return FalloDeNumero(FalloArchivo::kPermisoDenegado, ruta_);
         }
-        if (::fstat(archivo_.Fd(), &antes_) != 0) return FalloDeErrno(errno, ruta_);
+        if (::fstat(archivo_.Fd(), &antes_) != 0) return FalloEnDisco(disco_, errno, ruta_);
         // Times move in ticks: a sale within the tick of the one before would not be seen.
         if (candados == Candados::Respetar && AcabaDeCambiar(antes_)) {
             std::this_thread::sleep_for(kTic);
-            if (::fstat(archivo_.Fd(), &antes_) != 0) return FalloDeErrno(errno, ruta_);
+            if (::fstat(archivo_.Fd(), &antes_) != 0) return FalloEnDisco(disco_, errno, ruta_);
         }
         if (!S_ISREG(antes_.st_mode)) return FalloDeErrno(EISDIR, ruta_);
         return {};
     }
 
     ResultadoArchivo<void> Recorrer(const Sumidero& sumidero) const {
-        QUIMO_TRY(const qint64 total, LeerTodo(archivo_.Fd(), ruta_, sumidero));
+        QUIMO_TRY(const qint64 total, LeerTodo(archivo_.Fd(), ruta_, disco_, sumidero));
         struct stat despues {};
-        if (::fstat(archivo_.Fd(), &despues) != 0) return FalloDeErrno(errno, ruta_);
+        if (::fstat(archivo_.Fd(), &despues) != 0) return FalloEnDisco(disco_, errno, ruta_);
         if (total != antes_.st_size || !SonIguales(antes_, despues))
             return FalloDeNumero(FalloArchivo::kPermisoDenegado, ruta_);
         return {};
@@ -144,6 +147,7 @@ public:
 private:
     QString ruta_;
     Descriptor archivo_;
+    Disco disco_ = Disco::Propio;
     struct stat antes_ {};
 };
 
@@ -182,15 +186,15 @@ public:
     }
 
     ResultadoArchivo<QString> Sha256() const {
-        QCryptographicHash resumen(QCryptographicHash::Sha256);
+        base::Sha256 resumen;
         QUIMO_TRY(const qint64 bytes,
-                  LeerTodo(archivo_.Fd(), ruta_,
+                  LeerTodo(archivo_.Fd(), ruta_, Disco::Terminal,
                            [&](const char* datos, qsizetype cuantos) -> ResultadoArchivo<void> {
-                               resumen.addData(QByteArrayView(datos, cuantos));
+                               resumen.Agregar(datos, static_cast<std::size_t>(cuantos));
                                return {};
                            }));
         if (bytes != tomado_.st_size) return Cambiado();
-        return QString::fromLatin1(resumen.result().toHex());
+        return QString::fromStdString(resumen.Terminar());
     }
 
     /// `kCambiado` unless the file still is what it was when it was taken, and still has its name.
@@ -213,9 +217,9 @@ private:
 };
 
 /// The failure to make a new file: a missing folder is a path, not a file, that was not found.
-FalloArchivo FalloAlCrear(int error, const QString& destino) {
+FalloArchivo FalloAlCrear(Disco disco, int error, const QString& destino) {
     if (error == ENOENT) return FalloDeNumero(FalloArchivo::kRutaNoEncontrada, destino);
-    return FalloDeErrno(error, destino);
+    return FalloEnDisco(disco, error, destino);
 }
 
 }  // namespace
@@ -223,6 +227,7 @@ FalloArchivo FalloAlCrear(int error, const QString& destino) {
 ArchivoNuevo::ArchivoNuevo(ArchivoNuevo&& otro) noexcept
     : destino_(std::move(otro.destino_)),
       parcial_(std::exchange(otro.parcial_, QString())),
+      disco_(otro.disco_),
       contenido_(std::move(otro.contenido_)) {}
 
 ArchivoNuevo::~ArchivoNuevo() {
@@ -230,35 +235,36 @@ ArchivoNuevo::~ArchivoNuevo() {
 }
 
 ResultadoArchivo<ArchivoNuevo> ArchivoNuevo::Escribir(const QString& destino,
-                                                      const Productor& producir) {
+                                                      const Productor& producir, Disco disco) {
     const QString parcial = destino + u".parcial"_s;
     Descriptor salida(parcial, O_WRONLY | O_CREAT | O_TRUNC, 0644);
-    if (salida.Fd() < 0) return FalloAlCrear(salida.Error(), destino);
-    ArchivoNuevo nuevo(destino, parcial);
-    QCryptographicHash resumen(QCryptographicHash::Sha256);
+    if (salida.Fd() < 0) return FalloAlCrear(disco, salida.Error(), destino);
+    ArchivoNuevo nuevo(destino, parcial, disco);
+    base::Sha256 resumen;
     QUIMO_TRY_VOID(producir([&](const char* datos, qsizetype bytes) -> ResultadoArchivo<void> {
-        resumen.addData(QByteArrayView(datos, bytes));
+        resumen.Agregar(datos, static_cast<std::size_t>(bytes));
         nuevo.contenido_.bytes += bytes;
         const int fallo = EscribirTodo(salida.Fd(), datos, bytes);
-        if (fallo != 0) return FalloDeErrno(fallo, destino);
+        if (fallo != 0) return FalloEnDisco(disco, fallo, destino);
         return {};
     }));
-    if (::fsync(salida.Fd()) != 0) return FalloDeErrno(errno, destino);
+    if (::fsync(salida.Fd()) != 0) return FalloEnDisco(disco, errno, destino);
     const int al_cerrar = salida.Cerrar();
-    if (al_cerrar != 0) return FalloDeErrno(al_cerrar, destino);
-    nuevo.contenido_.sha256 = QString::fromLatin1(resumen.result().toHex());
+    if (al_cerrar != 0) return FalloEnDisco(disco, al_cerrar, destino);
+    nuevo.contenido_.sha256 = QString::fromStdString(resumen.Terminar());
     return nuevo;
 }
 
-ResultadoArchivo<ArchivoNuevo> ArchivoNuevo::CopiaDe(const QString& origen,
-                                                     const QString& destino) {
+ResultadoArchivo<ArchivoNuevo> ArchivoNuevo::CopiaDe(const QString& origen, const QString& destino,
+                                                     Disco disco) {
     Origen entrada(origen);
     QUIMO_TRY_VOID(entrada.Revisar(Candados::Ignorar));
-    return Escribir(destino, [&](const Sumidero& sumidero) { return entrada.Recorrer(sumidero); });
+    return Escribir(
+        destino, [&](const Sumidero& sumidero) { return entrada.Recorrer(sumidero); }, disco);
 }
 
 ResultadoArchivo<void> ArchivoNuevo::Colocar() {
-    QUIMO_TRY_VOID(Renombrar(parcial_, destino_));
+    QUIMO_TRY_VOID(Renombrar(parcial_, destino_, disco_));
     parcial_.clear();
     return {};
 }
@@ -267,12 +273,12 @@ ResultadoArchivo<void> ArchivoNuevo::ColocarSiFalta() {
     if (::renameat2(AT_FDCWD, QFile::encodeName(parcial_).constData(), AT_FDCWD,
                     QFile::encodeName(destino_).constData(), RENAME_NOREPLACE) == 0) {
         parcial_.clear();
-        return AsentarNombre(destino_);
+        return AsentarNombre(destino_, disco_);
     }
     if (errno == EEXIST) return FalloDeNumero(FalloArchivo::kCambiado, destino_);
     // A file system that cannot tell: most network ones.
     if (errno != EINVAL && errno != ENOSYS && errno != ENOTSUP)
-        return FalloDeErrno(errno, destino_);
+        return FalloEnDisco(disco_, errno, destino_);
     if (QFileInfo::exists(destino_)) return FalloDeNumero(FalloArchivo::kCambiado, destino_);
     return Colocar();
 }
@@ -287,6 +293,8 @@ ResultadoArchivo<void> ArchivoNuevo::ColocarSi(
     QUIMO_TRY_VOID(presente.ExigirIntacto());
     return Colocar();
 }
+
+ArchivoTemporal::~ArchivoTemporal() { QFile::remove(ruta_); }
 
 ResultadoArchivo<Copiado> EscribirCon(const QString& destino, const Productor& producir) {
     QUIMO_TRY(ArchivoNuevo nuevo, ArchivoNuevo::Escribir(destino, producir));
@@ -318,13 +326,13 @@ ResultadoArchivo<void> EscribirEntero(const QString& destino, const QByteArray& 
 }
 
 ResultadoArchivo<QString> Sha256DeArchivo(const QString& ruta) {
-    QCryptographicHash resumen(QCryptographicHash::Sha256);
+    base::Sha256 resumen;
     QUIMO_TRY_VOID(
         RecorrerArchivo(ruta, [&](const char* datos, qsizetype bytes) -> ResultadoArchivo<void> {
-            resumen.addData(QByteArrayView(datos, bytes));
+            resumen.Agregar(datos, static_cast<std::size_t>(bytes));
             return {};
         }));
-    return QString::fromLatin1(resumen.result().toHex());
+    return QString::fromStdString(resumen.Terminar());
 }
 
 ResultadoArchivo<void> CrearCarpeta(const QString& ruta) {
@@ -334,28 +342,28 @@ ResultadoArchivo<void> CrearCarpeta(const QString& ruta) {
         const QString madre = carpeta.absolutePath();
         if (!QFileInfo(madre).isDir()) QUIMO_TRY_VOID(CrearCarpeta(madre));
         if (::mkdir(QFile::encodeName(ruta).constData(), 0777) != 0)
-            return FalloAlCrear(errno, ruta);
+            return FalloAlCrear(Disco::Propio, errno, ruta);
     }
     return AsentarNombre(ruta);
 }
 
-ResultadoArchivo<void> AsentarNombre(const QString& ruta) {
+ResultadoArchivo<void> AsentarNombre(const QString& ruta, Disco disco) {
     const QString carpeta = QFileInfo(ruta).absolutePath();
     const Descriptor descriptor(carpeta, O_RDONLY | O_DIRECTORY);
-    if (descriptor.Fd() < 0) return FalloDeErrno(descriptor.Error(), carpeta);
+    if (descriptor.Fd() < 0) return FalloEnDisco(disco, descriptor.Error(), carpeta);
     // Not every network file system can make a folder durable; those that cannot say so.
     if (::fsync(descriptor.Fd()) != 0 && errno != EINVAL && errno != ENOTSUP && errno != EBADF) {
-        return FalloDeErrno(errno, carpeta);
+        return FalloEnDisco(disco, errno, carpeta);
     }
     return {};
 }
 
-ResultadoArchivo<void> Renombrar(const QString& origen, const QString& destino) {
+ResultadoArchivo<void> Renombrar(const QString& origen, const QString& destino, Disco disco) {
     if (std::rename(QFile::encodeName(origen).constData(),
                     QFile::encodeName(destino).constData()) != 0) {
-        return FalloDeErrno(errno, destino);
+        return FalloEnDisco(disco, errno, destino);
     }
-    return AsentarNombre(destino);
+    return AsentarNombre(destino, disco);
 }
 
 void BorrarRestos(const QString& carpeta) {

@@ -35,8 +35,11 @@ using Productor = std::function<ResultadoArchivo<void>(const Sumidero& sumidero)
 class ArchivoNuevo {
 public:
     static ResultadoArchivo<ArchivoNuevo> Escribir(const QString& destino,
-                                                   const Productor& producir);
-    static ResultadoArchivo<ArchivoNuevo> CopiaDe(const QString& origen, const QString& destino);
+                                                   const Productor& producir,
+                                                   Disco disco = Disco::Propio);
+    /// Of a file of our own.
+    static ResultadoArchivo<ArchivoNuevo> CopiaDe(const QString& origen, const QString& destino,
+                                                  Disco disco = Disco::Propio);
     ArchivoNuevo(ArchivoNuevo&& otro) noexcept;
     ArchivoNuevo& operator=(ArchivoNuevo&&) = delete;
     ~ArchivoNuevo();
@@ -53,12 +56,26 @@ public:
                                      const std::function<ResultadoArchivo<void>()>& revisar);
 
 private:
-    ArchivoNuevo(QString destino, QString parcial)
-        : destino_(std::move(destino)), parcial_(std::move(parcial)) {}
+    ArchivoNuevo(QString destino, QString parcial, Disco disco)
+        : destino_(std::move(destino)), parcial_(std::move(parcial)), disco_(disco) {}
 
     QString destino_;
     QString parcial_;  ///< empty when nothing has to be removed
+    Disco disco_;
     Copiado contenido_;
+};
+
+/// A file of our own that goes with the object.
+class ArchivoTemporal {
+public:
+    explicit ArchivoTemporal(QString ruta) : ruta_(std::move(ruta)) {}
+    ArchivoTemporal(const ArchivoTemporal&) = delete;
+    ArchivoTemporal& operator=(const ArchivoTemporal&) = delete;
+    ~ArchivoTemporal();
+    const QString& Ruta() const { return ruta_; }
+
+private:
+    QString ruta_;
 };
 
 /// Writes a whole file from the pieces that `producir` hands over, and puts it in the destination's
@@ -81,10 +98,11 @@ ResultadoArchivo<QString> Sha256DeArchivo(const QString& ruta);
 ResultadoArchivo<void> CrearCarpeta(const QString& ruta);
 
 /// Puts a finished file in another's place and makes the folder's entry durable.
-ResultadoArchivo<void> Renombrar(const QString& origen, const QString& destino);
+ResultadoArchivo<void> Renombrar(const QString& origen, const QString& destino,
+                                 Disco disco = Disco::Propio);
 
 /// Makes the entry of a file or folder durable in the folder that holds it.
-ResultadoArchivo<void> AsentarNombre(const QString& ruta);
+ResultadoArchivo<void> AsentarNombre(const QString& ruta, Disco disco = Disco::Propio);
 
 /// Removes what runs that were killed left half-written in the program's folder, its archive and
 /// its terminals' folders. Only for the one run that may write there.

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/letras_terminal.h"
+#include "dayclose/folios.h"
 #include "dayclose/valor_terminal.h"
 #include "foundation/parametros.h"
 #include "foundation/valores.h"
@@ -96,23 +97,6 @@ ResultadoCierre<QVector<Terminal>> TerminalesPorMenu(ClsAdo& ado) {
         terminales.append({fila[0].toInt(), fila[1].toString(), fila[2].toInt()});
     }
     return terminales;
-}
-
-qint64 SiguienteDe(const QVector<Fila>& maximo) {
-    const QVariant valor = maximo.value(0).value(0);
-    return valor.isValid() ? valor.toLongLong() + 1 : 1;
-}
-
-ResultadoCierre<qint64> SiguienteFolioProductos(ClsAdo& ado, int terminal) {
-    const QString prefijo = QString::number(terminal);
-    QUIMO_TRY(const QVector<Fila> filas,
-              LeerFilas(ado,
-                        u"SELECT MAX(ID_ProductosXCuenta) AS ID FROM ProductosXCuenta WHERE "
-                        u"ID_ProductosXCuenta LIKE '"_s +
-                            prefijo + u"%'"_s));
-    const QVariant maximo = filas.value(0).value(0);
-    if (!maximo.isValid()) return 1;
-    return foundation::TextoDeValor(maximo).mid(prefijo.size()).toLongLong() + 1;
 }
 
 ResultadoCierre<BaseNueva> BaseNueva::Preparar(ClsAdo& ado, const QString& carpeta) {

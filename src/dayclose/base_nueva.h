@@ -72,11 +72,4 @@ private:
 /// The active terminals, by menu.
 ResultadoCierre<QVector<Terminal>> TerminalesPorMenu(foundation::ClsAdo& ado);
 
-/// The next item counter of a terminal: one more than what follows the terminal's number in the
-/// highest item identifier that begins with it, 1 without any.
-ResultadoCierre<qint64> SiguienteFolioProductos(foundation::ClsAdo& ado, int terminal);
-
-/// One more than the only value of a query's answer; 1 for NULL.
-qint64 SiguienteDe(const QVector<foundation::Fila>& maximo);
-
 }  // namespace quimo::dayclose

@@ -1,5 +1,7 @@
 #include "dayclose/base_terminal.h"
 
+#include <array>
+
 #include "foundation/valores.h"
 #include "jet/verificador.h"
 
@@ -15,31 +17,89 @@ Interrupcion ValorInservible(const QString& cual) {
     return {Interrupcion::Motivo::Error, kDatoNoCabe, cual};
 }
 
-ResultadoCierre<QString> LiteralDeFecha(const jet::Fecha& fecha, Forma forma) {
+ResultadoCierre<void> AgregarFecha(QString& literal, const jet::Fecha& fecha, Forma forma) {
     const auto civil = fecha.ACivil();
     if (!civil) return ValorInservible(u"La terminal guarda una fecha imposible."_s);
     const bool sin_hora = forma == Forma::FechaMedianoche;
     const int segundo = forma == Forma::FechaMinutosDoble ? civil->minuto : civil->segundo;
-    return QString::asprintf("'%02d/%02d/%04d %02d:%02d:%02d'", civil->dia, civil->mes, civil->ano,
-                             sin_hora ? 0 : civil->hora, sin_hora ? 0 : civil->minuto,
-                             sin_hora ? 0 : segundo);
+    std::array<char16_t, 21> texto{};  // 'dd/mm/yyyy hh:mm:ss'
+    std::size_t lugar = 0;
+    const auto cifras = [&](char16_t antes, int numero, int cuantas) {
+        texto[lugar] = antes;
+        lugar += static_cast<std::size_t>(cuantas);
+        for (std::size_t i = lugar; cuantas > 0; --cuantas, --i, numero /= 10)
+            texto[i] = static_cast<char16_t>(u'0' + numero % 10);
+        ++lugar;
+    };
+    cifras(u'\'', civil->dia, 2);
+    cifras(u'/', civil->mes, 2);
+    cifras(u'/', civil->ano, 4);
+    cifras(u' ', sin_hora ? 0 : civil->hora, 2);
+    cifras(u':', sin_hora ? 0 : civil->minuto, 2);
+    cifras(u':', sin_hora ? 0 : segundo, 2);
+    texto[lugar] = u'\'';
+    literal += QStringView(texto.data(), texto.size());
+    return {};
 }
 
-QString Crudo(const jet::Valor& valor) {
-    if (const auto* logico = std::get_if<bool>(&valor)) return *logico ? u"1"_s : u"0"_s;
-    if (const auto* entero = std::get_if<std::int32_t>(&valor)) return QString::number(*entero);
-    if (const auto* dinero = std::get_if<base::Dinero>(&valor)) {
-        return QString::fromStdString(dinero->ATexto());
+void AgregarTexto(QString& literal, QStringView texto) {
+    literal += u'\'';
+    if (texto.contains(u'\'')) {
+        literal += foundation::DuplicaApostrofes(texto.toString());
+    } else {
+        literal += texto;
     }
-    if (const auto* doble = std::get_if<double>(&valor)) return QString::number(*doble, 'g', 17);
+    literal += u'\'';
+}
+
+/// The number as text, with a point; nothing for what is no number that a statement can carry.
+std::optional<std::string> Cifras(const jet::Valor& valor) {
+    if (const auto* entero = std::get_if<std::int32_t>(&valor)) return std::to_string(*entero);
+    if (const auto* logico = std::get_if<bool>(&valor)) return *logico ? "1" : "0";
+    if (const auto* dinero = std::get_if<base::Dinero>(&valor)) return dinero->ATexto();
+    if (const auto* doble = std::get_if<double>(&valor)) {
+        return QString::number(*doble, 'g', 17).toStdString();
+    }
     if (const auto* simple = std::get_if<float>(&valor)) {
-        return QString::number(static_cast<double>(*simple), 'g', 9);
+        return QString::number(static_cast<double>(*simple), 'g', 9).toStdString();
     }
-    if (const auto* exacto = std::get_if<base::Decimal>(&valor)) {
-        return QString::fromStdString(exacto->ATexto());
+    if (const auto* exacto = std::get_if<base::Decimal>(&valor)) return exacto->ATexto();
+    return std::nullopt;
+}
+
+bool EsFinito(const jet::Valor& valor) {
+    const auto* doble = std::get_if<double>(&valor);
+    const auto* simple = std::get_if<float>(&valor);
+    return (doble == nullptr || std::isfinite(*doble)) &&
+           (simple == nullptr || std::isfinite(*simple));
+}
+
+/// A value as it stands in a statement, behind what is there already.
+ResultadoCierre<void> AgregarLiteral(QString& literal, const jet::Valor& valor, Forma forma) {
+    if (jet::EsNulo(valor)) {
+        literal += "NULL"_L1;
+        return {};
+    }
+    if (const auto* fecha = std::get_if<jet::Fecha>(&valor)) {
+        return AgregarFecha(literal, *fecha, forma);
     }
     if (const auto* texto = std::get_if<std::u16string>(&valor)) {
-        return QString::fromStdU16String(*texto);
+        AgregarTexto(literal, *texto);
+        return {};
+    }
+    const auto cifras = Cifras(valor);
+    if (!cifras) {
+        return ValorInservible(
+            u"Una columna de ventas de la terminal no es de texto ni de número."_s);
+    }
+    const QLatin1StringView numero(cifras->data(), static_cast<qsizetype>(cifras->size()));
+    if (!EsFinito(valor)) {
+        return ValorInservible(u"La terminal guarda un número imposible ("_s + numero + u")."_s);
+    }
+    if (forma == Forma::Numero) {
+        literal += numero;
+    } else {
+        AgregarTexto(literal, QString(numero));
     }
     return {};
 }
@@ -52,22 +112,9 @@ std::uint64_t Magnitud(base::Dinero monto) {
 }  // namespace
 
 ResultadoCierre<QString> LiteralDeTerminal(const jet::Valor& valor, Forma forma) {
-    if (jet::EsNulo(valor)) return u"NULL"_s;
-    if (const auto* fecha = std::get_if<jet::Fecha>(&valor)) return LiteralDeFecha(*fecha, forma);
-    if (std::holds_alternative<jet::Binario>(valor) || std::holds_alternative<jet::Guid>(valor)) {
-        return ValorInservible(
-            u"Una columna de ventas de la terminal no es de texto ni de número."_s);
-    }
-    const QString crudo = Crudo(valor);
-    const auto* doble = std::get_if<double>(&valor);
-    const auto* simple = std::get_if<float>(&valor);
-    if ((doble != nullptr && !std::isfinite(*doble)) ||
-        (simple != nullptr && !std::isfinite(*simple))) {
-        return ValorInservible(u"La terminal guarda un número imposible ("_s + crudo + u")."_s);
-    }
-    const bool es_texto = std::holds_alternative<std::u16string>(valor);
-    if (forma == Forma::Numero && !es_texto) return crudo;
-    return u'\'' + foundation::DuplicaApostrofes(crudo) + u'\'';
+    QString literal;
+    QUIMO_TRY_VOID(AgregarLiteral(literal, valor, forma));
+    return literal;
 }
 
 ResultadoCierre<BaseTerminal> BaseTerminal::Abrir(const QString& archivo, const QString& terminal) {
@@ -172,15 +219,22 @@ struct BaseTerminal::Renglon::Lugares {
     std::vector<std::size_t> insertar = {};
     std::vector<jet::TipoColumna> tipos = {};
 
-    ResultadoCierre<QString> Literal(const jet::Fila& fila, std::size_t lugar,
-                                     const char16_t* columna, Forma forma) const {
-        auto literal = LiteralDeTerminal(fila[lugar], forma);
-        if (literal) return literal;
-        Interrupcion fallo = std::move(literal).error();
+    ResultadoCierre<void> Agregar(QString& literal, const jet::Fila& fila, std::size_t lugar,
+                                  const char16_t* columna, Forma forma) const {
+        auto agregado = AgregarLiteral(literal, fila[lugar], forma);
+        if (agregado) return {};
+        Interrupcion fallo = std::move(agregado).error();
         fallo.descripcion = sobre + u": tabla "_s + QString::fromUtf16(copia->tabla) + Llave(fila) +
                             u", columna "_s + QString::fromUtf16(columna) + u": "_s +
                             fallo.descripcion;
         return fallo;
+    }
+
+    ResultadoCierre<QString> Literal(const jet::Fila& fila, std::size_t lugar,
+                                     const char16_t* columna, Forma forma) const {
+        QString literal;
+        QUIMO_TRY_VOID(Agregar(literal, fila, lugar, columna, forma));
+        return literal;
     }
 
     /// Which row it is, as far as its key can be told.
@@ -213,6 +267,12 @@ ResultadoCierre<QString> BaseTerminal::Renglon::LiteralDeClave(std::size_t i) co
 ResultadoCierre<QString> BaseTerminal::Renglon::LiteralAlModificar(std::size_t i) const {
     const CampoCopia& campo = lugares_->copia->al_modificar[i];
     return lugares_->Literal(*fila_, lugares_->modificar[i], campo.columna, campo.forma);
+}
+
+ResultadoCierre<void> BaseTerminal::Renglon::AgregarAlInsertar(QString& valores,
+                                                               std::size_t i) const {
+    const CampoCopia& campo = lugares_->copia->al_insertar[i];
+    return lugares_->Agregar(valores, *fila_, lugares_->insertar[i], campo.columna, campo.forma);
 }
 
 ResultadoCierre<QString> BaseTerminal::Renglon::LiteralAlInsertar(std::size_t i) const {

@@ -39,6 +39,8 @@ public:
         ResultadoCierre<QString> LiteralDeClave(std::size_t i) const;
         ResultadoCierre<QString> LiteralAlModificar(std::size_t i) const;
         ResultadoCierre<QString> LiteralAlInsertar(std::size_t i) const;
+        /// The same behind what `valores` holds, which is left unfinished by a failure.
+        ResultadoCierre<void> AgregarAlInsertar(QString& valores, std::size_t i) const;
         /// The same for another form of the value than the declared one.
         ResultadoCierre<QString> LiteralAlInsertar(std::size_t i, Forma forma) const;
 

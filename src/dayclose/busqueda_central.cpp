@@ -1,5 +1,7 @@
 #include "dayclose/busqueda_central.h"
 
+#include <algorithm>
+
 #include <QHash>
 #include <QSet>
 
@@ -15,6 +17,9 @@ using foundation::Fila;
 namespace {
 
 using Renglon = BaseTerminal::Renglon;
+
+/// How many numbers may lie between those that are asked for, for each of them.
+constexpr qint64 kHolgura = 4;
 
 qint64 Unida(qint64 primera, qint64 segunda) {
     constexpr int kBits = 32;
@@ -77,20 +82,35 @@ ResultadoCierre<QString> BusquedaCentral::Condicion(const Renglon& renglon) cons
     return condicion;
 }
 
+/// By the leading column alone, which an index serves on any engine: few rows share it. Numbers
+/// that stand close together are asked as what lies between the first and the last of them.
+ResultadoCierre<QString> BusquedaCentral::DeVarios(const Grupo& grupo) const {
+    const QString columna = QString::fromUtf16(copia_.clave[0]);
+    const auto numero = [](const Renglon* renglon) {
+        return qint64{std::get<std::int32_t>(renglon->Clave(0))};  // a row without one stands alone
+    };
+    const auto [menor, mayor] = std::minmax_element(
+        grupo.begin(), grupo.end(),
+        [&](const Renglon* uno, const Renglon* otro) { return numero(uno) < numero(otro); });
+    if (numero(*mayor) - numero(*menor) < kHolgura * static_cast<qint64>(grupo.size())) {
+        return columna + u" BETWEEN %1 AND %2"_s.arg(numero(*menor)).arg(numero(*mayor));
+    }
+    QString lista;
+    QString anterior;
+    for (const Renglon* renglon : grupo) {
+        QUIMO_TRY(const QString valor, renglon->LiteralDeClave(0));
+        if (valor != anterior) lista = ConComas(std::move(lista), valor);
+        anterior = valor;
+    }
+    return columna + u" IN ("_s + lista + u')';
+}
+
 ResultadoCierre<QString> BusquedaCentral::Donde(const Grupo& grupo, Alcance alcance) const {
     QString condicion;
     if (grupo.size() == 1) {
         QUIMO_TRY(condicion, Condicion(*grupo.front()));
     } else {
-        // By the leading column alone, which an index serves on any engine: few rows share it.
-        QString lista;
-        QString anterior;
-        for (const Renglon* renglon : grupo) {
-            QUIMO_TRY(const QString valor, renglon->LiteralDeClave(0));
-            if (valor != anterior) lista = ConComas(std::move(lista), valor);
-            anterior = valor;
-        }
-        condicion = QString::fromUtf16(copia_.clave[0]) + u" IN ("_s + lista + u')';
+        QUIMO_TRY(condicion, DeVarios(grupo));
     }
     if (alcance == Alcance::Todas || !copia_.limitada_al_dia) {
         return u" FROM "_s + tabla_ + u" WHERE "_s + condicion;
@@ -117,6 +137,26 @@ ResultadoCierre<qint64> BusquedaCentral::ClaveCentral(const Fila& fila) const {
 }
 
 ResultadoCierre<std::vector<bool>> BusquedaCentral::Presentes(const Grupo& grupo, Alcance alcance) {
+    QUIMO_TRY(std::vector<bool> presentes, DelAlcance(grupo, Alcance::Todas));
+    if (alcance == Alcance::Todas || !copia_.limitada_al_dia) return presentes;
+    // Usually none is there, and a key alone is looked up at once, where an engine may begin with
+    // all orders of the day.
+    Grupo halladas;
+    for (std::size_t i = 0; i < grupo.size(); ++i) {
+        if (presentes[i]) halladas.push_back(grupo[i]);
+    }
+    if (halladas.empty()) return presentes;
+    QUIMO_TRY(const std::vector<bool> del_dia, DelAlcance(halladas, alcance));
+    std::size_t hallada = 0;
+    for (std::size_t i = 0; i < grupo.size(); ++i) {
+        if (presentes[i]) presentes[i] = del_dia[hallada++];
+    }
+    return presentes;
+}
+
+/// Which rows of the group one statement finds.
+ResultadoCierre<std::vector<bool>> BusquedaCentral::DelAlcance(const Grupo& grupo,
+                                                               Alcance alcance) {
     QUIMO_TRY(const QString donde, Donde(grupo, alcance));
     QUIMO_TRY(const QVector<Fila> filas, LeerFilas(ado_, u"SELECT "_s + columnas_clave_ + donde));
     if (grupo.size() == 1) return std::vector<bool>{!filas.isEmpty()};

@@ -35,6 +35,8 @@ public:
     ResultadoCierre<std::vector<std::optional<foundation::Fila>>> Filas(const Grupo& grupo);
 
 private:
+    ResultadoCierre<std::vector<bool>> DelAlcance(const Grupo& grupo, Alcance alcance);
+    ResultadoCierre<QString> DeVarios(const Grupo& grupo) const;
     ResultadoCierre<QString> Donde(const Grupo& grupo, Alcance alcance) const;
     ResultadoCierre<qint64> ClaveCentral(const foundation::Fila& fila) const;
 

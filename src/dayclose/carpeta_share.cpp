@@ -74,7 +74,7 @@ ResultadoArchivo<void> CarpetaShare::Llevar(const QString& local, const QString&
     QUIMO_TRY(const Lugar lugar, Ubicar(remoto));
     if (!lugar.carpeta_existe) return FalloDeNumero(FalloArchivo::kRutaNoEncontrada, remoto);
     if (EnUso(lugar.archivo)) return FalloDeNumero(FalloArchivo::kPermisoDenegado, remoto);
-    QUIMO_TRY(ArchivoNuevo nuevo, ArchivoNuevo::CopiaDe(local, lugar.archivo));
+    QUIMO_TRY(ArchivoNuevo nuevo, ArchivoNuevo::CopiaDe(local, lugar.archivo, Disco::Terminal));
     if (antes_de_reemplazar) antes_de_reemplazar();
     if (esperado.isEmpty()) return nuevo.ColocarSiFalta();
     return nuevo.ColocarSi(esperado, [&]() -> ResultadoArchivo<void> {

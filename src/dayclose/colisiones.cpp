@@ -97,10 +97,14 @@ std::optional<quint64> Empacar(const BaseTerminal::Renglon& renglon,
     quint64 clave = 0;
     int corrimiento = 32;
     for (const std::size_t lugar : lugares) {
-        const auto literal = renglon.LiteralAlInsertar(lugar, Forma::Numero);
-        bool es_entero = false;
-        const int numero = literal ? literal->toInt(&es_entero) : 0;
-        if (!es_entero) return std::nullopt;
+        const auto* entero = std::get_if<std::int32_t>(&renglon.AlInsertar(lugar));
+        std::int32_t numero = entero != nullptr ? *entero : 0;
+        if (entero == nullptr) {
+            const auto literal = renglon.LiteralAlInsertar(lugar, Forma::Numero);
+            bool es_entero = false;
+            if (literal) numero = literal->toInt(&es_entero);
+            if (!es_entero) return std::nullopt;
+        }
         clave |= quint64{static_cast<quint32>(numero)} << corrimiento;
         corrimiento -= 32;
     }
@@ -130,27 +134,48 @@ QString ClaveTexto(const DefCopia& copia, quint64 clave) {
     return partes.join(u", "_s);
 }
 
-/// What an insert would write of a row, value by value, to the second where it is a time.
+/// What an insert would write of one value, to the second where it is a time.
+QString Contenido(const DefCopia& copia, const BaseTerminal::Renglon& renglon, std::size_t i) {
+    const Forma forma = copia.al_insertar[i].forma;
+    const bool es_fecha = forma == Forma::FechaMinutosDoble || forma == Forma::FechaMedianoche;
+    const auto literal = renglon.LiteralAlInsertar(i, es_fecha ? Forma::FechaHora : forma);
+    return literal ? *literal : u"un valor ilegible"_s;
+}
+
 QStringList Contenido(const DefCopia& copia, const BaseTerminal::Renglon& renglon) {
     QStringList literales;
-    for (std::size_t i = 0; i < copia.al_insertar.size(); ++i) {
-        const Forma forma = copia.al_insertar[i].forma;
-        const bool es_fecha = forma == Forma::FechaMinutosDoble || forma == Forma::FechaMedianoche;
-        const auto literal = renglon.LiteralAlInsertar(i, es_fecha ? Forma::FechaHora : forma);
-        literales << (literal ? *literal : u"un valor ilegible"_s);
-    }
+    for (std::size_t i = 0; i < copia.al_insertar.size(); ++i)
+        literales << Contenido(copia, renglon, i);
     return literales;
 }
 
-quint64 Huella(const QStringList& literales) {
-    quint64 huella = 0x9E3779B97F4A7C15;
-    for (const QString& literal : literales) {
-        for (const QChar caracter : literal) {
-            huella = (huella ^ caracter.unicode()) * 0x100000001B3;
-            huella ^= huella >> 29;
-        }
-        huella = (huella ^ 0x10000) * 0x9E3779B97F4A7C15;
+quint64 Mezclar(quint64 huella, quint64 dato) {
+    huella = (huella ^ dato) * 0x9E3779B97F4A7C15;
+    return huella ^ (huella >> 29);
+}
+
+/// Equal for values of which an insert would write the same. All rows of a day come by here: the
+/// usual kinds are taken as they are, without writing them out.
+quint64 HuellaDeValor(const DefCopia& copia, const BaseTerminal::Renglon& renglon, std::size_t i) {
+    const jet::Valor& valor = renglon.AlInsertar(i);
+    if (jet::EsNulo(valor)) return 1;
+    if (const auto* entero = std::get_if<std::int32_t>(&valor)) {
+        return Mezclar(2, static_cast<quint32>(*entero));
     }
+    if (const auto* logico = std::get_if<bool>(&valor)) return Mezclar(2, *logico ? 1 : 0);
+    if (const auto* dinero = std::get_if<base::Dinero>(&valor)) {
+        return Mezclar(3, static_cast<quint64>(dinero->Diezmilesimas()));
+    }
+    if (const auto* texto = std::get_if<std::u16string>(&valor)) {
+        return Mezclar(4, std::hash<std::u16string>()(*texto));
+    }
+    return Mezclar(5, std::hash<std::u16string>()(Contenido(copia, renglon, i).toStdU16String()));
+}
+
+quint64 Huella(const DefCopia& copia, const BaseTerminal::Renglon& renglon) {
+    quint64 huella = 0;
+    for (std::size_t i = 0; i < copia.al_insertar.size(); ++i)
+        huella = Mezclar(huella, HuellaDeValor(copia, renglon, i));
     return huella;
 }
 
@@ -162,12 +187,11 @@ QString Lista(const QStringList& textos, qint64 cuantos) {
 
 class Busqueda {
 public:
-    Busqueda(const QVector<QPair<QString, int>>& terminales,
-             const std::function<QString(const QString&)>& ruta_local, const QString& fecha_cierre)
-        : terminales_(terminales), ruta_local_(ruta_local), fecha_cierre_(fecha_cierre) {
+    Busqueda(const QVector<ArchivoPorCotejar>& archivos, const QString& fecha_cierre)
+        : archivos_(archivos), fecha_cierre_(fecha_cierre) {
         // In the order in which they are copied.
-        std::sort(terminales_.begin(), terminales_.end(), [](const auto& a, const auto& b) {
-            return std::pair(a.second, a.first) < std::pair(b.second, b.first);
+        std::sort(archivos_.begin(), archivos_.end(), [](const auto& a, const auto& b) {
+            return std::pair(a.id, a.terminal) < std::pair(b.id, b.terminal);
         });
     }
 
@@ -195,14 +219,14 @@ private:
     };
     using Par = std::tuple<const DefCopia*, int, int>;  // table, earlier and later terminal
 
-    QString Nombre(int terminal) const { return terminales_[terminal].first; }
+    QString Nombre(int terminal) const { return archivos_[terminal].terminal; }
     enum class Perdida { No, Si };
     void Anotar(int terminal, const QString& texto, Perdida perdida = Perdida::No) {
         hallazgos_.append({terminal, texto, perdida == Perdida::Si});
     }
 
     ResultadoCierre<BaseTerminal> Abrir(int terminal) const {
-        return BaseTerminal::Abrir(ruta_local_(Nombre(terminal)), Nombre(terminal));
+        return BaseTerminal::Abrir(archivos_[terminal].ruta, Nombre(terminal));
     }
 
     ResultadoCierre<void> ArchivosIguales();
@@ -217,8 +241,7 @@ private:
     ResultadoCierre<QHash<quint64, QStringList>> Renglones(const DefCopia& copia, int terminal,
                                                            const Muestra& muestra) const;
 
-    QVector<QPair<QString, int>> terminales_;
-    const std::function<QString(const QString&)>& ruta_local_;
+    QVector<ArchivoPorCotejar> archivos_;
     const QString& fecha_cierre_;
     QVector<bool> repetida_;         ///< the same file as an earlier terminal: not read again
     std::vector<Anotado> anotados_;  ///< of the table at hand, all terminals
@@ -230,9 +253,13 @@ private:
 
 ResultadoCierre<void> Busqueda::ArchivosIguales() {
     QHash<QString, int> vistos;
-    repetida_.resize(terminales_.size());
-    for (int t = 0; t < terminales_.size(); ++t) {
-        QUIMO_INTENTAR(const QString sha256, Sha256DeArchivo(ruta_local_(Nombre(t))));
+    repetida_.resize(archivos_.size());
+    if (archivos_.size() < 2) return {};
+    for (int t = 0; t < archivos_.size(); ++t) {
+        QString sha256 = archivos_[t].sha256;
+        if (sha256.isEmpty()) {
+            QUIMO_INTENTAR(sha256, Sha256DeArchivo(archivos_[t].ruta));
+        }
         if (!vistos.contains(sha256)) {
             vistos.insert(sha256, t);
             continue;
@@ -248,7 +275,7 @@ ResultadoCierre<void> Busqueda::ArchivosIguales() {
 
 ResultadoCierre<void> Busqueda::LeerTabla(const DefCopia& copia) {
     anotados_.clear();
-    for (int t = 0; t < terminales_.size(); ++t) {
+    for (int t = 0; t < archivos_.size(); ++t) {
         if (!repetida_[t]) QUIMO_TRY_VOID(LeerDeTerminal(copia, t));
     }
     std::sort(anotados_.begin(), anotados_.end());
@@ -275,7 +302,7 @@ ResultadoCierre<void> Busqueda::LeerDeTerminal(const DefCopia& copia, int termin
     const std::vector<std::size_t> columnas_clave = LugaresDe(copia, copia.clave);
     const auto fecha = LugarDe(copia, u"Fecha_Trabajo");
     const bool con_prefijo = Igual(copia.tabla, u"ProductosXCuenta");
-    const QString prefijo = QString::number(terminales_[terminal].second);
+    const QString prefijo = QString::number(archivos_[terminal].id);
     QMap<QString, qint64> fechas;
     Muestra sin_prefijo;
     Muestra huerfanas;
@@ -290,7 +317,7 @@ ResultadoCierre<void> Busqueda::LeerDeTerminal(const DefCopia& copia, int termin
             const auto clave = Empacar(renglon, columnas_clave);
             // Without a key no other row has the same one; the copy itself will refuse it.
             if (!clave) return {};
-            anotados_.push_back({*clave, Huella(Contenido(copia, renglon)), terminal});
+            anotados_.push_back({*clave, Huella(copia, renglon), terminal});
             const auto numero = static_cast<qint32>(static_cast<quint32>(*clave >> 32));
             if (con_prefijo && !QString::number(numero).startsWith(prefijo)) {
                 sin_prefijo.Agregar(*clave);
@@ -346,7 +373,7 @@ void Busqueda::ContarPrefijos(const DefCopia& copia, int terminal, const Muestra
     Anotar(terminal,
            u"%1 es la terminal %2, y su archivo tiene %3 cuyo número no empieza con %2: %4\n"
            u"Puede ser el archivo de otra terminal."_s.arg(
-               Nombre(terminal), QString::number(terminales_[terminal].second),
+               Nombre(terminal), QString::number(archivos_[terminal].id),
                RenglonesContados(muestra.cuantas, QString::fromUtf16(copia.tabla)),
                Lista(claves, muestra.cuantas)));
 }
@@ -441,9 +468,8 @@ ResultadoCierre<void> Busqueda::ContarDistintos(const Par& par, const Muestra& m
 }  // namespace
 
 ResultadoCierre<QVector<HallazgoPrevio>> BuscarColisiones(
-    const QVector<QPair<QString, int>>& terminales,
-    const std::function<QString(const QString&)>& ruta_local, const QString& fecha_cierre) {
-    return Busqueda(terminales, ruta_local, fecha_cierre).Buscar();
+    const QVector<ArchivoPorCotejar>& archivos, const QString& fecha_cierre) {
+    return Busqueda(archivos, fecha_cierre).Buscar();
 }
 
 }  // namespace quimo::dayclose

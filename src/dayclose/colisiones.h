@@ -1,8 +1,5 @@
 #pragma once
 
-#include <functional>
-
-#include <QPair>
 #include <QString>
 #include <QVector>
 
@@ -17,14 +14,21 @@ struct HallazgoPrevio {
     bool se_pierde = false;  ///< a row will stand in the place of another one
 };
 
-/// Looks at the files of all counted terminals together (name and ID_Terminal; `ruta_local` gives a
-/// terminal's file) for what a copy would hide or mix up: keys that two files hold with different
+/// The file of one counted terminal.
+struct ArchivoPorCotejar {
+    QString terminal;
+    int id = 0;
+    QString ruta;
+    QString sha256 = {};  ///< of the file; without it, it is read for that
+};
+
+/// Looks at the files of all counted terminals together
+/// for what a copy would hide or mix up: keys that two files hold with different
 /// contents, the same rows or the same file under two names, items without their terminal's number
 /// in front, orders of another working date, rows whose order, check or item is in no file. It only
 /// tells: the copy goes on as ever, and the terminal with the higher number has the last word.
 /// Keeps a few bytes of each row of one table at a time. A file that cannot be read is an error.
 ResultadoCierre<QVector<HallazgoPrevio>> BuscarColisiones(
-    const QVector<QPair<QString, int>>& terminales,
-    const std::function<QString(const QString&)>& ruta_local, const QString& fecha_cierre);
+    const QVector<ArchivoPorCotejar>& archivos, const QString& fecha_cierre);
 
 }  // namespace quimo::dayclose

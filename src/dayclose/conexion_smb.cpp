@@ -6,11 +6,11 @@
 #include <utility>
 
 #include <fcntl.h>
-#include <libsmbclient.h>
 #include <sys/stat.h>
 
 #include <QUrl>
 
+#include "dayclose/biblioteca_smb.h"
 #include "dayclose/equipo_red.h"
 
 using namespace Qt::StringLiterals;
@@ -20,6 +20,9 @@ namespace quimo::dayclose {
 namespace {
 
 constexpr qsizetype kTrozo = 1 << 18;
+
+/// Of a connection, which there is none of without the library.
+const BibliotecaSmb& Smb() { return *BibliotecaSmb::Cargar(); }
 
 /// The number for an errno of the library, and in brackets what it means here.
 FalloArchivo FalloDeSmb(int error, const QString& ruta) {
@@ -132,11 +135,16 @@ ConexionSmb::ConexionSmb(QString direccion, const AccesoRed& acceso)
 }
 
 ConexionSmb::~ConexionSmb() {
-    if (contexto_ != nullptr) smbc_free_context(contexto_, 1);
+    if (contexto_ != nullptr) Smb().free_context(contexto_, 1);
 }
 
 ResultadoArchivo<std::unique_ptr<ConexionSmb>> ConexionSmb::Abrir(const RutaRed& ruta,
                                                                   const AccesoRed& acceso) {
+    if (BibliotecaSmb::Cargar() == nullptr) {
+        FalloArchivo fallo = FalloDeNumero(FalloArchivo::kErrorDispositivo, ruta.Texto());
+        fallo.descripcion += u" (en este equipo falta la biblioteca libsmbclient)"_s;
+        return fallo;
+    }
     QUIMO_TRY(const QString direccion, LocalizarEquipo(ruta.equipo, acceso, ruta.Texto()));
     std::unique_ptr<ConexionSmb> conexion(new ConexionSmb(direccion, acceso));
     if (!conexion->Preparar(acceso)) {
@@ -146,36 +154,36 @@ ResultadoArchivo<std::unique_ptr<ConexionSmb>> ConexionSmb::Abrir(const RutaRed&
 }
 
 bool ConexionSmb::Preparar(const AccesoRed& acceso) {
-    contexto_ = smbc_new_context();
+    contexto_ = Smb().new_context();
     if (contexto_ == nullptr) return false;
-    smbc_setDebug(contexto_, 0);
-    smbc_setOptionUserData(contexto_, this);
-    smbc_setFunctionAuthDataWithContext(contexto_, &ConexionSmb::Identificar);
-    smbc_setTimeout(contexto_, acceso.plazo_s * 1000);
+    Smb().setDebug(contexto_, 0);
+    Smb().setOptionUserData(contexto_, this);
+    Smb().setFunctionAuthDataWithContext(contexto_, &ConexionSmb::Identificar);
+    Smb().setTimeout(contexto_, acceso.plazo_s * 1000);
     // Always one port: without it the library would try the oldest protocol's as well.
-    smbc_setPort(contexto_, acceso.puerto);
-    smbc_setOptionUseKerberos(contexto_, 0);
-    smbc_setOptionUseCCache(contexto_, 0);
+    Smb().setPort(contexto_, acceso.puerto);
+    Smb().setOptionUseKerberos(contexto_, 0);
+    Smb().setOptionUseCCache(contexto_, 0);
     // A wrong password must be told, not replaced by a nameless login that sees less.
-    smbc_setOptionNoAutoAnonymousLogin(contexto_, 1);
+    Smb().setOptionNoAutoAnonymousLogin(contexto_, 1);
     // The library would look whether a connection is alive only now and then, and make a lost one
     // again within an operation, with waits of its own.
-    smbc_setFunctionCheckServer(contexto_, [](SMBCCTX*, SMBCSRV*) { return 0; });
-    if (smbc_init_context(contexto_) == nullptr) {
-        smbc_free_context(contexto_, 1);
+    Smb().setFunctionCheckServer(contexto_, [](SMBCCTX*, SMBCSRV*) { return 0; });
+    if (Smb().init_context(contexto_) == nullptr) {
+        Smb().free_context(contexto_, 1);
         contexto_ = nullptr;
         return false;
     }
     // What the library would print is no text for the user: each failure is told in Spanish.
-    smbc_setLogCallback(contexto_, nullptr, Callar);
+    Smb().setLogCallback(contexto_, nullptr, Callar);
     // After the library has read the system's settings, which these replace.
-    return smbc_setOptionProtocols(contexto_, "SMB2", "SMB3") != 0;
+    return Smb().setOptionProtocols(contexto_, "SMB2", "SMB3") != 0;
 }
 
 void ConexionSmb::Identificar(_SMBCCTX* contexto, const char* /*servidor*/, const char* /*recurso*/,
                               char* dominio, int dominio_max, char* usuario, int usuario_max,
                               char* clave, int clave_max) {
-    const auto* esta = static_cast<const ConexionSmb*>(smbc_getOptionUserData(contexto));
+    const auto* esta = static_cast<const ConexionSmb*>(Smb().getOptionUserData(contexto));
     const auto poner = [](char* destino, int maximo, const QByteArray& texto) {
         qstrncpy(destino, texto.constData(), static_cast<size_t>(maximo));
     };
@@ -199,7 +207,7 @@ bool ConexionSmb::Viva(const RutaRed& ruta) {
 
 ResultadoArchivo<std::optional<EstadoRemoto>> ConexionSmb::Mirar(const RutaRed& ruta) {
     struct stat estado {};
-    if (smbc_getFunctionStat(contexto_)(contexto_, Url(ruta).constData(), &estado) == 0) {
+    if (Smb().getFunctionStat(contexto_)(contexto_, Url(ruta).constData(), &estado) == 0) {
         return std::optional(EstadoDe(estado));
     }
     if (errno == ENOENT || errno == ENOTDIR) return std::optional<EstadoRemoto>();
@@ -208,35 +216,35 @@ ResultadoArchivo<std::optional<EstadoRemoto>> ConexionSmb::Mirar(const RutaRed& 
 
 ResultadoArchivo<ArchivoSmb> ConexionSmb::AbrirArchivo(const RutaRed& ruta, int modo,
                                                        Compartir compartir) {
-    smbc_setOptionOpenShareMode(contexto_, Modo(compartir));
+    Smb().setOptionOpenShareMode(contexto_, Modo(compartir));
     SMBCFILE* archivo =
-        smbc_getFunctionOpen(contexto_)(contexto_, Url(ruta).constData(), modo, 0644);
+        Smb().getFunctionOpen(contexto_)(contexto_, Url(ruta).constData(), modo, 0644);
     if (archivo == nullptr) return FalloDeSmb(errno, ruta.Texto());
     return ArchivoSmb(contexto_, archivo, ruta.Texto());
 }
 
 ResultadoArchivo<void> ConexionSmb::Renombrar(const RutaRed& ruta, const RutaRed& nueva) {
-    if (smbc_getFunctionRename(contexto_)(contexto_, Url(ruta).constData(), contexto_,
-                                          Url(nueva).constData()) != 0) {
+    if (Smb().getFunctionRename(contexto_)(contexto_, Url(ruta).constData(), contexto_,
+                                           Url(nueva).constData()) != 0) {
         return FalloDeSmb(errno, ruta.Texto());
     }
     return {};
 }
 
 ResultadoArchivo<void> ConexionSmb::Borrar(const RutaRed& ruta) {
-    if (smbc_getFunctionUnlink(contexto_)(contexto_, Url(ruta).constData()) != 0) {
+    if (Smb().getFunctionUnlink(contexto_)(contexto_, Url(ruta).constData()) != 0) {
         return FalloDeSmb(errno, ruta.Texto());
     }
     return {};
 }
 
 ArchivoSmb::~ArchivoSmb() {
-    if (archivo_ != nullptr) smbc_getFunctionClose(contexto_)(contexto_, archivo_);
+    if (archivo_ != nullptr) Smb().getFunctionClose(contexto_)(contexto_, archivo_);
 }
 
 ResultadoArchivo<EstadoRemoto> ArchivoSmb::Mirar() {
     struct stat estado {};
-    if (smbc_getFunctionFstat(contexto_)(contexto_, archivo_, &estado) != 0) {
+    if (Smb().getFunctionFstat(contexto_)(contexto_, archivo_, &estado) != 0) {
         return FalloDeSmb(errno, ruta_);
     }
     return EstadoDe(estado);
@@ -248,7 +256,7 @@ ResultadoArchivo<void> ArchivoSmb::Recorrer(const Sumidero& sumidero) {
     QByteArray trozo(kTrozo, Qt::Uninitialized);
     qint64 total = 0;
     while (total <= antes.bytes) {
-        const ssize_t leidos = smbc_getFunctionRead(contexto_)(
+        const ssize_t leidos = Smb().getFunctionRead(contexto_)(
             contexto_, archivo_, trozo.data(), static_cast<std::size_t>(trozo.size()));
         if (leidos < 0) return FalloDeSmb(errno, ruta_);
         if (leidos == 0) break;
@@ -264,8 +272,8 @@ ResultadoArchivo<void> ArchivoSmb::Recorrer(const Sumidero& sumidero) {
 
 ResultadoArchivo<void> ArchivoSmb::Escribir(const char* datos, qsizetype bytes) {
     while (bytes > 0) {
-        const ssize_t escritos = smbc_getFunctionWrite(contexto_)(contexto_, archivo_, datos,
-                                                                  static_cast<std::size_t>(bytes));
+        const ssize_t escritos = Smb().getFunctionWrite(contexto_)(contexto_, archivo_, datos,
+                                                                   static_cast<std::size_t>(bytes));
         if (escritos < 0) return FalloDeSmb(errno, ruta_);
         if (escritos == 0) return FalloDeSmb(EIO, ruta_);
         datos += escritos;
@@ -276,7 +284,7 @@ ResultadoArchivo<void> ArchivoSmb::Escribir(const char* datos, qsizetype bytes) 
 
 ResultadoArchivo<void> ArchivoSmb::Cerrar() {
     SMBCFILE* archivo = std::exchange(archivo_, nullptr);
-    if (smbc_getFunctionClose(contexto_)(contexto_, archivo) != 0) return FalloDeSmb(errno, ruta_);
+    if (Smb().getFunctionClose(contexto_)(contexto_, archivo) != 0) return FalloDeSmb(errno, ruta_);
     return {};
 }
 

@@ -1,5 +1,8 @@
 #include "dayclose/contexto_cierre.h"
 
+#include <algorithm>
+#include <utility>
+
 #include "dayclose/explicacion.h"
 
 using namespace Qt::StringLiterals;
@@ -34,6 +37,20 @@ QString ContextoCierre::CopiaLocal(const QString& terminal) const {
 ResultadoCierre<void> ContextoCierre::PuntoSeguro() const {
     if (opciones.detener && opciones.detener()) return Detenido();
     return turno == nullptr ? ResultadoCierre<void>() : turno->Mantener(reloj.Ahora());
+}
+
+bool PorNumero(const Terminal& una, const Terminal& otra) {
+    return std::pair(una.id, una.nombre) < std::pair(otra.id, otra.nombre);
+}
+
+QVector<Terminal> TerminalesDe(const CierrePendiente& cierre) {
+    QVector<Terminal> terminales;
+    const QHash<QString, int> conocidas = cierre.Terminales();
+    for (auto it = conocidas.cbegin(); it != conocidas.cend(); ++it) {
+        terminales.append({it.value(), it.key()});
+    }
+    std::sort(terminales.begin(), terminales.end(), PorNumero);
+    return terminales;
 }
 
 bool EsNombreDeEquipo(const QString& nombre) {

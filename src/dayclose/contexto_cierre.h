@@ -99,6 +99,12 @@ struct ContextoCierre {
     ResultadoCierre<void> PuntoSeguro() const;
 };
 
+/// The order in which terminals are copied and told.
+bool PorNumero(const Terminal& una, const Terminal& otra);
+
+/// The terminals that a close knows, by number.
+QVector<Terminal> TerminalesDe(const CierrePendiente& cierre);
+
 /// True for a computer name that can be a folder's name too.
 bool EsNombreDeEquipo(const QString& nombre);
 

@@ -3,8 +3,8 @@
 #include <QFile>
 
 #include "dayclose/base_nueva.h"
+#include "dayclose/folios.h"
 #include "dayclose/traspaso.h"
-#include "foundation/parametros.h"
 #include "foundation/transaccion.h"
 
 using namespace Qt::StringLiterals;
@@ -198,25 +198,8 @@ Interrupcion SinReemplazo(const QString& terminal, const QString& remoto, const 
 }
 
 ResultadoCierre<void> TerminarCierre(ContextoCierre& contexto, CierrePendiente& cierre) {
-    struct Folio {
-        QString parametro;
-        QString consulta;
-    };
-    const Folio folios[] = {
-        {QString::fromUtf16(foundation::parametro::kFolioPago),
-         u"SELECT MAX(ID_Pago) AS ID FROM Pago"_s},
-        {QString::fromUtf16(foundation::parametro::kFolioComanda),
-         u"SELECT MAX(ID_Comanda) AS ID FROM Comanda"_s},
-    };
     QUIMO_INTENTAR(Transaccion transaccion, Transaccion::Iniciar(contexto.ado.Conexion()));
-    for (const Folio& folio : folios) {
-        QUIMO_TRY(const QVector<Fila> maximo, LeerFilas(contexto.ado, folio.consulta));
-        if (!contexto.ado.Modificar(nullptr, u"Parametros"_s,
-                                    u"Valor_Num="_s + QString::number(SiguienteDe(maximo)),
-                                    u"ID_Parametro='"_s + folio.parametro + u'\'')) {
-            return FalloPendiente(contexto.ado);
-        }
-    }
+    QUIMO_TRY_VOID(PonerFolios(contexto.ado, Folios::AlSiguiente));
     // At once with the counters: a close that goes on later must not send the new ones to the
     // terminals that are still missing.
     QUIMO_INTENTAR_VOID(cierre.Olvidar(transaccion));

@@ -34,7 +34,7 @@ FalloArchivo FalloDeNumero(int numero, const QString& ruta) {
             texto = u"Error de E/S en el dispositivo"_s;
             break;
     }
-    return {numero, texto + u": "_s + ruta};
+    return {numero, texto + u": "_s + ruta, false};
 }
 
 FalloArchivo FalloDeErrno(int error, const QString& ruta) {
@@ -77,6 +77,16 @@ FalloArchivo FalloDeErrno(int error, const QString& ruta) {
         default:
             return FalloDeNumero(FalloArchivo::kErrorDispositivo, ruta);
     }
+}
+
+FalloArchivo FalloEnDisco(Disco disco, int error, const QString& ruta) {
+    FalloArchivo fallo = FalloDeErrno(error, ruta);
+    if (disco == Disco::Terminal || (error != EIO && error != ENXIO && error != ENODEV)) {
+        return fallo;
+    }
+    fallo = FalloDeNumero(FalloArchivo::kErrorDispositivo, ruta);
+    fallo.propio = true;
+    return fallo;
 }
 
 }  // namespace quimo::dayclose

@@ -20,6 +20,7 @@ struct FalloArchivo {
     };
     int numero = kErrorDispositivo;
     QString descripcion;  ///< Spanish, with the path
+    bool propio = false;  ///< of this computer's own disk: it fails whatever terminal it is about
 
     /// The failures that mean that a terminal cannot be reached.
     bool EsDeComunicacion() const {
@@ -32,6 +33,12 @@ FalloArchivo FalloDeNumero(int numero, const QString& ruta);
 
 /// The failure for an errno of the system.
 FalloArchivo FalloDeErrno(int error, const QString& ruta);
+
+/// Whose disk a file lies on.
+enum class Disco { Propio, Terminal };
+
+/// The same of a known disk: where a mounted share has lost its computer, our own disk has failed.
+FalloArchivo FalloEnDisco(Disco disco, int error, const QString& ruta);
 
 template <typename T>
 using ResultadoArchivo = base::Result<T, FalloArchivo>;

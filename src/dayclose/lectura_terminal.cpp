@@ -14,19 +14,6 @@ using foundation::Respuesta;
 
 namespace {
 
-/// Removes a file of our own when it is no longer needed.
-class Temporal {
-public:
-    explicit Temporal(QString ruta) : ruta_(std::move(ruta)) {}
-    Temporal(const Temporal&) = delete;
-    Temporal& operator=(const Temporal&) = delete;
-    ~Temporal() { QFile::remove(ruta_); }
-    const QString& Ruta() const { return ruta_; }
-
-private:
-    QString ruta_;
-};
-
 ResultadoCierre<ValoresCifras> Contar(const QString& ruta, const QString& terminal) {
     QUIMO_TRY(const BaseTerminal base, BaseTerminal::Abrir(ruta, terminal));
     QUIMO_TRY_VOID(base.Verificar());
@@ -38,7 +25,7 @@ ResultadoCierre<ValoresCifras> Contar(const QString& ruta, const QString& termin
 ResultadoCierre<bool> Reparar(foundation::ClsAdo& ado, const ArchivoVentas& archivo,
                               const QString& ruta, const QString& fecha, const QString& terminal,
                               const QString& dano) {
-    const Temporal copia(ruta + u".reparada"_s);
+    const ArchivoTemporal copia(ruta + u".reparada"_s);
     const auto informe = jet::Reparar(ruta.toStdString(), copia.Ruta().toStdString());
     if (!informe || !informe->Completa()) return false;
     const QString pregunta =
@@ -60,9 +47,12 @@ ResultadoCierre<bool> Reparar(foundation::ClsAdo& ado, const ArchivoVentas& arch
 
 ResultadoCierre<ArchivoContado> ContarArchivo(foundation::ClsAdo& ado, const ArchivoVentas& archivo,
                                               const QString& ruta, const QString& fecha,
-                                              const QString& terminal) {
+                                              const QString& terminal, const QString& sha256) {
     ArchivoContado contado;
-    QUIMO_INTENTAR(contado.recibido, Sha256DeArchivo(ruta));
+    contado.recibido = sha256;
+    if (sha256.isEmpty()) {
+        QUIMO_INTENTAR(contado.recibido, Sha256DeArchivo(ruta));
+    }
     auto cifras = Contar(ruta, terminal);
     if (!cifras && cifras.error().numero == kBaseDanada) {
         QUIMO_TRY(contado.reparada,
@@ -82,7 +72,7 @@ ResultadoCierre<Traida> TraerTerminal(ContextoCierre& contexto, const QString& f
                                       const QString& terminal) {
     ManejadorFallas& fallas = contexto.fallas;
     fallas.Empezar();
-    const auto sin_comunicacion = [] { return Traida{Apartada::SinComunicacion, {}}; };
+    const auto sin_comunicacion = [] { return Traida{Apartada::SinComunicacion, {}, {}}; };
     QUIMO_TRY(const bool con_carpeta, fallas.Ejecutar(terminal, [&]() -> ResultadoArchivo<void> {
         if (!EsNombreDeEquipo(terminal)) {
             return FalloDeNumero(FalloArchivo::kNombreIncorrecto, terminal);
@@ -96,8 +86,9 @@ ResultadoCierre<Traida> TraerTerminal(ContextoCierre& contexto, const QString& f
         return {};
     }));
     if (!mirado) return sin_comunicacion();
-    if (!existe) return Traida{Apartada::SinArchivo, {}};
+    if (!existe) return Traida{Apartada::SinArchivo, {}, {}};
     QString sha256;
+    QString copia;
     QUIMO_TRY(const bool traido, fallas.Ejecutar(terminal, [&]() -> ResultadoArchivo<void> {
         QUIMO_TRY(
             const Archivado archivado,
@@ -105,14 +96,14 @@ ResultadoCierre<Traida> TraerTerminal(ContextoCierre& contexto, const QString& f
         sha256 = archivado.sha256;
         QUIMO_TRY(const Copiado copiado,
                   CopiarEntero(archivado.ruta, contexto.CopiaLocal(terminal)));
-        static_cast<void>(copiado);
+        copia = copiado.sha256;
         return {};
     }));
-    if (fallas.Omitida()) return Traida{Apartada::SinComunicacion, sha256};
+    if (fallas.Omitida()) return Traida{Apartada::SinComunicacion, sha256, {}};
     if (!traido && !QFile::exists(contexto.CopiaLocal(terminal))) {
-        return Traida{fallas.Abierta() ? Apartada::Abierta : Apartada::SinComunicacion, {}};
+        return Traida{fallas.Abierta() ? Apartada::Abierta : Apartada::SinComunicacion, {}, {}};
     }
-    return Traida{Apartada::No, sha256};
+    return Traida{Apartada::No, sha256, copia};
 }
 
 }  // namespace quimo::dayclose

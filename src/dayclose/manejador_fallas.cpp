@@ -40,8 +40,9 @@ ResultadoCierre<bool> ManejadorFallas::Decidir(const QString& terminal, const Fa
         return false;
     }
     if (!fallo.EsDeComunicacion()) {
-        // A disk of our own that is full is no terminal's matter: without that one it stays full.
-        if (fallo.numero == FalloArchivo::kDiscoLleno) return DeFallo(fallo);
+        // A disk of our own that fails or is full is no terminal's matter: without that one it
+        // stays so.
+        if (fallo.propio || fallo.numero == FalloArchivo::kDiscoLleno) return DeFallo(fallo);
         return DeTerminal(DeFallo(fallo), terminal);
     }
     if (fase_ == Fase::Distribuir) {

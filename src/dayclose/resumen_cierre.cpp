@@ -88,16 +88,7 @@ void CompletarResumen(ContextoCierre& contexto, const CierrePendiente& cierre) {
     resumen.copiadas.clear();
     resumen.sin_copiar.clear();
     resumen.hay_perdidas = false;
-    QVector<Terminal> terminales;
-    const QHash<QString, int> conocidas = cierre.Terminales();
-    for (auto it = conocidas.cbegin(); it != conocidas.cend(); ++it) {
-        terminales.append({it.value(), it.key()});
-    }
-    const auto por_numero = [](const Terminal& a, const Terminal& b) {
-        return std::pair(a.id, a.nombre) < std::pair(b.id, b.nombre);
-    };
-    std::sort(terminales.begin(), terminales.end(), por_numero);
-    for (const Terminal& terminal : terminales) {
+    for (const Terminal& terminal : TerminalesDe(cierre)) {
         AgregarContada(contexto, cierre, terminal);
         for (const DefCopia& copia : Copias()) {
             const QString tabla = QString::fromUtf16(copia.tabla);
@@ -113,8 +104,8 @@ void CompletarResumen(ContextoCierre& contexto, const CierrePendiente& cierre) {
         }
     }
     std::sort(resumen.contadas.begin(), resumen.contadas.end(),
-              [&](const TerminalContada& a, const TerminalContada& b) {
-                  return por_numero(a.terminal, b.terminal);
+              [](const TerminalContada& a, const TerminalContada& b) {
+                  return PorNumero(a.terminal, b.terminal);
               });
 }
 

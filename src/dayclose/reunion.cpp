@@ -97,13 +97,6 @@ QStringList TablasQueDifieren(const ValoresCifras& terminal, const ValoresCifras
     return tablas;
 }
 
-QStringList TodasLasTablas() {
-    QStringList tablas;
-    for (const DefCopia& copia : Copias())
-        tablas << QString::fromUtf16(copia.tabla);
-    return tablas;
-}
-
 ResultadoCierre<void> AnotarTablas(Transaccion& transaccion, CierrePendiente& cierre,
                                    const Terminal& terminal, const ArchivoContado& contado,
                                    const QStringList& tablas) {
@@ -147,7 +140,7 @@ ResultadoCierre<std::optional<ArchivoContado>> ReunirTerminal(ContextoCierre& co
     }
     QUIMO_TRY(ArchivoContado contado,
               ContarArchivo(contexto.ado, contexto.archivo, contexto.CopiaLocal(terminal.nombre),
-                            cierre.Fecha(), terminal.nombre));
+                            cierre.Fecha(), terminal.nombre, traida.copia));
     if (contado.reparada) {
         contexto.resumen.avisos << u"El archivo de la terminal "_s + terminal.nombre +
                                        u" estaba dañado; se usó una copia reparada con todos sus "
@@ -160,15 +153,15 @@ ResultadoCierre<std::optional<ArchivoContado>> ReunirTerminal(ContextoCierre& co
 /// Tells what the terminals' files have against each other. The close goes on unless the user wants
 /// to look first. The terminals whose rows take another one's place.
 ResultadoCierre<QStringList> AvisarColisiones(ContextoCierre& contexto,
-                                              const CierrePendiente& cierre) {
-    QVector<QPair<QString, int>> terminales;
-    for (const TerminalContada& contada : contexto.resumen.contadas) {
-        terminales.append({contada.terminal.nombre, contada.terminal.id});
+                                              const CierrePendiente& cierre,
+                                              const QVector<ArchivoContado>& contados) {
+    QVector<ArchivoPorCotejar> archivos;
+    for (qsizetype i = 0; i < contados.size(); ++i) {
+        const Terminal& terminal = contexto.resumen.contadas[i].terminal;
+        archivos.append({terminal.nombre, terminal.id, contexto.CopiaLocal(terminal.nombre),
+                         contados[i].sha256});
     }
-    QUIMO_TRY(const QVector<HallazgoPrevio> hallazgos,
-              BuscarColisiones(
-                  terminales, [&](const QString& nombre) { return contexto.CopiaLocal(nombre); },
-                  cierre.Fecha()));
+    QUIMO_TRY(const QVector<HallazgoPrevio> hallazgos, BuscarColisiones(archivos, cierre.Fecha()));
     QStringList choques;
     if (hallazgos.isEmpty()) return choques;
     QStringList lineas;
@@ -267,7 +260,7 @@ ResultadoCierre<void> ReunirTerminales(ContextoCierre& contexto, CierrePendiente
         contexto.resumen.contadas.append({terminal, (*reunida)->cifras});
         contados.append(**std::move(reunida));
     }
-    QUIMO_TRY(const QStringList choques, AvisarColisiones(contexto, cierre));
+    QUIMO_TRY(const QStringList choques, AvisarColisiones(contexto, cierre, contados));
     QUIMO_TRY(const ValoresCifras central, CifrasCentrales(ado, cierre.Fecha()));
     // What is to be copied is settled before the first row is: the central figures change with
     // every terminal, and a close that goes on later must copy the same tables.
@@ -332,11 +325,11 @@ ResultadoCierre<void> RevisarCopia(ContextoCierre& contexto, CierrePendiente& ci
         contexto.resumen.avisos << u"La terminal "_s + terminal.nombre +
                                        u" siguió vendiendo: se copia también lo nuevo."_s;
         QUIMO_INTENTAR(const Copiado copiado, CopiarEntero(recibido->ruta, local));
-        static_cast<void>(copiado);
-        QUIMO_TRY(const ArchivoContado contado, ContarArchivo(contexto.ado, contexto.archivo, local,
-                                                              cierre.Fecha(), terminal.nombre));
+        QUIMO_TRY(const ArchivoContado contado,
+                  ContarArchivo(contexto.ado, contexto.archivo, local, cierre.Fecha(),
+                                terminal.nombre, copiado.sha256));
         QUIMO_INTENTAR(auto transaccion, Transaccion::Iniciar(contexto.ado.Conexion()));
-        QUIMO_TRY_VOID(AnotarTablas(transaccion, cierre, terminal, contado, TodasLasTablas()));
+        QUIMO_TRY_VOID(AnotarTablas(transaccion, cierre, terminal, contado, TablasDeVentas()));
         QUIMO_INTENTAR_VOID(transaccion.Confirmar());
         return {};
     }
@@ -359,10 +352,8 @@ ResultadoCierre<void> RevisarCopia(ContextoCierre& contexto, CierrePendiente& ci
 }  // namespace
 
 ResultadoCierre<void> RevisarCopias(ContextoCierre& contexto, CierrePendiente& cierre) {
-    const QHash<QString, int> terminales = cierre.Terminales();
-    for (auto it = terminales.cbegin(); it != terminales.cend(); ++it) {
+    for (const Terminal& terminal : TerminalesDe(cierre)) {
         QUIMO_TRY_VOID(contexto.PuntoSeguro());
-        const Terminal terminal{it.value(), it.key()};
         const auto contada =
             cierre.De(terminal.nombre, QString::fromUtf16(CierrePendiente::kArchivo));
         if (!contada || cierre.EstaApartada(terminal.nombre) != Apartada::No) continue;

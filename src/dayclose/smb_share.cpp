@@ -2,7 +2,7 @@
 
 #include <fcntl.h>
 
-#include <QCryptographicHash>
+#include "base/sha256.h"
 
 using namespace Qt::StringLiterals;
 
@@ -60,15 +60,15 @@ ResultadoArchivo<EstadoRemoto> ExigirContenido(ConexionSmb& conexion, const Ruta
                                                const QString& sha256) {
     QUIMO_TRY_VOID(ExigirSinLdb(conexion, ruta));
     QUIMO_TRY(ArchivoSmb archivo, conexion.AbrirArchivo(ruta, O_RDWR, Compartir::Nada));
-    QCryptographicHash resumen(QCryptographicHash::Sha256);
+    base::Sha256 resumen;
     QUIMO_TRY_VOID(
         archivo.Recorrer([&](const char* datos, qsizetype cuantos) -> ResultadoArchivo<void> {
-            resumen.addData(QByteArrayView(datos, cuantos));
+            resumen.Agregar(datos, static_cast<std::size_t>(cuantos));
             return {};
         }));
     QUIMO_TRY(const EstadoRemoto estado, archivo.Mirar());
     QUIMO_TRY_VOID(archivo.Cerrar());
-    if (QString::fromLatin1(resumen.result().toHex()) != sha256) return Cambiado(ruta);
+    if (QString::fromStdString(resumen.Terminar()) != sha256) return Cambiado(ruta);
     return estado;
 }
 

@@ -136,4 +136,11 @@ std::span<const DefCifra, kCifras> Cifras() { return kCifrasDef; }
 
 std::span<const DefCopia> Copias() { return kCopias; }
 
+QStringList TablasDeVentas() {
+    QStringList tablas;
+    for (const DefCopia& copia : kCopias)
+        tablas << QString::fromUtf16(copia.tabla);
+    return tablas;
+}
+
 }  // namespace quimo::dayclose

@@ -4,6 +4,7 @@
 #include <span>
 
 #include <QString>
+#include <QStringList>
 
 #include "base/dinero.h"
 
@@ -59,5 +60,8 @@ struct DefCopia {
 
 /// In the order in which they are copied.
 std::span<const DefCopia> Copias();
+
+/// Their names, in the same order.
+QStringList TablasDeVentas();
 
 }  // namespace quimo::dayclose

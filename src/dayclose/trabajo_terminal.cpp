@@ -2,12 +2,12 @@
 
 #include <algorithm>
 
-#include <QFile>
 #include <QFileInfo>
 
 #include "dayclose/base_nueva.h"
 #include "dayclose/colisiones.h"
 #include "dayclose/distribucion.h"
+#include "dayclose/folios.h"
 #include "dayclose/lectura_terminal.h"
 #include "dayclose/traspaso.h"
 #include "dayclose/turno_cierre.h"
@@ -30,34 +30,6 @@ namespace {
 constexpr int kVueltasMax = 20;
 
 Interrupcion Rechazo(const QString& texto) { return {Interrupcion::Motivo::SinEmpezar, 0, texto}; }
-
-/// Removes a working copy when it is no longer needed.
-struct Quitar {
-    QString ruta;
-    explicit Quitar(QString cual) : ruta(std::move(cual)) {}
-    Quitar(const Quitar&) = delete;
-    Quitar& operator=(const Quitar&) = delete;
-    ~Quitar() { QFile::remove(ruta); }
-};
-
-/// Counters never fall behind what was brought in: the terminals would give out its numbers again.
-ResultadoCierre<void> SubirFolios(ClsAdo& ado) {
-    const QPair<QString, QString> folios[] = {
-        {QString::fromUtf16(foundation::parametro::kFolioPago),
-         u"SELECT MAX(ID_Pago) AS ID FROM Pago"_s},
-        {QString::fromUtf16(foundation::parametro::kFolioComanda),
-         u"SELECT MAX(ID_Comanda) AS ID FROM Comanda"_s},
-    };
-    for (const auto& [parametro, consulta] : folios) {
-        QUIMO_TRY(const QVector<Fila> maximo, LeerFilas(ado, consulta));
-        const QString siguiente = QString::number(SiguienteDe(maximo));
-        if (!ado.Modificar(nullptr, u"Parametros"_s, u"Valor_Num="_s + siguiente,
-                           u"ID_Parametro='"_s + parametro + u"' AND Valor_Num<"_s + siguiente)) {
-            return FalloPendiente(ado);
-        }
-    }
-    return {};
-}
 
 /// The day that a file is of: that of its orders, else what it says of itself. A damaged one may
 /// not tell, and is kept under the present working date. A file of another terminal is refused.
@@ -114,8 +86,7 @@ ResultadoCierre<Terminal> TrabajoTerminal::Preparar(const QString& terminal) {
 ResultadoCierre<void> TrabajoTerminal::Revisar(const Terminal& terminal, const QString& ruta,
                                                const QString& fecha) {
     QUIMO_TRY(const QVector<HallazgoPrevio> hallazgos,
-              BuscarColisiones(
-                  {{terminal.nombre, terminal.id}}, [&](const QString&) { return ruta; }, fecha));
+              BuscarColisiones({{terminal.nombre, terminal.id, ruta}}, fecha));
     if (hallazgos.isEmpty()) return {};
     QStringList lineas;
     for (const HallazgoPrevio& hallazgo : hallazgos) {
@@ -139,8 +110,7 @@ ResultadoCierre<OpcionesCopia> TrabajoTerminal::Decidir(const Terminal& terminal
     opciones.presentes = OpcionesCopia::Presentes::PasarIguales;
     opciones.distintas = OpcionesCopia::Distintas::Pasar;
     opciones.detener = contexto_.opciones.detener;
-    for (const DefCopia& copia : Copias())
-        opciones.tablas << QString::fromUtf16(copia.tabla);
+    opciones.tablas = TablasDeVentas();
     if (comparacion.Distintas() == 0) return opciones;
     constexpr qsizetype kEjemplos = 5;
     const QString mas = comparacion.Distintas() > kEjemplos ? u"\n..."_s : QString();
@@ -166,7 +136,7 @@ ResultadoCierre<void> TrabajoTerminal::Copiar(const Terminal& terminal, const Ba
         auto copiadas = CopiarTerminal(contexto_.ado, base, opciones);
         if (copiadas) {
             traida_->copiadas = *std::move(copiadas);
-            QUIMO_TRY_VOID(SubirFolios(contexto_.ado));
+            QUIMO_TRY_VOID(PonerFolios(contexto_.ado, Folios::SinBajar));
             QUIMO_INTENTAR_VOID(transaccion.Confirmar());
             return {};
         }
@@ -209,16 +179,16 @@ ResultadoCierre<void> TrabajoTerminal::CorrerTraer(const QString& archivo,
     if (!QFileInfo(archivo).isFile()) return Rechazo(u"No existe el archivo "_s + archivo);
     const foundation::PunteroOcupado ocupado(contexto_.ado.Dialogo());
     QUIMO_INTENTAR_VOID(CrearCarpeta(contexto_.CarpetaLocal(esta.nombre)));
-    const Quitar trabajo(contexto_.CarpetaLocal(esta.nombre) + u"/traido.mdb"_s);
-    QUIMO_INTENTAR(const Copiado copiado, CopiarEntero(archivo, trabajo.ruta));
+    const ArchivoTemporal trabajo(contexto_.CarpetaLocal(esta.nombre) + u"/traido.mdb"_s);
+    QUIMO_INTENTAR(const Copiado copiado, CopiarEntero(archivo, trabajo.Ruta()));
     static_cast<void>(copiado);
-    return Incorporar(esta, trabajo.ruta);
+    return Incorporar(esta, trabajo.Ruta());
 }
 
 /// False: the terminal's file changed meanwhile, and everything is looked at again.
 ResultadoCierre<bool> TrabajoTerminal::EnviarUnaVez(const Terminal& terminal) {
     const QString remoto = contexto_.Remoto(terminal.nombre);
-    const Quitar trabajo(contexto_.CarpetaLocal(terminal.nombre) + u"/traido.mdb"_s);
+    const ArchivoTemporal trabajo(contexto_.CarpetaLocal(terminal.nombre) + u"/traido.mdb"_s);
     const auto intentar = [&](const auto& operacion) -> ResultadoCierre<void> {
         QUIMO_TRY(const bool hecho, contexto_.fallas.Ejecutar(terminal.nombre, operacion));
         if (hecho) return {};
@@ -232,14 +202,14 @@ ResultadoCierre<bool> TrabajoTerminal::EnviarUnaVez(const Terminal& terminal) {
         presente.clear();
         QUIMO_TRY(const bool existe, contexto_.share.Existe(remoto));
         if (!existe) return {};
-        QUIMO_TRY(const Copiado copiado, contexto_.share.Traer(remoto, trabajo.ruta));
+        QUIMO_TRY(const Copiado copiado, contexto_.share.Traer(remoto, trabajo.Ruta()));
         presente = copiado.sha256;
         return {};
     }));
     ContadoresMinimos minimos;
     if (!presente.isEmpty()) {
-        QUIMO_TRY_VOID(Incorporar(terminal, trabajo.ruta));
-        const auto base = jet::BaseDatos::Abrir(trabajo.ruta.toStdString());
+        QUIMO_TRY_VOID(Incorporar(terminal, trabajo.Ruta()));
+        const auto base = jet::BaseDatos::Abrir(trabajo.Ruta().toStdString());
         if (!base) return DeFallo(base.error(), terminal.nombre);
         const auto suyos = LeerParametrosTerminal(*base);
         if (!suyos) return DeFallo(suyos.error(), terminal.nombre);

@@ -184,11 +184,12 @@ private:
     }
 
     ResultadoCierre<Cambio> Insercion(const Renglon& renglon) const {
+        constexpr qsizetype kLargoUsual = 192;
         QString valores;
+        valores.reserve(kLargoUsual);
         for (std::size_t i = 0; i < copia_.al_insertar.size(); ++i) {
-            QUIMO_TRY(const QString valor, renglon.LiteralAlInsertar(i));
             if (i > 0) valores += u',';
-            valores += valor;
+            QUIMO_TRY_VOID(renglon.AgregarAlInsertar(valores, i));
         }
         return Cambio{Cambio::Clase::Insertar, copiada_.tabla, columnas_, valores};
     }

@@ -16,18 +16,6 @@ using foundation::Transaccion;
 
 namespace {
 
-QVector<Terminal> TerminalesPorNumero(const CierrePendiente& cierre) {
-    QVector<Terminal> terminales;
-    const QHash<QString, int> conocidas = cierre.Terminales();
-    for (auto it = conocidas.cbegin(); it != conocidas.cend(); ++it) {
-        terminales.append({it.value(), it.key()});
-    }
-    std::sort(terminales.begin(), terminales.end(), [](const Terminal& a, const Terminal& b) {
-        return std::pair(a.id, a.nombre) < std::pair(b.id, b.nombre);
-    });
-    return terminales;
-}
-
 /// The archived files of a terminal whose rows this close has copied already.
 ResultadoCierre<QVector<CopiaAnterior>> Anteriores(const ContextoCierre& contexto,
                                                    const CierrePendiente& cierre,
@@ -162,7 +150,7 @@ Interrupcion ExplicarFalla(foundation::SqlConnection& conexion, FallaCopia falla
 }
 
 ResultadoCierre<void> TransferirVentas(ContextoCierre& contexto, CierrePendiente& cierre) {
-    for (const Terminal& terminal : TerminalesPorNumero(cierre)) {
+    for (const Terminal& terminal : TerminalesDe(cierre)) {
         QUIMO_TRY_VOID(contexto.PuntoSeguro());
         if (cierre.EstaApartada(terminal.nombre) != Apartada::No) continue;
         const auto contada =
@@ -189,13 +177,11 @@ ResultadoCierre<void> CopiarVersionNueva(ContextoCierre& contexto, CierrePendien
     const QString local = contexto.CopiaLocal(terminal.nombre);
     QUIMO_INTENTAR_VOID(CrearCarpeta(contexto.CarpetaLocal(terminal.nombre)));
     QUIMO_INTENTAR(const Copiado copiado, CopiarEntero(ruta, local));
-    static_cast<void>(copiado);
-    QUIMO_TRY(const ArchivoContado contado, ContarArchivo(contexto.ado, contexto.archivo, local,
-                                                          cierre.Fecha(), terminal.nombre));
-    QStringList tablas;
-    for (const DefCopia& copia : Copias())
-        tablas << QString::fromUtf16(copia.tabla);
-    QUIMO_TRY_VOID(CopiarArchivo(contexto, cierre, terminal, local, contado.sha256, tablas));
+    QUIMO_TRY(const ArchivoContado contado,
+              ContarArchivo(contexto.ado, contexto.archivo, local, cierre.Fecha(), terminal.nombre,
+                            copiado.sha256));
+    QUIMO_TRY_VOID(
+        CopiarArchivo(contexto, cierre, terminal, local, contado.sha256, TablasDeVentas()));
     QUIMO_TRY(const bool del_dia, EsDelDia(local, terminal.nombre, cierre.Fecha()));
     QUIMO_INTENTAR(auto transaccion, Transaccion::Iniciar(contexto.ado.Conexion()));
     // A damaged original is known from now on, as well as the copy that was made of it.

@@ -1,5 +1,7 @@
 #include "foundation/cls_ado.h"
 
+#include <QStringBuilder>
+
 #include "foundation/conexion_vigilada.h"
 #include "foundation/valores.h"
 
@@ -18,10 +20,10 @@ FalloSql Cerrada() {
 
 QString TextoDe(const Cambio& cambio) {
     if (cambio.clase == Cambio::Clase::Insertar) {
-        return u"INSERT INTO "_s + cambio.tabla + u" ("_s + cambio.campos + u") VALUES ("_s +
-               cambio.valores + u')';
+        return "INSERT INTO "_L1 % cambio.tabla % " ("_L1 % cambio.campos % ") VALUES ("_L1 %
+               cambio.valores % u')';
     }
-    return u"UPDATE "_s + cambio.tabla + u" SET "_s + cambio.campos + u" WHERE "_s + cambio.valores;
+    return "UPDATE "_L1 % cambio.tabla % " SET "_L1 % cambio.campos % " WHERE "_L1 % cambio.valores;
 }
 
 /// The program's own database login, unless the installation names another one.
@@ -67,7 +69,7 @@ bool ClsAdo::Conectar(QString& PsNom_servidor, QString& PsBase_de_datos, QString
             if (fin == ConexionVigilada::Fin::Confirmada) {
                 CClsBitacora.EscribirLineas(por_confirmar_);
             }
-            por_confirmar_.clear();
+            por_confirmar_.resize(0);  // its memory serves the next one
         });
     return true;
 }
@@ -93,20 +95,22 @@ bool ClsAdo::EjecutarCambio(const QString& sentencia) {
     return true;
 }
 
-void ClsAdo::Registrar(const QVector<QVariant>& partes) {
+void ClsAdo::Registrar(std::initializer_list<QStringView> partes) {
     if (Conectado() && conexion_->EnTransaccion()) {
-        por_confirmar_ += CClsBitacora.Linea(partes);
-    } else {
-        CClsBitacora.Escribir(partes);
+        CClsBitacora.AgregarLinea(por_confirmar_, partes);
+        return;
     }
+    QByteArray linea;
+    CClsBitacora.AgregarLinea(linea, partes);
+    CClsBitacora.EscribirLineas(linea);
 }
 
 void ClsAdo::RegistrarCambio(const Cambio& cambio) {
     if (cambio.clase == Cambio::Clase::Insertar) {
-        Registrar({u"Valor insertado en "_s, cambio.tabla, u" campos: "_s, cambio.campos,
-                   u" valores: "_s, cambio.valores});
+        Registrar({u"Valor insertado en ", cambio.tabla, u" campos: ", cambio.campos, u" valores: ",
+                   cambio.valores});
     } else {
-        Registrar({u"Modificacion en "_s, cambio.tabla, u" Valor: "_s, cambio.campos});
+        Registrar({u"Modificacion en ", cambio.tabla, u" Valor: ", cambio.campos});
     }
 }
 
@@ -169,7 +173,7 @@ bool ClsAdo::Borrar(const RecordsetPtr& PrdrConsulta, const QString& PsTabla,
         ManejaError();
         return false;
     }
-    Registrar({u"Valor borrado en "_s, PsTabla, u" condicion: "_s, PsCondicion});
+    Registrar({u"Valor borrado en ", PsTabla, u" condicion: ", PsCondicion});
     if (!PbPosicionar || PrdrConsulta == nullptr) return true;
     auto releido = PrdrConsulta->Requery();
     if (releido) return true;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <initializer_list>
 #include <memory>
 #include <optional>
 
@@ -140,7 +141,7 @@ private:
     bool EjecutarCambio(const QString& sentencia);
     bool Cambiar(const Cambio& cambio);
     void DespacharNativo(const FalloSql& fallo, bool& sin_servidor);
-    void Registrar(const QVector<QVariant>& partes);
+    void Registrar(std::initializer_list<QStringView> partes);
     void RegistrarCambio(const Cambio& cambio);
     void RegistrarFallo(const QVector<QVariant>& partes) { CClsBitacora.Escribir(partes); }
     void ConflictoDeReferencia(const QString& descripcion);

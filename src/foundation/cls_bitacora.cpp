@@ -8,6 +8,7 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <QStringEncoder>
 
 #include "foundation/rutas.h"
 #include "foundation/valores.h"
@@ -24,13 +25,15 @@ QString UsuarioDelSistema() {
 
 namespace {
 
-/// "dd-mm-yy hh:mm:ss". A close writes thousands of lines: no format is read again for each.
+/// "dd-mm-yy hh:mm:ss"
 QString HoraDeLinea(const QDateTime& momento) {
     const QDate dia = momento.date();
     const QTime hora = momento.time();
     return QString::asprintf("%02d-%02d-%02d %02d:%02d:%02d", dia.day(), dia.month(),
                              dia.year() % 100, hora.hour(), hora.minute(), hora.second());
 }
+
+bool CortaLaLinea(char letra) { return letra == '\n' || letra == '\r' || letra == '\t'; }
 
 /// Why a file could not be written. The system's own text would not be Spanish, and a write that
 /// stopped half way has none.
@@ -57,17 +60,42 @@ ClsBitacora::ClsBitacora(const OpcionesBitacora& opciones, Dialogos& dialogos, c
 }
 
 QByteArray ClsBitacora::Linea(const QVector<QVariant>& partes) const {
-    QString linea = HoraDeLinea(reloj_.Ahora()) + u'\t' + programa_ + u"\tV"_s + version_ + u'\t' +
-                    usuario_ + u'\t' + usuario_app_ + u'\t';
-    for (const QVariant& parte : partes) {
-        const qsizetype desde = linea.size();
-        linea += TextoDeValor(parte) + u'\t';
-        std::replace_if(
-            linea.begin() + desde, linea.end() - 1,
-            [](QChar letra) { return letra == u'\n' || letra == u'\r' || letra == u'\t'; }, u' ');
+    QStringList textos;
+    for (const QVariant& parte : partes)
+        textos << TextoDeValor(parte);
+    const QVector<QStringView> vistas(textos.cbegin(), textos.cend());
+    QByteArray linea;
+    AgregarLinea(linea, vistas);
+    return linea;
+}
+
+void ClsBitacora::AgregarLinea(QByteArray& lineas, std::span<const QStringView> partes) const {
+    lineas += Principio();
+    const qsizetype desde = lineas.size();
+    QStringEncoder utf8(QStringEncoder::Utf8);
+    qsizetype lugar = desde;
+    for (const QStringView parte : partes) {
+        lineas.resize(lugar + utf8.requiredSpace(parte.size()) + 1);
+        char* const fin = utf8.appendToBuffer(lineas.data() + lugar, parte);
+        std::replace_if(lineas.data() + lugar, fin, CortaLaLinea, ' ');
+        *fin = '\t';
+        lugar = fin + 1 - lineas.data();
     }
-    linea += u'\n';
-    return linea.toUtf8();
+    lineas.resize(lugar);
+    lineas += '\n';
+}
+
+/// Date, time, program and users. A close writes thousands of lines in a second: made once for it.
+const QByteArray& ClsBitacora::Principio() const {
+    const QDateTime ahora = reloj_.Ahora();
+    const qint64 segundo = ahora.toSecsSinceEpoch();
+    if (principio_.isEmpty() || segundo != segundo_del_principio_) {
+        principio_ = (HoraDeLinea(ahora) + u'\t' + programa_ + u"\tV"_s + version_ + u'\t' +
+                      usuario_ + u'\t' + usuario_app_ + u'\t')
+                         .toUtf8();
+        segundo_del_principio_ = segundo;
+    }
+    return principio_;
 }
 
 void ClsBitacora::EscribirLineas(const QByteArray& lineas) {

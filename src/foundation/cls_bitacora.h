@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <optional>
+#include <span>
 
 #include <QByteArray>
 #include <QFile>
@@ -48,11 +49,16 @@ public:
     /// The line, with its end, that Escribir would append now: for events of which it is not known
     /// yet whether they will have happened.
     QByteArray Linea(const QVector<QVariant>& partes) const;
+    /// Appends the line of parts that are texts already to others.
+    void AgregarLinea(QByteArray& lineas, std::span<const QStringView> partes) const;
     /// Appends lines that Linea made, in one opening of the file.
     void EscribirLineas(const QByteArray& lineas);
 
     /// Who is working from now on; stands in every later line.
-    void PonerUsuarioApp(const QString& usuario) { usuario_app_ = usuario; }
+    void PonerUsuarioApp(const QString& usuario) {
+        usuario_app_ = usuario;
+        principio_.clear();
+    }
     const QString& Archivo() const { return archivo_; }
 
     /// Copies a log file; false after telling why not.
@@ -71,6 +77,7 @@ private:
     enum class Traslado { Copiar, Mover };
     bool Trasladar(const QString& origen, const QString& destino, Traslado traslado);
     void Anexar(const QByteArray& lineas);
+    const QByteArray& Principio() const;
 
     Dialogos& dialogos_;
     const Reloj& reloj_;
@@ -83,6 +90,8 @@ private:
     bool a_archivo_;
     bool a_mensaje_;
     bool fallo_avisado_ = false;
+    mutable QByteArray principio_;  ///< of every line of the second below; empty: to be made
+    mutable qint64 segundo_del_principio_ = 0;
 };
 
 }  // namespace quimo::foundation

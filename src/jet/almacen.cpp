@@ -129,7 +129,7 @@ Result<void> Almacen::LeerDeArchivo(std::uint32_t numero, std::uint8_t* destino)
 
 Result<void> Almacen::Cargar(Entrada& entrada, std::uint32_t numero) {
     if (limpias_.size() >= kLimpiasMax) Desalojar();
-    auto pagina = std::make_shared<Pagina>();
+    auto pagina = std::make_shared_for_overwrite<Pagina>();
     QUIMO_TRY_VOID(LeerDeArchivo(numero, pagina->data()));
     entrada.pagina = std::move(pagina);
     limpias_.push_back(numero);

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <set>
@@ -84,8 +85,9 @@ private:
                                                 std::uint32_t dueno, const std::string& quien);
     void ComprobarPagina(std::uint32_t numero);
     void ComprobarFila(IdFila id, std::span<const std::uint8_t> bytes);
-    void ComprobarLargos(const VistaFila& vista, const std::string& fila);
-    void ComprobarClaves(IdFila id, const std::string& fila);
+    using NombreFila = std::function<std::string()>;
+    void ComprobarLargos(const VistaFila& vista, const NombreFila& fila);
+    void ComprobarClaves(IdFila id, const NombreFila& fila);
     void ComprobarOcultas();
     void ComprobarPiezasSueltas();
     void ComprobarContadores();

@@ -121,17 +121,19 @@ void VerificadorTabla::ComprobarPagina(std::uint32_t numero) {
 
 void VerificadorTabla::ComprobarFila(IdFila id, std::span<const std::uint8_t> bytes) {
     ++filas_;
-    const std::string fila =
-        "La fila de la " + Puntero{id.pagina, id.fila}.ATexto() + ", de " + nombre_;
+    // Written out only for the row that has something wrong.
+    const auto fila = [&] {
+        return "La fila de la " + Puntero{id.pagina, id.fila}.ATexto() + ", de " + nombre_;
+    };
     const auto vista = VistaFila::De(*esquema_, bytes);
     if (!vista) {
-        v_.Falla(fila + ", no se puede leer.");
+        v_.Falla(fila() + ", no se puede leer.");
         return;
     }
-    if (!vista->PosicionesSanas()) v_.Falla(fila + ", tiene valores fuera de su lugar.");
+    if (!vista->PosicionesSanas()) v_.Falla(fila() + ", tiene valores fuera de su lugar.");
     const auto leida = LeerValores(lectura_, *esquema_, bytes, fila_);
     if (!leida) {
-        v_.Falla(fila + ": " + leida.error().mensaje);
+        v_.Falla(fila() + ": " + leida.error().mensaje);
         return;
     }
     if (esquema_->autonumerica) {
@@ -142,7 +144,7 @@ void VerificadorTabla::ComprobarFila(IdFila id, std::span<const std::uint8_t> by
     ComprobarClaves(id, fila);
 }
 
-void VerificadorTabla::ComprobarLargos(const VistaFila& vista, const std::string& fila) {
+void VerificadorTabla::ComprobarLargos(const VistaFila& vista, const NombreFila& fila) {
     for (std::size_t i = 0; i < esquema_->fisicas.size(); ++i) {
         if (!EsLargo(esquema_->tabla.columnas[i].tipo)) continue;
         const auto celda = CeldaDeFila(*esquema_, vista, i);
@@ -152,9 +154,9 @@ void VerificadorTabla::ComprobarLargos(const VistaFila& vista, const std::string
         std::vector<Puntero> piezas;
         if (!v_.Bien(LeerLargo(v_.Archivo(), celda->bytes, presupuesto, valor, &piezas))) continue;
         for (const Puntero pieza : piezas) {
-            v_.ReclamarPieza(pieza, fila);
+            v_.ReclamarPieza(pieza, fila());
             if (TieneMapas(esquema_->fisicas[i]) && paginas_largos_[i].count(pieza.pagina) == 0) {
-                v_.FallaDe(*esquema_, fila + ", guarda un valor largo en la página " +
+                v_.FallaDe(*esquema_, fila() + ", guarda un valor largo en la página " +
                                           std::to_string(pieza.pagina) +
                                           ", que no es de su columna.");
             }
@@ -162,12 +164,12 @@ void VerificadorTabla::ComprobarLargos(const VistaFila& vista, const std::string
     }
 }
 
-void VerificadorTabla::ComprobarClaves(IdFila id, const std::string& fila) {
+void VerificadorTabla::ComprobarClaves(IdFila id, const NombreFila& fila) {
     for (std::size_t i = 0; i < esquema_->reales.size(); ++i) {
         const IndiceReal& real = esquema_->reales[i];
         const std::size_t nulos = NulosDeClave(*esquema_, real, fila_);
         if (real.Requerido() && nulos > 0) {
-            v_.Falla(fila + ", no tiene valor para el índice " + real.nombre + ".");
+            v_.Falla(fila() + ", no tiene valor para el índice " + real.nombre + ".");
         }
         if (real.IgnoraNulos() && nulos == real.columnas.size()) continue;
         const auto clave = ClaveDeFila(*esquema_, real, fila_);

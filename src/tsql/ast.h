@@ -92,7 +92,8 @@ struct ItemSeleccion {
     std::string variable;  ///< SELECT @x = expr
 };
 
-enum class TipoJoin { Coma, Interna, Izquierda, Derecha, Completa, Cruzada };
+/// `Delante` is Cruzada with its left side gone through first; no text says so, only a rewrite.
+enum class TipoJoin { Coma, Interna, Izquierda, Derecha, Completa, Cruzada, Delante };
 
 /// What stands behind FROM: a table, a query in parentheses, or a join of two of these.
 struct Fuente {

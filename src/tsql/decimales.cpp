@@ -1,6 +1,8 @@
 #include "tsql/decimales.h"
 
 #include <cmath>
+#include <cstdint>
+#include <limits>
 
 #include "tsql/texto.h"
 
@@ -61,7 +63,11 @@ std::optional<Int128> PotenciaDeDiez(int exponente) {
 
 int ContarCifras(Int128 valor) {
     int cifras = 0;
-    for (valor = Magnitud(valor); valor > 0; valor /= 10)
+    valor = Magnitud(valor);
+    for (; valor > std::numeric_limits<std::int64_t>::max(); valor /= 10)
+        ++cifras;
+    // Nearly all are in here, and a division of half the width is many times as fast.
+    for (auto corto = static_cast<std::uint64_t>(valor); corto > 0; corto /= 10)
         ++cifras;
     return cifras;
 }

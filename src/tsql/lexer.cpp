@@ -17,6 +17,12 @@ bool EsInicio(char c) {
            static_cast<unsigned char>(c) >= 0x80;
 }
 bool EsDeNombre(char c) { return EsInicio(c) || EsCifra(c) || c == '@' || c == '$'; }
+/// Two signs that are one: <> <= >= != !< !> += -= *= /= %=
+bool EsDoble(char primero, char segundo) {
+    if (segundo == '=') return std::string_view("<>!+-*/%").find(primero) != std::string_view::npos;
+    if (segundo == '>') return primero == '<' || primero == '!';
+    return segundo == '<' && primero == '!';
+}
 bool EsBlanco(char c) { return c == ' ' || (c >= '\t' && c <= '\r') || c == '\0'; }
 
 int Hex(char c) {
@@ -26,14 +32,21 @@ int Hex(char c) {
     return -1;
 }
 
+constexpr std::size_t kCifrasCortas = 9;
+
 class Cortador {
 public:
-    explicit Cortador(std::string_view texto) : texto_(texto) {
+    Cortador(std::string_view texto, Lexico& lexico) : texto_(texto), lexico_(lexico) {
+        lexico_.tokens.clear();
+        lexico_.literales.clear();
+        lexico_.parametros = 0;
+        lexico_.forma.clear();
         lexico_.forma.reserve(texto.size());
         lexico_.tokens.reserve(texto.size() / 4 + 8);
+        lexico_.literales.reserve(texto.size() / 16 + 4);
     }
 
-    Resultado<Lexico> Cortar() {
+    base::Result<void, ErrorSql> Cortar() {
         if (texto_.size() > kTextoMaximo) return CrearError(191);
         while (true) {
             QUIMO_TRY_VOID(SaltarBlancos());
@@ -42,7 +55,7 @@ public:
         }
         lexico_.forma.append(texto_.substr(copiado_));
         Agregar(Token::Clase::Fin, i_, i_);
-        return std::move(lexico_);
+        return {};
     }
 
 private:
@@ -121,11 +134,8 @@ private:
     }
 
     base::Result<void, ErrorSql> Signo() {
-        constexpr auto kDobles = std::to_array<std::string_view>(
-            {"<>", "<=", ">=", "!=", "!<", "!>", "+=", "-=", "*=", "/=", "%="});
         constexpr std::string_view kSimples = "+-*/%=<>(),.;&|^~:";
-        const std::string_view resto = texto_.substr(i_, 2);
-        const bool doble = std::find(kDobles.begin(), kDobles.end(), resto) != kDobles.end();
+        const bool doble = EsDoble(texto_[i_], En(i_ + 1));
         if (!doble && kSimples.find(texto_[i_]) == std::string_view::npos) {
             return CrearError(102, std::string(texto_.substr(i_, 1)), Lugar(texto_, i_));
         }
@@ -191,6 +201,14 @@ private:
 
     base::Result<void, ErrorSql> Numero() {
         std::size_t fin = i_;
+        // Most numbers are short and whole.
+        std::int32_t corto = 0;
+        while (fin - i_ < kCifrasCortas && EsCifra(En(fin)))
+            corto = corto * 10 + (texto_[fin++] - '0');
+        if (!EsCifra(En(fin)) && En(fin) != '.' && En(fin) != 'e' && En(fin) != 'E' && fin > i_) {
+            return Poner(i_, fin, Exacto({corto, 0}, false));
+        }
+        fin = i_;
         bool punto = false;
         bool exponente = false;
         while (EsCifra(En(fin)) || (En(fin) == '.' && !punto))
@@ -259,16 +277,12 @@ private:
         lexico_.tokens.back().literal = static_cast<int>(lexico_.literales.size());
         std::string& forma = lexico_.forma;
         forma.append(texto_.substr(copiado_, desde - copiado_));
-        forma.push_back('\1');
-        const auto cifra = [&forma](int n) {
-            std::array<char, 12> texto{};
-            const auto fin = std::to_chars(texto.data(), texto.data() + texto.size(), n).ptr;
-            forma.append(texto.data(), fin);
-            forma.push_back(',');
-        };
-        cifra(static_cast<int>(literal.tipo.clase));
-        cifra(literal.tipo.escala);
-        if (literal.tipo.longitud < 0 || literal.tipo.EsAncho()) forma.push_back('+');
+        // Class and scale as one character each, out of the way of those that texts have.
+        const bool ancho = literal.tipo.longitud < 0 || literal.tipo.EsAncho();
+        const std::array<char, 4> marca = {
+            '\1', static_cast<char>('A' + static_cast<int>(literal.tipo.clase)),
+            static_cast<char>('0' + literal.tipo.escala), ancho ? '+' : '-'};
+        forma.append(marca.data(), marca.size());
         copiado_ = hasta;
         lexico_.literales.push_back(std::move(literal));
         i_ = hasta;
@@ -276,7 +290,7 @@ private:
     }
 
     std::string_view texto_;
-    Lexico lexico_;
+    Lexico& lexico_;
     std::size_t i_ = 0;
     std::size_t copiado_ = 0;
 };
@@ -450,7 +464,15 @@ constexpr auto kReservadas = std::to_array<std::string_view>({"ADD",
 
 }  // namespace
 
-Resultado<Lexico> Analizar(std::string_view texto) { return Cortador(texto).Cortar(); }
+base::Result<void, ErrorSql> AnalizarEn(std::string_view texto, Lexico& lexico) {
+    return Cortador(texto, lexico).Cortar();
+}
+
+Resultado<Lexico> Analizar(std::string_view texto) {
+    Lexico lexico;
+    QUIMO_TRY_VOID(AnalizarEn(texto, lexico));
+    return lexico;
+}
 
 bool EsReservada(std::string_view palabra) {
     constexpr std::size_t kLargoMaximo = 20;

@@ -49,6 +49,8 @@ struct Lexico {
 constexpr std::size_t kTextoMaximo = 16U << 20U;
 
 Resultado<Lexico> Analizar(std::string_view texto);
+/// The same into a Lexico of before, whose memory is used again.
+base::Result<void, ErrorSql> AnalizarEn(std::string_view texto, Lexico& lexico);
 
 /// Whether the word is one of the dialect's reserved words.
 bool EsReservada(std::string_view palabra);

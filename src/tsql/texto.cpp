@@ -156,8 +156,13 @@ std::string AUtf8(std::u32string_view caracteres) {
 
 int ContarCaracteres(std::string_view texto) {
     int cuenta = 0;
-    for (std::size_t i = 0; i < texto.size(); ++cuenta)
-        SiguienteCaracter(texto, i);
+    for (std::size_t i = 0; i < texto.size(); ++cuenta) {
+        if (static_cast<unsigned char>(texto[i]) < 0x80) {
+            ++i;
+        } else {
+            SiguienteCaracter(texto, i);
+        }
+    }
     return cuenta;
 }
 

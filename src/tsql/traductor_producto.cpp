@@ -46,6 +46,35 @@ ExprPtr ComoTipo(const ExprPtr& expr, const Tipo& tipo) {
     return std::make_shared<const Expr>(std::move(conversion));
 }
 
+ExprPtr Ademas(const ExprPtr& condicion, const ExprPtr& otra) {
+    return condicion ? Nodo(ClaseExpr::Binaria, "AND", {condicion, otra}) : otra;
+}
+
+/// (SELECT TOP 1 1 AS uno FROM ... WHERE ...) AS alias: a row, or none.
+FuentePtr AlgunaFila(const Seleccion& seleccion, std::string alias) {
+    Consulta consulta;
+    consulta.simple.emplace();
+    consulta.simple->tope = Entero(1);
+    consulta.simple->items.push_back({Entero(1), "uno", {}});
+    consulta.simple->fuentes = seleccion.fuentes;
+    consulta.simple->donde = seleccion.donde;
+    Fuente fuente;
+    fuente.clase = Fuente::Clase::Derivada;
+    fuente.alias = std::move(alias);
+    fuente.consulta = std::make_shared<const Consulta>(std::move(consulta));
+    return std::make_shared<const Fuente>(std::move(fuente));
+}
+
+FuentePtr Delante(const FuentePtr& primera, const FuentePtr& segunda) {
+    if (!primera) return segunda;
+    Fuente join;
+    join.clase = Fuente::Clase::Join;
+    join.join = TipoJoin::Delante;
+    join.izquierda = primera;
+    join.derecha = segunda;
+    return std::make_shared<const Fuente>(std::move(join));
+}
+
 void Partir(const ExprPtr& condicion, std::vector<ExprPtr>& partes) {
     if (!condicion) return;
     if (condicion->clase != ClaseExpr::Binaria || condicion->texto != "AND") {
@@ -135,11 +164,8 @@ public:
             if (!expr) return std::nullopt;
             nueva.simple->items.push_back({expr, item.alias, item.variable});
         }
+        Filtrar();
         for (Parte& parte : partes_) {
-            for (const ExprPtr& condicion : parte.condiciones) {
-                ExprPtr& donde = parte.seleccion.donde;
-                donde = donde ? Nodo(ClaseExpr::Binaria, "AND", {donde, condicion}) : condicion;
-            }
             Consulta dentro;
             dentro.simple = std::move(parte.seleccion);
             Fuente fuente;
@@ -152,6 +178,27 @@ public:
     }
 
 private:
+    /// Gives each part its conditions, and asks first whether the others have a row at all: of an
+    /// empty product no part needs to be gone through.
+    void Filtrar() {
+        std::vector<FuentePtr> hay;
+        for (Parte& parte : partes_) {
+            for (const ExprPtr& condicion : parte.condiciones)
+                parte.seleccion.donde = Ademas(parte.seleccion.donde, condicion);
+            hay.push_back(parte.condiciones.empty()
+                              ? nullptr
+                              : AlgunaFila(parte.seleccion, "hay " + parte.nombre));
+        }
+        for (std::size_t i = 0; i < partes_.size(); ++i) {
+            FuentePtr antes;
+            for (std::size_t otra = 0; otra < hay.size(); ++otra) {
+                if (otra != i && hay[otra]) antes = Delante(antes, hay[otra]);
+            }
+            FuentePtr& primera = partes_[i].seleccion.fuentes[0];
+            primera = Delante(antes, primera);
+        }
+    }
+
     /// The table that a column is of; -1 when it is of none of these.
     int TablaDe(const Expr& columna) const {
         const auto hallada = traductor_.BuscarColumna(columna, ambito_);

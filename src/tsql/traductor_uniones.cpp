@@ -98,6 +98,8 @@ Resultado<std::string> Traductor::JoinSql(const Fuente& fuente, Ambito& ambito) 
     std::string verbo = " JOIN ";
     if (fuente.join == TipoJoin::Izquierda) verbo = " LEFT JOIN ";
     if (fuente.join == TipoJoin::Completa) verbo = " FULL JOIN ";
+    // The engine puts the two sides of any other join in the order that it thinks best.
+    if (fuente.join == TipoJoin::Delante) verbo = " CROSS JOIN ";
     return izquierda + verbo + derecha + condicion;
 }
 

@@ -183,6 +183,12 @@ def said(run, what):
     return wrong
 
 
+def blames(run, calm, point):
+    """Whether a terminal is said to be out of reach for what the server's own disk did."""
+    return (point.mode == "una" and point.error == errno.EIO and calm.call(point)[1].startswith("/dir/")
+            and "comunicación" in run.stdout + run.stderr)
+
+
 def not_served(run):
     """The terminals that a run says went without their new database."""
     return {name for name in TERMINALS if re.search(rf"^{name} |terminal {name} no se cerro", run.stderr, re.MULTILINE)}
@@ -212,6 +218,8 @@ def check(make, calm, inyector, point):
             wrong = half_done(r, calm) + go_on(r, calm)
         else:
             wrong = said(run, "the disturbed close") + half_done(r, calm)
+            if blames(run, calm, point):
+                wrong.append("a failure of the server's own disk is told as one of a terminal's communication")
             if run.returncode == 0:
                 wrong += whole(r, calm, rests=calm.call(point)[0] == "borrar")
             elif run.returncode == 4:

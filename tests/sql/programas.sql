@@ -167,6 +167,34 @@ COMMIT
 ROLLBACK TRAN
 ! 3903 The ROLLBACK TRANSACTION request has no corresponding BEGIN TRANSACTION.
 
+-- What was defined after a savepoint goes with it, and so do the savepoints inside.
+BEGIN TRAN SAVE TRAN uno CREATE TABLE Primera (a INT) SAVE TRAN dos CREATE TABLE Segunda (a INT) INSERT INTO Segunda VALUES (1) ROLLBACK TRAN dos SELECT COUNT(*) FROM Primera
+# 1
+> 0
+
+SELECT * FROM Segunda
+! 208 Segunda
+
+SAVE TRAN tres CREATE TABLE Segunda (b INT) INSERT INTO Segunda (b) VALUES (7) SELECT b FROM Segunda
+# 1
+> 7
+
+ROLLBACK TRAN uno SELECT * FROM Primera
+! 208 Primera
+
+SELECT * FROM Segunda
+! 208 Segunda
+
+ROLLBACK TRAN tres
+! 6401 Cannot roll back tres.
+
+CREATE TABLE Primera (c INT) INSERT INTO Primera (c) VALUES (3) ROLLBACK TRAN uno ROLLBACK TRAN uno SELECT @@TRANCOUNT
+# 1
+> 1
+
+ROLLBACK SELECT COUNT(*) FROM Cuenta
+> 2
+
 BEGIN TRAN ROLLBACK TRAN otra SELECT @@TRANCOUNT ROLLBACK
 > 1
 ! 6401 Cannot roll back otra.

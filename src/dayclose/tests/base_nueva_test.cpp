@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include "dayclose/folios.h"
 #include "restaurante_prueba.h"
 
 using namespace Qt::StringLiterals;

@@ -367,8 +367,7 @@ TEST(CierreExacto, LaClaveRepetidaEnUnArchivoPierdeUnRenglon) {
                      {u"Num_Cuenta"_s, 1},
                      {u"Monto_Pago"_s, *base::Dinero::DeTexto(monto)}});
     }
-    const auto hallazgos = BuscarColisiones(
-        {{u"CAJA1"_s, 1}}, [&](const QString&) { return archivo; }, u"14112026"_s);
+    const auto hallazgos = BuscarColisiones({{u"CAJA1"_s, 1, archivo}}, u"14112026"_s);
     ASSERT_TRUE(hallazgos) << hallazgos.error().descripcion.toStdString();
     ASSERT_EQ(hallazgos->size(), 1);
     EXPECT_TRUE(hallazgos->first().se_pierde);

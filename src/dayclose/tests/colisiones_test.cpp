@@ -63,9 +63,10 @@ protected:
 
     /// "terminal: text" of each finding.
     QStringList Hallazgos() {
-        const auto hallados = BuscarColisiones(
-            {{u"BARRA"_s, 3}, {u"CAJA1"_s, 1}, {u"CAJA2"_s, 2}},
-            [&](const QString& nombre) { return Ruta(nombre); }, u"14112026"_s);
+        const auto hallados = BuscarColisiones({{u"BARRA"_s, 3, Ruta(u"BARRA"_s)},
+                                                {u"CAJA1"_s, 1, Ruta(u"CAJA1"_s)},
+                                                {u"CAJA2"_s, 2, Ruta(u"CAJA2"_s)}},
+                                               u"14112026"_s);
         if (!hallados) return {hallados.error().descripcion};
         QStringList textos;
         for (const HallazgoPrevio& hallado : *hallados)

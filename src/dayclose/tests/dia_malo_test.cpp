@@ -34,6 +34,14 @@ void FallarAlEnviar(Restaurante& restaurante, int numero) {
     restaurante.opciones.pendiente = Pendiente::Continuar;
 }
 
+/// Writes over a piece of a file that holds no row.
+void Danar(const QString& archivo) {
+    QByteArray danado = Bytes(archivo);
+    for (int i = 0; i < 3000; ++i)
+        danado[200000 + i] = static_cast<char>(i * 37);
+    PonerBytes(archivo, danado);
+}
+
 TEST(DiaMalo, UnSoloCierreALaVez) {
     Restaurante restaurante;
     QDir().rename(restaurante.Raiz() + u"/red/CAJA2"_s, restaurante.Raiz() + u"/CAJA2"_s);
@@ -302,10 +310,8 @@ TEST(DiaMalo, UnArchivoDanadoQueSeLeeEnteroSePuedeUsar) {
     for (const Respuesta respuesta : {Respuesta::Si, Respuesta::No}) {
         Restaurante restaurante;
         const QString caja = restaurante.Terminal(u"CAJA2"_s);
-        QByteArray danado = Bytes(caja);
-        for (int i = 0; i < 3000; ++i)
-            danado[200000 + i] = static_cast<char>(i * 37);
-        PonerBytes(caja, danado);
+        Danar(caja);
+        const QByteArray danado = Bytes(caja);
         restaurante.dialogos.ResponderSi({u"CAJA2"_s, u"Se leyeron completos 1959 renglones"_s},
                                          respuesta);
         if (respuesta == Respuesta::No) {
@@ -319,6 +325,35 @@ TEST(DiaMalo, UnArchivoDanadoQueSeLeeEnteroSePuedeUsar) {
         if (respuesta == Respuesta::No) continue;
         EsperarDiaCerrado(restaurante);
         EXPECT_EQ(restaurante.Archivados(u"CAJA2"_s).size(), 2);
+    }
+}
+
+// What lies at the terminal is still the damaged file: neither a new sale nor a second question.
+TEST(DiaMalo, ElCierreQueUsoUnaCopiaReparadaContinuaConElla) {
+    for (const QString& falla_en :
+         {u"INSERT INTO Comanda"_s, u"INSERT INTO Pago"_s, u"UPDATE Parametros SET Valor_Num"_s}) {
+        SCOPED_TRACE(falla_en.toStdString());
+        Restaurante restaurante;
+        Danar(restaurante.Terminal(u"CAJA2"_s));
+        restaurante.dialogos.ResponderSi({u"CAJA2"_s, u"Se leyeron completos 1959 renglones"_s},
+                                         Respuesta::Si);
+        restaurante.cinta = std::make_shared<quimo::pruebas::Cinta>();
+        restaurante.cinta->falla =
+            [&](const QString& sentencia) -> std::optional<foundation::FalloSql> {
+            if (!sentencia.startsWith(falla_en)) return std::nullopt;
+            return quimo::pruebas::ConexionRota();
+        };
+        restaurante.Reconectar();
+        ASSERT_EQ(restaurante.Cerrar(), Desenlace::ConError);
+        restaurante.cinta->falla = {};
+        restaurante.Reconectar();
+        restaurante.dialogos.Olvidar();
+        restaurante.opciones.pendiente = Pendiente::Continuar;
+        ASSERT_EQ(restaurante.Cerrar(), Desenlace::Terminado);
+        EXPECT_EQ(restaurante.dialogos.Mostrados(), QStringList{kTerminado});
+        EXPECT_EQ(restaurante.Archivados(u"CAJA2"_s).size(), 2);
+        EXPECT_FALSE(restaurante.Resumen().avisos.join(u'\n').contains(u"siguió vendiendo"_s));
+        EsperarDiaCerrado(restaurante);
     }
 }
 

@@ -24,6 +24,20 @@ namespace {
 
 using pruebas::Sha256De;
 
+TEST(FalloArchivo, UnDiscoPropioQueFallaNoEsUnaTerminalSinComunicacion) {
+    for (const int error : {EIO, ENXIO, ENODEV}) {
+        EXPECT_TRUE(FalloEnDisco(Disco::Terminal, error, u"x"_s).EsDeComunicacion());
+        const FalloArchivo propio = FalloEnDisco(Disco::Propio, error, u"x"_s);
+        EXPECT_EQ(propio.numero, FalloArchivo::kErrorDispositivo);
+        EXPECT_TRUE(propio.propio);
+    }
+    for (const int error : {ENOENT, EACCES, ENOSPC, EBUSY, ETIMEDOUT}) {
+        const FalloArchivo propio = FalloEnDisco(Disco::Propio, error, u"x"_s);
+        EXPECT_EQ(propio.numero, FalloDeErrno(error, u"x"_s).numero);
+        EXPECT_FALSE(propio.propio);
+    }
+}
+
 TEST(FechaTrabajo, SigueLaTablaAlPieDeLaLetra) {
     const std::pair<const char16_t*, const char16_t*> casos[] = {
         {u"14112026", u"15112026"}, {u"27022025", u"28022025"}, {u"28022025", u"29022025"},

@@ -143,6 +143,9 @@ Restaurante::Restaurante() : share(carpeta_.filePath(u"red"_s)) {
     opciones.pausa_ms = 0;
     opciones.quien = u"gerente en SERVIDOR"_s;
     Reconectar();
+    // Which the recorded day left empty.
+    Mandar(
+        u"INSERT INTO Control_Paquetes (ID_ProductosXCuenta,ID_Seccion_Paquete,ID_Producto,Cantidad) VALUES (11,1,101,2)"_s);
 }
 
 QString Restaurante::Terminal(const QString& nombre) const {

@@ -138,7 +138,7 @@ Flujo Interprete::Lista(const std::vector<tsql::SentenciaPtr>& sentencias, Marco
 /// Runs one statement. One that fails has undone itself; some failures end the whole text.
 Flujo Interprete::Una(const tsql::Sentencia& sentencia, Marco& marco) {
     const bool compuesta = std::holds_alternative<tsql::Bloque>(sentencia.que);
-    sesion_.FijarHora();
+    sesion_.SoltarHora();
     const std::uint64_t transaccion = sesion_.TransaccionActual();
     auto flujo = Hacer(sentencia, marco);
     sesion_.Conciliar();

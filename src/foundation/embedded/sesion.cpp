@@ -173,27 +173,29 @@ void Sesion::Recordar(const std::string& clave, const std::shared_ptr<LoteListo>
 Resultado<std::shared_ptr<LoteListo>> Sesion::Leer(const std::string& texto,
                                                    const std::vector<tsql::Tipo>& tipos) {
     if (auto listo = LeidoAsi(texto, tipos)) return listo;
-    QUIMO_TRY(tsql::Lexico lexico, tsql::Analizar(texto));
-    std::string clave = lexico.forma;
+    QUIMO_TRY_VOID(tsql::AnalizarEn(texto, lexico_));
+    std::string& clave = lexico_.forma;
     for (const tsql::Tipo& tipo : tipos)
         clave += '\2' + std::to_string(tsql::Empaquetar(tipo));
     const auto [desde, hasta] = por_forma_.equal_range(clave);
     for (auto i = desde; i != hasta; ++i) {
         const auto recordado = i->second;
-        if (!Sirve(*recordado->lote, lexico.literales)) continue;
+        if (!Sirve(*recordado->lote, lexico_.literales)) continue;
         recordados_.splice(recordados_.begin(), recordados_, recordado);
-        recordado->lote->lote.literales = std::move(lexico.literales);
-        recordado->lote->lote.texto = texto;
         recordado->lote->en_uso = true;
-        RecordarTexto(recordado->lote);
+        // Only what comes a second time: the rows of a close are as many texts, each met once.
+        if (recordado->lote->lote.texto == texto) RecordarTexto(recordado->lote);
+        recordado->lote->lote.literales.swap(lexico_.literales);
+        recordado->lote->lote.texto = texto;
         return recordado->lote;
     }
     auto listo = std::make_shared<LoteListo>();
-    QUIMO_TRY(listo->lote, tsql::LeerLote(texto, std::move(lexico), tsql::Constantes::PorPosicion));
+    const std::string nueva = clave;
+    QUIMO_TRY(listo->lote,
+              tsql::LeerLote(texto, std::move(lexico_), tsql::Constantes::PorPosicion));
     listo->tipos_parametros = tipos;
     listo->en_uso = true;
-    Recordar(clave, listo);
-    RecordarTexto(listo);
+    Recordar(nueva, listo);
     return listo;
 }
 
@@ -246,7 +248,10 @@ Valor Sesion::Global(const std::string& nombre) const {
     if (nombre == "@@IDENTITY" || nombre == "SCOPE_IDENTITY") {
         return estado_.identidad ? Valor::De(*estado_.identidad) : Valor{};
     }
-    if (nombre == "GETDATE" || nombre == "SYSDATETIME") return Valor::De(hora_);
+    if (nombre == "GETDATE" || nombre == "SYSDATETIME") {
+        if (!hora_) hora_ = Ahora();
+        return Valor::De(*hora_);
+    }
     if (nombre == "RAND") {
         std::random_device azar;
         return Valor::DeReal(static_cast<double>(azar()) / 4294967296.0);

@@ -89,8 +89,8 @@ public:
     /// Value of @@ROWCOUNT, GETDATE and the other slots that the session fills.
     Valor Global(const std::string& nombre) const;
     std::int64_t Ahora() const;
-    /// Fixes the time that GETDATE tells while one statement runs.
-    void FijarHora() { hora_ = Ahora(); }
+    /// GETDATE tells one time while one statement runs: a new one from here on.
+    void SoltarHora() { hora_.reset(); }
 
 private:
     struct Punto {
@@ -120,7 +120,8 @@ private:
     CatalogoEmbebido::Foto foto_;
     std::vector<Punto> puntos_;
     std::uint64_t numero_transaccion_ = 0;
-    std::int64_t hora_ = 0;
+    mutable std::optional<std::int64_t> hora_;  ///< read when a statement first asks
+    tsql::Lexico lexico_;                       ///< of the text at hand; kept for its memory
     std::list<Recordado> recordados_;
     std::unordered_multimap<std::string, std::list<Recordado>::iterator> por_forma_;
     std::unordered_map<std::string, std::weak_ptr<LoteListo>> por_texto_;

@@ -141,6 +141,17 @@ TEST_F(BitacoraDeTransaccionTest, LoQueVieneDespuesDeDeshacerSeEscribeEnseguida)
     EXPECT_EQ(Filas(), u"2"_s);
 }
 
+TEST_F(BitacoraDeTransaccionTest, VariosCambiosQueAcabanConLaTransaccionNoDejanNada) {
+    Mandar(u"SET XACT_ABORT ON"_s);
+    ado_.Inicia_Transaccion();
+    ASSERT_TRUE(Poner(9));
+    const Cambio uno{Cambio::Clase::Insertar, u"T"_s, u"a"_s, u"1"_s};
+    EXPECT_EQ(ado_.CambiarVarios({uno, uno, uno}), 1);
+    EXPECT_FALSE(ado_.Conexion().EnTransaccion());
+    EXPECT_EQ(Bitacora(), QString());
+    EXPECT_EQ(Filas(), QString());
+}
+
 TEST_F(BitacoraDeTransaccionTest, LosFallosQuedanAunqueSeDeshaga) {
     ado_.CpsMen_LLave_Repetida = u"Ya existe"_s;
     ado_.Inicia_Transaccion();

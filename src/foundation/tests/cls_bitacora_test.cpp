@@ -44,14 +44,31 @@ TEST_F(BitacoraTest, UnaEntradaEsUnaLineaYNoBorraLasAnteriores) {
     {
         ClsBitacora primera(Opciones(), dialogos_, reloj_);
         primera.PonerUsuarioApp(u"Ñoño"_s);
-        primera.Escribir({u"Valor insertado en "_s, u"Productos"_s, u"dos\nlíneas"_s, 48});
+        primera.Escribir(
+            {u"Valor insertado en "_s, u"Productos"_s, u"dos\nlíneas\r\ny\tmás"_s, 48});
     }
     const ClsBitacora segunda(Opciones(), dialogos_, reloj_);
     const QString inicio = u"05-03-26 07:08:09\tQUIMO\tV1.2.3\tmaria\t"_s;
-    EXPECT_EQ(Contenido(), inicio + u"Desconocido\tIniciando\t...Log Iniciado...\t\n"_s + inicio +
-                               u"Ñoño\tValor insertado en \tProductos\tdos líneas\t48\t\n"_s +
-                               inicio + u"Desconocido\tIniciando\t...Log Iniciado...\t\n"_s);
+    EXPECT_EQ(Contenido(),
+              inicio + u"Desconocido\tIniciando\t...Log Iniciado...\t\n"_s + inicio +
+                  u"Ñoño\tValor insertado en \tProductos\tdos líneas  y más\t48\t\n"_s + inicio +
+                  u"Desconocido\tIniciando\t...Log Iniciado...\t\n"_s);
     EXPECT_TRUE(dialogos_.Mostrados().isEmpty());
+}
+
+TEST_F(BitacoraTest, CadaLineaLlevaSuSegundo) {
+    ClsBitacora bitacora(Opciones(), dialogos_, reloj_);
+    QStringList horas;
+    for (const QTime hora : {QTime(7, 8, 9, 999), QTime(7, 8, 10), QTime(7, 8, 9)}) {
+        reloj_.Poner(QDateTime(QDate(2026, 3, 5), hora, Qt::UTC));
+        const QStringView textos[] = {u"uno", u"dos"};
+        QByteArray linea;
+        bitacora.AgregarLinea(linea, textos);
+        EXPECT_EQ(linea, bitacora.Linea({u"uno"_s, u"dos"_s}));
+        horas << QString::fromUtf8(linea).section(u'\t', 0, 0);
+    }
+    EXPECT_EQ(horas, (QStringList{u"05-03-26 07:08:09"_s, u"05-03-26 07:08:10"_s,
+                                  u"05-03-26 07:08:09"_s}));
 }
 
 TEST_F(BitacoraTest, UnArchivoQueNoSePuedeEscribirSeAvisaUnaVez) {
