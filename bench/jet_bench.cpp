@@ -1,4 +1,5 @@
-// Reading and writing .mdb files: a table of 20 MB against mdbtools, and a terminal's database.
+// Reading and writing .mdb files: a table of 20 MB against mdbtools, a terminal's database, a file
+// with thousands of tables.
 
 #include <cstdio>
 #include <cstdlib>
@@ -10,6 +11,7 @@
 #include <benchmark/benchmark.h>
 
 #include "jet/base_datos.h"
+#include "jet/fuzz/exigir.h"
 #include "jet/texto.h"
 #include "jet/verificador.h"
 #include "jet/volcado.h"
@@ -19,21 +21,7 @@ namespace {
 
 constexpr std::uintmax_t kTamano = 20U << 20;
 constexpr int kProductos = 5000;
-
-/// The value, or the program's end: nothing can be measured without it.
-template <typename T>
-T Exigir(Result<T> resultado) {
-    if (!resultado) {
-        std::cerr << resultado.error().mensaje << "\n";
-        std::exit(1);
-    }
-    return std::move(resultado).value();
-}
-void Exigir(const Result<void>& resultado) {
-    if (resultado) return;
-    std::cerr << resultado.error().mensaje << "\n";
-    std::exit(1);
-}
+constexpr int kTablas = 3200;
 
 std::string Carpeta() {
     static const std::string kCarpeta = [] {
@@ -182,6 +170,39 @@ void TerminalNuevo(benchmark::State& estado) {
     if (!Exigir(Verificador::Verificar(hecha)).empty()) estado.SkipWithError("no verifica");
 }
 
+/// A file with very many tables, as generated ones are. Made once.
+const std::string& ArchivoDeMuchasTablas() {
+    static const std::string kRuta = [] {
+        const std::string ruta = Carpeta() + "/muchas.mdb";
+        std::filesystem::remove(ruta);
+        BaseDatos base = Exigir(BaseDatos::Crear(ruta));
+        for (int i = 0; i < kTablas; ++i) {
+            Exigir(base.CrearTabla({.nombre = "Tabla" + std::to_string(i),
+                                    .columnas = {{.nombre = "Id", .tipo = TipoColumna::Largo}},
+                                    .indices = {}}));
+        }
+        Exigir(base.Guardar());
+        return ruta;
+    }();
+    return kRuta;
+}
+
+void AbrirTodasLasTablas(benchmark::State& estado) {
+    const std::string& ruta = ArchivoDeMuchasTablas();
+    for ([[maybe_unused]] const auto vuelta : estado) {
+        const BaseDatos base = Exigir(BaseDatos::Abrir(ruta));
+        for (const std::string& nombre : Exigir(base.Tablas()))
+            Exigir(base.AbrirTabla(nombre));
+    }
+}
+
+void VerificarTodasLasTablas(benchmark::State& estado) {
+    const BaseDatos base = Exigir(BaseDatos::Abrir(ArchivoDeMuchasTablas()));
+    for ([[maybe_unused]] const auto vuelta : estado) {
+        if (!Exigir(Verificador::Verificar(base)).empty()) estado.SkipWithError("no verifica");
+    }
+}
+
 }  // namespace
 
 BENCHMARK(Recorrer)->Unit(benchmark::kMillisecond);
@@ -189,6 +210,8 @@ BENCHMARK_CAPTURE(Volcar, json, VolcarTabla)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(Volcar, csv, VolcarCsv)->Unit(benchmark::kMillisecond);
 BENCHMARK(MdbExport)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(TerminalNuevo)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(AbrirTodasLasTablas)->Unit(benchmark::kMillisecond);
+BENCHMARK(VerificarTodasLasTablas)->Unit(benchmark::kMillisecond);
 
 }  // namespace quimo::jet
 

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "jet/base_datos.h"
+#include "jet/fuzz/exigir.h"
 
 namespace quimo::jet {
 namespace {
@@ -18,21 +19,6 @@ namespace {
 constexpr int kArticulosPorOrden = 3;
 constexpr int kOrdenesPorTerminal = 100'000;
 constexpr int kPrimeraOrden = 2'000'000;
-
-/// The value, or the program's end: nothing can be measured without it.
-template <typename T>
-T Exigir(Result<T> resultado) {
-    if (!resultado) {
-        std::cerr << resultado.error().mensaje << "\n";
-        std::exit(1);
-    }
-    return std::move(resultado).value();
-}
-void Exigir(const Result<void>& resultado) {
-    if (resultado) return;
-    std::cerr << resultado.error().mensaje << "\n";
-    std::exit(1);
-}
 
 Valor Pesos(int pesos, int centavos) {
     return base::Dinero::DeDiezmilesimas(10'000L * pesos + 100L * centavos);

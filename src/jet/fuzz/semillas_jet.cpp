@@ -9,24 +9,10 @@
 #include <vector>
 
 #include "jet/base_datos.h"
+#include "jet/fuzz/exigir.h"
 
 namespace quimo::jet {
 namespace {
-
-/// The value, or the program's end: without seeds there is nothing to fuzz.
-template <typename T>
-T Exigir(Result<T> resultado) {
-    if (!resultado) {
-        std::cerr << resultado.error().mensaje << "\n";
-        std::exit(1);
-    }
-    return std::move(resultado).value();
-}
-void Exigir(const Result<void>& resultado) {
-    if (resultado) return;
-    std::cerr << resultado.error().mensaje << "\n";
-    std::exit(1);
-}
 
 DefColumna Columna(const char* nombre, TipoColumna tipo, int largo = 0) {
     return {.nombre = nombre, .tipo = tipo, .largo = largo, .comprimido = largo == 0 || largo > 50};
