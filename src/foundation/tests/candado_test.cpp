@@ -92,6 +92,17 @@ TEST_P(CandadoDeCadaClaseTest, UnoALaVezYSeDiceQuien) {
     EXPECT_TRUE(Tomar(*otra, u"juan"_s).has_value());
 }
 
+TEST_P(CandadoDeCadaClaseTest, UnNombreMuyLargoSeCorta) {
+    const auto una = Abrir();
+    const auto otra = Abrir();
+    const QString quien = QString(199, u'ñ') + u"fin de la cola"_s;
+    ASSERT_TRUE(Tomar(*una, quien).has_value());
+    const auto suyo = Tomar(*una, quien);
+    ASSERT_TRUE(suyo.has_value());
+    EXPECT_FALSE(Tomar(*otra, u"juan"_s, 1).has_value());
+    EXPECT_EQ(dueno_.quien, quien.left(200));
+}
+
 INSTANTIATE_TEST_SUITE_P(ConYSinCerrojos, CandadoDeCadaClaseTest, testing::Bool());
 
 TEST_F(CandadoTest, ElArriendoQueNadieRenuevaVenceYNoSeRecupera) {
