@@ -97,26 +97,37 @@ bool ClsAdo::EjecutarCambio(const QString& sentencia) {
 
 void ClsAdo::Registrar(std::initializer_list<QStringView> partes) {
     if (Conectado() && conexion_->EnTransaccion()) {
-        CClsBitacora.AgregarLinea(por_confirmar_, partes);
+        ClsBitacora::AgregarLinea(por_confirmar_, CClsBitacora.Principio(), partes);
         return;
     }
     QByteArray linea;
-    CClsBitacora.AgregarLinea(linea, partes);
+    ClsBitacora::AgregarLinea(linea, CClsBitacora.Principio(), partes);
     CClsBitacora.EscribirLineas(linea);
 }
 
-void ClsAdo::RegistrarCambio(const Cambio& cambio) {
-    if (cambio.clase == Cambio::Clase::Insertar) {
-        Registrar({u"Valor insertado en ", cambio.tabla, u" campos: ", cambio.campos, u" valores: ",
-                   cambio.valores});
-    } else {
-        Registrar({u"Modificacion en ", cambio.tabla, u" Valor: ", cambio.campos});
+void ClsAdo::RegistrarCambios(std::span<const Cambio> cambios) {
+    if (cambios.empty()) return;
+    const bool por_confirmar = Conectado() && conexion_->EnTransaccion();
+    QByteArray escritas;
+    QByteArray& lineas = por_confirmar ? por_confirmar_ : escritas;
+    const QByteArray principio = CClsBitacora.Principio();
+    for (const Cambio& cambio : cambios) {
+        if (cambio.clase == Cambio::Clase::Insertar) {
+            const QStringView partes[] = {u"Valor insertado en ", cambio.tabla,  u" campos: ",
+                                          cambio.campos,          u" valores: ", cambio.valores};
+            ClsBitacora::AgregarLinea(lineas, principio, partes);
+        } else {
+            const QStringView partes[] = {u"Modificacion en ", cambio.tabla, u" Valor: ",
+                                          cambio.campos};
+            ClsBitacora::AgregarLinea(lineas, principio, partes);
+        }
     }
+    if (!por_confirmar) CClsBitacora.EscribirLineas(escritas);
 }
 
 bool ClsAdo::Cambiar(const Cambio& cambio) {
     if (!EjecutarCambio(TextoDe(cambio))) return false;
-    RegistrarCambio(cambio);
+    RegistrarCambios(std::span(&cambio, 1));
     return true;
 }
 
@@ -137,8 +148,7 @@ qsizetype ClsAdo::CambiarVarios(const QVector<Cambio>& cambios) {
     if (respuesta.fallo) Fallar(*std::move(respuesta.fallo));
     // What the failure itself undid was never there.
     const bool deshechos = hechos < cambios.size() && !conexion_->EnTransaccion() && en_transaccion;
-    for (qsizetype i = 0; i < hechos && !deshechos; ++i)
-        RegistrarCambio(cambios[i]);
+    if (!deshechos) RegistrarCambios(std::span(cambios).first(static_cast<std::size_t>(hechos)));
     return hechos;
 }
 

@@ -4,6 +4,7 @@
 #include <initializer_list>
 #include <memory>
 #include <optional>
+#include <span>
 
 #include <QString>
 #include <QStringList>
@@ -142,7 +143,7 @@ private:
     bool Cambiar(const Cambio& cambio);
     void DespacharNativo(const FalloSql& fallo, bool& sin_servidor);
     void Registrar(std::initializer_list<QStringView> partes);
-    void RegistrarCambio(const Cambio& cambio);
+    void RegistrarCambios(std::span<const Cambio> cambios);
     void RegistrarFallo(const QVector<QVariant>& partes) { CClsBitacora.Escribir(partes); }
     void ConflictoDeReferencia(const QString& descripcion);
 

@@ -65,12 +65,13 @@ QByteArray ClsBitacora::Linea(const QVector<QVariant>& partes) const {
         textos << TextoDeValor(parte);
     const QVector<QStringView> vistas(textos.cbegin(), textos.cend());
     QByteArray linea;
-    AgregarLinea(linea, vistas);
+    AgregarLinea(linea, Principio(), vistas);
     return linea;
 }
 
-void ClsBitacora::AgregarLinea(QByteArray& lineas, std::span<const QStringView> partes) const {
-    lineas += Principio();
+void ClsBitacora::AgregarLinea(QByteArray& lineas, const QByteArray& principio,
+                               std::span<const QStringView> partes) {
+    lineas += principio;
     const qsizetype desde = lineas.size();
     QStringEncoder utf8(QStringEncoder::Utf8);
     qsizetype lugar = desde;
@@ -85,7 +86,7 @@ void ClsBitacora::AgregarLinea(QByteArray& lineas, std::span<const QStringView> 
     lineas += '\n';
 }
 
-/// Date, time, program and users. A close writes thousands of lines in a second: made once for it.
+/// A close writes thousands of lines in a second: made once for it.
 const QByteArray& ClsBitacora::Principio() const {
     const QDateTime ahora = reloj_.Ahora();
     const qint64 segundo = ahora.toSecsSinceEpoch();

@@ -49,8 +49,11 @@ public:
     /// The line, with its end, that Escribir would append now: for events of which it is not known
     /// yet whether they will have happened.
     QByteArray Linea(const QVector<QVariant>& partes) const;
-    /// Appends the line of parts that are texts already to others.
-    void AgregarLinea(QByteArray& lineas, std::span<const QStringView> partes) const;
+    /// Appends the line of parts that are texts already to others, behind its `principio`.
+    static void AgregarLinea(QByteArray& lineas, const QByteArray& principio,
+                             std::span<const QStringView> partes);
+    /// What a line of now begins with: date, time, program and users.
+    const QByteArray& Principio() const;
     /// Appends lines that Linea made, in one opening of the file.
     void EscribirLineas(const QByteArray& lineas);
 
@@ -77,7 +80,6 @@ private:
     enum class Traslado { Copiar, Mover };
     bool Trasladar(const QString& origen, const QString& destino, Traslado traslado);
     void Anexar(const QByteArray& lineas);
-    const QByteArray& Principio() const;
 
     Dialogos& dialogos_;
     const Reloj& reloj_;

@@ -4,6 +4,7 @@ namespace quimo::foundation {
 
 RespuestaSql SqlConnection::EjecutarVarias(const QStringList& sentencias) {
     RespuestaSql todas;
+    todas.resultados.reserve(sentencias.size());
     for (const QString& sentencia : sentencias) {
         RespuestaSql una = Ejecutar(sentencia);
         todas.mensajes += una.mensajes;

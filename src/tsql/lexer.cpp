@@ -11,12 +11,21 @@ namespace quimo::tsql {
 
 namespace {
 
-bool EsCifra(char c) { return c >= '0' && c <= '9'; }
-bool EsInicio(char c) {
+constexpr bool EsCifra(char c) { return c >= '0' && c <= '9'; }
+constexpr bool EsInicio(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || c == '#' ||
            static_cast<unsigned char>(c) >= 0x80;
 }
-bool EsDeNombre(char c) { return EsInicio(c) || EsCifra(c) || c == '@' || c == '$'; }
+/// Which of the 256 bytes may stand inside a name. Most of a text is names.
+constexpr std::array<bool, 256> kDeNombre = [] {
+    std::array<bool, 256> tabla{};
+    for (std::size_t i = 0; i < tabla.size(); ++i) {
+        const char c = static_cast<char>(i);
+        tabla[i] = EsInicio(c) || EsCifra(c) || c == '@' || c == '$';
+    }
+    return tabla;
+}();
+bool EsDeNombre(char c) { return kDeNombre[static_cast<unsigned char>(c)]; }
 /// Two signs that are one: <> <= >= != !< !> += -= *= /= %=
 bool EsDoble(char primero, char segundo) {
     if (segundo == '=') return std::string_view("<>!+-*/%").find(primero) != std::string_view::npos;
@@ -36,13 +45,16 @@ constexpr std::size_t kCifrasCortas = 9;
 
 class Cortador {
 public:
-    Cortador(std::string_view texto, Lexico& lexico) : texto_(texto), lexico_(lexico) {
+    enum class Tokens { No, Si };
+
+    Cortador(std::string_view texto, Lexico& lexico, Tokens tokens)
+        : texto_(texto), lexico_(lexico), con_tokens_(tokens == Tokens::Si) {
         lexico_.tokens.clear();
         lexico_.literales.clear();
         lexico_.parametros = 0;
         lexico_.forma.clear();
         lexico_.forma.reserve(texto.size());
-        lexico_.tokens.reserve(texto.size() / 4 + 8);
+        if (con_tokens_) lexico_.tokens.reserve(texto.size() / 4 + 8);
         lexico_.literales.reserve(texto.size() / 16 + 4);
     }
 
@@ -62,6 +74,7 @@ private:
     char En(std::size_t i) const { return i < texto_.size() ? texto_[i] : '\0'; }
 
     void Agregar(Token::Clase clase, std::size_t desde, std::size_t hasta) {
+        if (!con_tokens_) return;
         lexico_.tokens.push_back({clase, texto_.substr(desde, hasta - desde), desde, hasta, -1});
     }
 
@@ -117,7 +130,8 @@ private:
             Palabra(global ? Token::Clase::Global : Token::Clase::Variable, global ? 2 : 1);
         } else if (c == '?') {
             Agregar(Token::Clase::Parametro, i_, i_ + 1);
-            lexico_.tokens.back().literal = lexico_.parametros++;
+            if (con_tokens_) lexico_.tokens.back().literal = lexico_.parametros;
+            ++lexico_.parametros;
             ++i_;
         } else {
             return Signo();
@@ -156,8 +170,10 @@ private:
             ++fin;
         }
         Agregar(Token::Clase::Delimitado, i_ + 1, fin);
-        lexico_.tokens.back().desde = i_;
-        lexico_.tokens.back().hasta = fin + 1;
+        if (con_tokens_) {
+            lexico_.tokens.back().desde = i_;
+            lexico_.tokens.back().hasta = fin + 1;
+        }
         i_ = fin + 1;
         return {};
     }
@@ -274,7 +290,9 @@ private:
 
     base::Result<void, ErrorSql> Poner(std::size_t desde, std::size_t hasta, Literal literal) {
         Agregar(Token::Clase::Literal, desde, hasta);
-        lexico_.tokens.back().literal = static_cast<int>(lexico_.literales.size());
+        if (con_tokens_) {
+            lexico_.tokens.back().literal = static_cast<int>(lexico_.literales.size());
+        }
         std::string& forma = lexico_.forma;
         forma.append(texto_.substr(copiado_, desde - copiado_));
         // Class and scale as one character each, out of the way of those that texts have.
@@ -291,194 +309,21 @@ private:
 
     std::string_view texto_;
     Lexico& lexico_;
+    bool con_tokens_;
     std::size_t i_ = 0;
     std::size_t copiado_ = 0;
 };
 
-constexpr auto kReservadas = std::to_array<std::string_view>({"ADD",
-                                                              "ALL",
-                                                              "ALTER",
-                                                              "AND",
-                                                              "ANY",
-                                                              "AS",
-                                                              "ASC",
-                                                              "AUTHORIZATION",
-                                                              "BACKUP",
-                                                              "BEGIN",
-                                                              "BETWEEN",
-                                                              "BREAK",
-                                                              "BROWSE",
-                                                              "BULK",
-                                                              "BY",
-                                                              "CASCADE",
-                                                              "CASE",
-                                                              "CHECK",
-                                                              "CHECKPOINT",
-                                                              "CLOSE",
-                                                              "CLUSTERED",
-                                                              "COALESCE",
-                                                              "COLLATE",
-                                                              "COLUMN",
-                                                              "COMMIT",
-                                                              "COMPUTE",
-                                                              "CONSTRAINT",
-                                                              "CONTAINS",
-                                                              "CONTINUE",
-                                                              "CONVERT",
-                                                              "CREATE",
-                                                              "CROSS",
-                                                              "CURRENT",
-                                                              "CURRENT_DATE",
-                                                              "CURRENT_TIME",
-                                                              "CURRENT_TIMESTAMP",
-                                                              "CURRENT_USER",
-                                                              "CURSOR",
-                                                              "DATABASE",
-                                                              "DBCC",
-                                                              "DEALLOCATE",
-                                                              "DECLARE",
-                                                              "DEFAULT",
-                                                              "DELETE",
-                                                              "DENY",
-                                                              "DESC",
-                                                              "DISTINCT",
-                                                              "DISTRIBUTED",
-                                                              "DROP",
-                                                              "ELSE",
-                                                              "END",
-                                                              "ERRLVL",
-                                                              "ESCAPE",
-                                                              "EXCEPT",
-                                                              "EXEC",
-                                                              "EXECUTE",
-                                                              "EXISTS",
-                                                              "EXIT",
-                                                              "EXTERNAL",
-                                                              "FETCH",
-                                                              "FILE",
-                                                              "FILLFACTOR",
-                                                              "FOR",
-                                                              "FOREIGN",
-                                                              "FREETEXT",
-                                                              "FROM",
-                                                              "FULL",
-                                                              "FUNCTION",
-                                                              "GOTO",
-                                                              "GRANT",
-                                                              "GROUP",
-                                                              "HAVING",
-                                                              "HOLDLOCK",
-                                                              "IDENTITY",
-                                                              "IDENTITY_INSERT",
-                                                              "IF",
-                                                              "IN",
-                                                              "INDEX",
-                                                              "INNER",
-                                                              "INSERT",
-                                                              "INTERSECT",
-                                                              "INTO",
-                                                              "IS",
-                                                              "JOIN",
-                                                              "KEY",
-                                                              "KILL",
-                                                              "LEFT",
-                                                              "LIKE",
-                                                              "LINENO",
-                                                              "LOAD",
-                                                              "MERGE",
-                                                              "NATIONAL",
-                                                              "NOCHECK",
-                                                              "NONCLUSTERED",
-                                                              "NOT",
-                                                              "NULL",
-                                                              "NULLIF",
-                                                              "OF",
-                                                              "OFF",
-                                                              "OFFSETS",
-                                                              "ON",
-                                                              "OPEN",
-                                                              "OPENQUERY",
-                                                              "OPTION",
-                                                              "OR",
-                                                              "ORDER",
-                                                              "OUTER",
-                                                              "OVER",
-                                                              "PERCENT",
-                                                              "PIVOT",
-                                                              "PLAN",
-                                                              "PRIMARY",
-                                                              "PRINT",
-                                                              "PROC",
-                                                              "PROCEDURE",
-                                                              "PUBLIC",
-                                                              "RAISERROR",
-                                                              "READ",
-                                                              "RECONFIGURE",
-                                                              "REFERENCES",
-                                                              "REPLICATION",
-                                                              "RESTORE",
-                                                              "RESTRICT",
-                                                              "RETURN",
-                                                              "REVERT",
-                                                              "REVOKE",
-                                                              "RIGHT",
-                                                              "ROLLBACK",
-                                                              "ROWCOUNT",
-                                                              "ROWGUIDCOL",
-                                                              "RULE",
-                                                              "SAVE",
-                                                              "SCHEMA",
-                                                              "SELECT",
-                                                              "SESSION_USER",
-                                                              "SET",
-                                                              "SETUSER",
-                                                              "SHUTDOWN",
-                                                              "SOME",
-                                                              "STATISTICS",
-                                                              "SYSTEM_USER",
-                                                              "TABLE",
-                                                              "TABLESAMPLE",
-                                                              "THEN",
-                                                              "TO",
-                                                              "TOP",
-                                                              "TRAN",
-                                                              "TRANSACTION",
-                                                              "TRIGGER",
-                                                              "TRUNCATE",
-                                                              "TSEQUAL",
-                                                              "UNION",
-                                                              "UNIQUE",
-                                                              "UNPIVOT",
-                                                              "UPDATE",
-                                                              "USE",
-                                                              "USER",
-                                                              "VALUES",
-                                                              "VARYING",
-                                                              "VIEW",
-                                                              "WAITFOR",
-                                                              "WHEN",
-                                                              "WHERE",
-                                                              "WHILE",
-                                                              "WITH",
-                                                              "WRITETEXT"});
-
 }  // namespace
 
-base::Result<void, ErrorSql> AnalizarEn(std::string_view texto, Lexico& lexico) {
-    return Cortador(texto, lexico).Cortar();
+base::Result<void, ErrorSql> AnalizarForma(std::string_view texto, Lexico& lexico) {
+    return Cortador(texto, lexico, Cortador::Tokens::No).Cortar();
 }
 
 Resultado<Lexico> Analizar(std::string_view texto) {
     Lexico lexico;
-    QUIMO_TRY_VOID(AnalizarEn(texto, lexico));
+    QUIMO_TRY_VOID(Cortador(texto, lexico, Cortador::Tokens::Si).Cortar());
     return lexico;
-}
-
-bool EsReservada(std::string_view palabra) {
-    constexpr std::size_t kLargoMaximo = 20;
-    if (palabra.size() > kLargoMaximo) return false;
-    const std::string mayusculas = AMayusculas(palabra);
-    return std::binary_search(kReservadas.begin(), kReservadas.end(), mayusculas);
 }
 
 std::string Lugar(std::string_view texto, std::size_t posicion) {

@@ -49,8 +49,9 @@ struct Lexico {
 constexpr std::size_t kTextoMaximo = 16U << 20U;
 
 Resultado<Lexico> Analizar(std::string_view texto);
-/// The same into a Lexico of before, whose memory is used again.
-base::Result<void, ErrorSql> AnalizarEn(std::string_view texto, Lexico& lexico);
+/// Only its form, constants and count of parameters, without tokens, into a Lexico of before whose
+/// memory is used again: what is needed of a text whose form was read already.
+base::Result<void, ErrorSql> AnalizarForma(std::string_view texto, Lexico& lexico);
 
 /// Whether the word is one of the dialect's reserved words.
 bool EsReservada(std::string_view palabra);

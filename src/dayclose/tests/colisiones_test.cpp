@@ -112,6 +112,44 @@ TEST_F(ColisionesTest, LaMismaClaveConOtroContenidoNombraLasDosTerminales) {
          u"Al copiar queda lo de BARRA."_s});
 }
 
+// Every kind of value, apart in as little as it can be.
+TEST_F(ColisionesTest, UnaSolaDiferenciaBasta) {
+    const auto momento = [](int segundo) {
+        return *jet::Fecha::DeCivil({2026, 11, 14, 9, 0, segundo, 0});
+    };
+    const struct {
+        const char* columna;
+        jet::Valor uno;
+        jet::Valor otro;
+    } casos[] = {
+        {"ID_Producto", 101, 102},
+        {"Comentario", std::u16string(u"sin sal"), std::u16string(u"con sal")},
+        {"Preparado", true, false},
+        {"Precio_Venta", Dinero(10000), Dinero(10001)},
+        {"ID_Promocion", 0, std::monostate()},
+        {"Hora_Anulacion", momento(1), momento(2)},
+    };
+    int item = 19500;
+    for (const auto& caso : casos) {
+        ++item;
+        const Cambios cuenta = {{"ID_Comanda", 50901}, {"Num_Cuenta", 1}};
+        for (const bool primera : {true, false}) {
+            Cambios cambios = cuenta;
+            cambios.emplace_back(caso.columna, primera ? caso.uno : caso.otro);
+            Poner(primera ? u"CAJA1"_s : u"CAJA2"_s, "ProductosXCuenta", {item}, cambios);
+        }
+        const QString textos = Hallazgos().join(u'\n');
+        EXPECT_TRUE(textos.contains(u"CAJA1 y CAJA2 tienen"_s) &&
+                    textos.contains(QLatin1StringView(caso.columna)))
+            << caso.columna << ": " << textos.toStdString();
+        for (const QString& nombre : {u"CAJA1"_s, u"CAJA2"_s}) {
+            Copiar(
+                QStringLiteral(QUIMO_TEST_DATA "/terminals/") + nombre + u"/Quimo_Terminal.mdb"_s,
+                nombre);
+        }
+    }
+}
+
 TEST_F(ColisionesTest, LosMismosRenglonesSeCuentan) {
     for (const QString& nombre : {u"CAJA1"_s, u"CAJA2"_s}) {
         const auto abierta = jet::Fecha::DeCivil({2026, 11, 14, 9, 0, 0, 0});

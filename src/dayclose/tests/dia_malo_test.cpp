@@ -345,6 +345,11 @@ TEST(DiaMalo, ElCierreQueUsoUnaCopiaReparadaContinuaConElla) {
         };
         restaurante.Reconectar();
         ASSERT_EQ(restaurante.Cerrar(), Desenlace::ConError);
+        EXPECT_EQ(Bytes(restaurante.EnArchivo(u"CAJA2"_s, 2) + u".sha256"_s).left(64),
+                  restaurante
+                      .Valor(u"SELECT Detalle FROM Cierre_Avance WHERE Nombre_Term='CAJA2' AND "
+                             u"Tabla='*archivo'"_s)
+                      .toLatin1());
         restaurante.cinta->falla = {};
         restaurante.Reconectar();
         restaurante.dialogos.Olvidar();

@@ -358,6 +358,24 @@ TEST_F(TransferenciaTest, LaClaveRepetidaEnElArchivoSeInsertaYSeActualiza) {
               u"3.0000"_s);
 }
 
+// Among the rows of the day that are there already, one that belongs to another day.
+TEST_F(TransferenciaTest, LoDeOtroDiaNoSeActualiza) {
+    const QString archivo = Archivo(u"vendido.mdb"_s, Vendido());
+    ASSERT_TRUE(Copiar(archivo, Opciones()));
+    restaurante_.Mandar(u"UPDATE Comanda SET Fecha_Trabajo='13112026' WHERE ID_Comanda=900002"_s);
+    restaurante_.Mandar(
+        u"UPDATE ProductosXCuenta SET ID_Producto=77 WHERE ID_ProductosXCuenta=9100002"_s);
+    OpcionesCopia opciones = Opciones();
+    opciones.tablas = {u"ProductosXCuenta"_s};
+    const auto copiadas = Copiar(archivo, opciones);
+    ASSERT_FALSE(copiadas);
+    ASSERT_TRUE(copiadas.error().renglon);
+    EXPECT_EQ(copiadas.error().renglon->condicion, u"ID_ProductosXCuenta=9100002"_s);
+    EXPECT_EQ(restaurante_.Valor(
+                  u"SELECT ID_Producto FROM ProductosXCuenta WHERE ID_ProductosXCuenta=9100002"_s),
+              u"77"_s);
+}
+
 TEST_F(TransferenciaTest, LaFilaRechazadaSeConoceYNadaQueda) {
     // An item that is central already, of an order of another day: in the middle of many.
     Filas filas;

@@ -173,7 +173,7 @@ void Sesion::Recordar(const std::string& clave, const std::shared_ptr<LoteListo>
 Resultado<std::shared_ptr<LoteListo>> Sesion::Leer(const std::string& texto,
                                                    const std::vector<tsql::Tipo>& tipos) {
     if (auto listo = LeidoAsi(texto, tipos)) return listo;
-    QUIMO_TRY_VOID(tsql::AnalizarEn(texto, lexico_));
+    QUIMO_TRY_VOID(tsql::AnalizarForma(texto, lexico_));
     std::string& clave = lexico_.forma;
     for (const tsql::Tipo& tipo : tipos)
         clave += '\2' + std::to_string(tsql::Empaquetar(tipo));
@@ -190,12 +190,11 @@ Resultado<std::shared_ptr<LoteListo>> Sesion::Leer(const std::string& texto,
         return recordado->lote;
     }
     auto listo = std::make_shared<LoteListo>();
-    const std::string nueva = clave;
-    QUIMO_TRY(listo->lote,
-              tsql::LeerLote(texto, std::move(lexico_), tsql::Constantes::PorPosicion));
+    QUIMO_TRY(tsql::Lexico lexico, tsql::Analizar(texto));
+    QUIMO_TRY(listo->lote, tsql::LeerLote(texto, std::move(lexico), tsql::Constantes::PorPosicion));
     listo->tipos_parametros = tipos;
     listo->en_uso = true;
-    Recordar(nueva, listo);
+    Recordar(clave, listo);
     return listo;
 }
 

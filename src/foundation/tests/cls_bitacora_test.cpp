@@ -63,7 +63,7 @@ TEST_F(BitacoraTest, CadaLineaLlevaSuSegundo) {
         reloj_.Poner(QDateTime(QDate(2026, 3, 5), hora, Qt::UTC));
         const QStringView textos[] = {u"uno", u"dos"};
         QByteArray linea;
-        bitacora.AgregarLinea(linea, textos);
+        ClsBitacora::AgregarLinea(linea, bitacora.Principio(), textos);
         EXPECT_EQ(linea, bitacora.Linea({u"uno"_s, u"dos"_s}));
         horas << QString::fromUtf8(linea).section(u'\t', 0, 0);
     }

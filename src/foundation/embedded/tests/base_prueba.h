@@ -12,10 +12,14 @@
 
 namespace quimo::foundation {
 
-/// A clock that stands still: 14/11/2026 21:36:08.
+/// A clock that stands still, at first at 14/11/2026 21:36:08.
 class RelojFijo final : public Reloj {
 public:
-    QDateTime Ahora() const override { return {QDate(2026, 11, 14), QTime(21, 36, 8), Qt::UTC}; }
+    QDateTime Ahora() const override { return ahora_; }
+    void Pasar(int segundos) { ahora_ = ahora_.addSecs(segundos); }
+
+private:
+    QDateTime ahora_{QDate(2026, 11, 14), QTime(21, 36, 8), Qt::UTC};
 };
 
 inline QString LeerTexto(const QString& archivo) {
@@ -39,6 +43,7 @@ public:
         if (!abierta) return nullptr;
         return std::move(abierta).value();
     }
+    RelojFijo& ElReloj() { return reloj_; }
     void Reabrir() {
         conexion_.reset();
         conexion_ = Otra();

@@ -87,6 +87,13 @@ TEST_F(ConexionEmbebidaTest, ConstantesDistintasDanRespuestasDistintas) {
     EXPECT_EQ(ATexto(base_.Uno(U("SELECT CONVERT(VARCHAR(06),GETDATE(),112)"))), U("202611"));
 }
 
+TEST_F(ConexionEmbebidaTest, CadaSentenciaDiceSuHora) {
+    const QString hora = U("SELECT CONVERT(VARCHAR(8),GETDATE(),108)");
+    EXPECT_EQ(ATexto(base_.Uno(hora)), U("21:36:08"));
+    base_.ElReloj().Pasar(1);
+    EXPECT_EQ(ATexto(base_.Uno(hora)), U("21:36:09"));
+}
+
 TEST_F(ConexionEmbebidaTest, UnaTablaTemporalConOtrasColumnasSeTraduceDeNuevo) {
     base_.Bien(U("CREATE TABLE #t (a INT)"));
     base_.Bien(U("INSERT INTO #t VALUES (1)"));
