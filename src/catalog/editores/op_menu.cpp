@@ -26,7 +26,7 @@ constexpr EditorDef kOpMenu = {
     .orden = u"mnuOpMenu",
     .titulo = u"Menús",
     .tabla = u"Menu",
-    // The next number of the modifier groups, not of the menus: on purpose.
+    // The next number of the modifier groups, not of the menus: docs/decisions/0003.
     .consulta_clave =
         u"SELECT CASE ISNULL(MAX(ID_Grupo_Modificadores),0) WHEN 0 THEN 1 ELSE "
         u"MAX(ID_Grupo_Modificadores)+1 END AS Clave FROM Grupo_Modificadores",

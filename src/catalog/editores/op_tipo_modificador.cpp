@@ -67,7 +67,7 @@ constexpr EditorDef kOpTipoModificador = {
     .tabla = u"Tipo_Modificador",
     .consulta_clave = u"SELECT MAX(ID_Tipo_Modificador)+1 AS Clave FROM Tipo_Modificador",
     .campos = kCampos,
-    // The text of the payment types, word for word: on purpose.
+    // The text of the payment types, word for word: docs/decisions/0003.
     .repetido = u"Ya existe el nombre del tipo de pago",
     .filtro = {u"Tipo_Modificador WHERE", kFiltro},
 };
