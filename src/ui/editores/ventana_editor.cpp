@@ -152,11 +152,11 @@ void PonerColores(QWidget* control, bool bloqueado, const QPalette& paleta) {
 void VentanaEditor::RefrescarCampo(qsizetype campo) {
     const Control& control = controles_[campo];
     const bool bloqueado = sesion_->Bloqueado(campo);
-    const QString& valor = sesion_->Valor(campo);
+    const QString& valor = sesion_->Campos().Valor(campo);
     PonerColores(control.Principal(), bloqueado, palette());
     if (control.combo != nullptr) {
         control.oculto->setText(valor);
-        control.combo->setCurrentIndex(sesion_->Elegido(campo));
+        control.combo->setCurrentIndex(sesion_->Campos().Elegido(campo));
         control.combo->setEnabled(!bloqueado);
     } else if (control.casilla != nullptr) {
         control.casilla->setChecked(valor == u"1"_s);
@@ -182,7 +182,7 @@ void VentanaEditor::Refrescar() {
 void VentanaEditor::Enfocar() {
     const QString nombre = sesion_->TomarFoco();
     if (nombre.isEmpty()) return;
-    const Control& control = controles_[sesion_->IndiceDe(nombre)];
+    const Control& control = controles_[sesion_->Campos().IndiceDe(nombre)];
     control.Principal()->setFocus();
     if (control.caja == nullptr || !sesion_->EnEdicion()) return;
     // All of it selected, and its beginning in sight.
@@ -201,7 +201,7 @@ bool VentanaEditor::eventFilter(QObject* objeto, QEvent* evento) {
     if (evento->type() == QEvent::FocusOut) {
         const auto razon = static_cast<QFocusEvent*>(evento)->reason();
         if (razon != Qt::PopupFocusReason && razon != Qt::ActiveWindowFocusReason) {
-            const qsizetype campo = sesion_->IndiceDe(objeto->objectName());
+            const qsizetype campo = sesion_->Campos().IndiceDe(objeto->objectName());
             // After the focus has settled: a message in the middle of its way would lose it.
             QMetaObject::invokeMethod(
                 this, [this, campo] { DejarCaja(campo); }, Qt::QueuedConnection);

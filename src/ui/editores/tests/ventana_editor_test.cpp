@@ -129,7 +129,7 @@ void VentanaEditorTest::BuscarMueveElRegistro() {
         dialogo->findChild<QLineEdit*>(u"txtBuscar"_s)->setText(ultima.toUpper());
         dialogo->findChild<QPushButton*>(u"cmdBuscar"_s)->click();
     });
-    QCOMPARE(ventana->Sesion().Valor(1), ultima);
+    QCOMPARE(ventana->Sesion().Campos().Valor(1), ultima);
     QCOMPARE(Hijo<QLineEdit>(ventana, ventana->Sesion().Def().campos[1].control.utf16())->text(),
              ultima);
 }
@@ -189,7 +189,7 @@ void VentanaEditorTest::TodosSeManejanConElTeclado() {
         QVERIFY(!control->accessibleName().isEmpty());
     }
     auto* const panel = principal_->findChild<QLabel*>(u"PanelRegistros"_s);
-    const qsizetype habia = ventana->Sesion().Registros();
+    const qsizetype habia = ventana->Sesion().Conjunto()->RecordCount();
     QCOMPARE(panel->text(), u"Registros: %1"_s.arg(habia));
 
     auto* const nombre = qobject_cast<QLineEdit*>(QApplication::focusWidget());
@@ -266,7 +266,7 @@ void VentanaEditorTest::BuscarConsultarYCambiar(VentanaEditor* ventana, const QS
     Tecla(Qt::Key_F5);
     QCOMPARE(Mostrado(), QString());
     QVERIFY(!ventana->Sesion().EnEdicion());
-    QCOMPARE(ventana->Sesion().Valor(1), u"Ñandú D'Or2"_s);
+    QCOMPARE(ventana->Sesion().Campos().Valor(1), u"Ñandú D'Or2"_s);
 }
 
 void VentanaEditorTest::LosBotonesSiguenAlEstado() {
