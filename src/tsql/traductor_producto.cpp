@@ -393,7 +393,7 @@ std::optional<Consulta> Traductor::ExtremoPorRangos(const Consulta& consulta,
     const Expr& extremo = *item.expr;
     const Expr& como = *seleccion.donde;
     if (!EsAgregado(extremo) || (extremo.texto != "MAX" && extremo.texto != "MIN") ||
-        extremo.hijos[0]->clase != ClaseExpr::Columna ||
+        extremo.hijos.size() != 1 || extremo.hijos[0]->clase != ClaseExpr::Columna ||
         !Igual(*extremo.hijos[0], *como.hijos[0], ambito)) {
         return std::nullopt;
     }
