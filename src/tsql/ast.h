@@ -69,6 +69,12 @@ struct Expr {
     bool EsCondicion() const;
 };
 
+/// SUM, COUNT and the like over the rows of a group.
+bool EsAgregado(const Expr& expr);
+/// The same anywhere in it, but for what stands inside other queries.
+bool TieneAgregado(const Expr& expr);
+bool TieneVentana(const Expr& expr);
+
 /// [[database.]owner.]object
 struct NombreObjeto {
     std::string base;

@@ -35,7 +35,7 @@ ErrorSql Desborde(const Tipo& de, const Tipo& a) {
                                        (de.EsEntero() && !a.EsEntero())
                                    ? Nombre(de)
                                    : "expression";
-    return CrearError(8115, origen, Nombre(a));
+    return Desbordamiento(origen, Nombre(a));
 }
 
 Resultado<Valor> AEntero(Int128 entero, const Tipo& de, const Tipo& a) {
@@ -43,7 +43,7 @@ Resultado<Valor> AEntero(Int128 entero, const Tipo& de, const Tipo& a) {
     const Rango rango = RangoDe(a.clase);
     if (entero >= rango.minimo && entero <= rango.maximo) return Valor::De(entero);
     const bool corto = a.clase == Clase::TinyInt || a.clase == Clase::SmallInt;
-    if (corto && de.EsEntero()) return CrearError(220, Nombre(a), TextoDecimal(entero, 0));
+    if (corto && de.EsEntero()) return ValorFueraDeTipo(Nombre(a), TextoDecimal(entero, 0));
     return Desborde(de, a);
 }
 
@@ -58,17 +58,19 @@ Resultado<Valor> TextoAEntero(const Valor& valor, const Tipo& de, const Tipo& a)
         const bool cifras =
             texto.find_first_not_of("+-0123456789") == std::string_view::npos && texto.size() > 38;
         if (!cifras || a.clase == Clase::Bit)
-            return CrearError(245, Nombre(de), valor.texto, Nombre(a));
-        return CrearError(a.clase == Clase::BigInt ? 8115 : 248, Nombre(de), valor.texto);
+            return ConversionFallida(Nombre(de), valor.texto, Nombre(a));
+        return a.clase == Clase::BigInt ? Desbordamiento(Nombre(de), valor.texto)
+                                        : DesbordamientoDeEntero(Nombre(de), valor.texto);
     }
     const Rango rango = RangoDe(a.clase);
     if (a.clase == Clase::Bit ||
         (numero->digitos >= rango.minimo && numero->digitos <= rango.maximo)) {
         return AEntero(numero->digitos, de, a);
     }
-    if (a.clase == Clase::Int) return CrearError(248, Nombre(de), valor.texto);
-    if (a.clase == Clase::BigInt) return CrearError(8115, "expression", Nombre(a));
-    return CrearError(244, Nombre(de), valor.texto, a.clase == Clase::TinyInt ? "INT1" : "INT2");
+    if (a.clase == Clase::Int) return DesbordamientoDeEntero(Nombre(de), valor.texto);
+    if (a.clase == Clase::BigInt) return Desbordamiento("expression", Nombre(a));
+    return DesbordamientoDeCorto(Nombre(de), valor.texto,
+                                 a.clase == Clase::TinyInt ? "INT1" : "INT2");
 }
 
 Int128 DiasRedondeados(std::int64_t ms) {
@@ -102,8 +104,8 @@ Resultado<base::Decimal> LeerExacto(const Valor& valor, const Tipo& de, const Ti
     if (de.EsTexto()) {
         const auto numero = LeerDecimal(valor.texto, a.EsMoneda());
         if (numero) return *numero;
-        if (a.EsMoneda()) return CrearError(235);
-        return CrearError(8114, Nombre(de), Nombre(a));
+        if (a.EsMoneda()) return MonedaMalEscrita();
+        return ConversionImposible(Nombre(de), Nombre(a));
     }
     if (de.EsReal()) {
         const auto digitos = DeReal(valor.real, a.escala);
@@ -141,7 +143,7 @@ Resultado<Valor> ConvertirAReal(const Valor& valor, const Tipo& de, const Tipo& 
         const bool letras = texto.find_first_of("nNiIxX") != std::string_view::npos;
         if (!texto.empty() &&
             (error != std::errc() || fin != texto.data() + texto.size() || letras)) {
-            return CrearError(8114, Nombre(de), Nombre(a));
+            return ConversionImposible(Nombre(de), Nombre(a));
         }
     } else if (de.EsFecha()) {
         real = static_cast<double>(valor.Entero()) / kMilisegundosDia;
@@ -150,7 +152,7 @@ Resultado<Valor> ConvertirAReal(const Valor& valor, const Tipo& de, const Tipo& 
     }
     if (a.clase == Clase::Real) {
         if (std::abs(real) > static_cast<double>(std::numeric_limits<float>::max())) {
-            return CrearError(232, "real", RealATexto(real, 0));
+            return RealDesbordado("real", RealATexto(real, 0));
         }
         real = static_cast<double>(static_cast<float>(real));
     }
@@ -162,11 +164,11 @@ Resultado<Valor> AjustarFecha(std::int64_t ms, const Tipo& de, const Tipo& a) {
         constexpr std::int64_t kMinuto = 60'000;
         const std::int64_t redondeado = (ms + kMinuto / 2) / kMinuto * kMinuto;
         if (ms < 0 || redondeado >= 65536 * kMilisegundosDia) {
-            return CrearError(242, Nombre(de), Nombre(a));
+            return FechaFueraDeRango(Nombre(de), Nombre(a));
         }
         return Valor::De(redondeado);
     }
-    if (ms < kFechaMinima || ms > kFechaMaxima) return CrearError(8115, "expression", Nombre(a));
+    if (ms < kFechaMinima || ms > kFechaMaxima) return Desbordamiento("expression", Nombre(a));
     return Valor::De(RedondearFecha(ms));
 }
 
@@ -175,12 +177,12 @@ Resultado<Valor> ConvertirAFecha(const Valor& valor, const Tipo& de, const Tipo&
     if (de.EsFecha()) return AjustarFecha(valor.Entero(), de, a);
     if (de.EsTexto()) {
         const auto leida = LeerFecha(valor.texto, OrdenDeEstilo(opciones.estilo, opciones.orden));
-        if (leida.fallo == FalloFecha::Forma) return CrearError(241);
-        if (leida.fallo == FalloFecha::Rango) return CrearError(242, Nombre(de), Nombre(a));
+        if (leida.fallo == FalloFecha::Forma) return FechaMalEscrita();
+        if (leida.fallo == FalloFecha::Rango) return FechaFueraDeRango(Nombre(de), Nombre(a));
         return AjustarFecha(leida.milisegundos, de, a);
     }
     const double dias = de.EsReal() ? valor.real : AReal(valor.exacto, de.escala);
-    if (!(std::abs(dias) < 4e6)) return CrearError(8115, "expression", Nombre(a));
+    if (!(std::abs(dias) < 4e6)) return Desbordamiento("expression", Nombre(a));
     return AjustarFecha(std::llround(dias * kMilisegundosDia), de, a);
 }
 
@@ -222,12 +224,12 @@ Resultado<Valor> AjustarTexto(std::string texto, const Tipo& de, const Tipo& a, 
     const bool corto = static_cast<int>(texto.size()) <= a.longitud;
     if (!corto && ContarCaracteres(texto) > a.longitud) {
         if (de.EsEntero()) return Valor::DeTexto("*");
-        if (de.EsMoneda()) return CrearError(234, Nombre(a));
+        if (de.EsMoneda()) return MonedaSinEspacio(Nombre(a));
         if (de.EsNumero()) return Desborde(de, a);
         const std::size_t bytes = BytesDe(texto, a.longitud);
         if (destino == Destino::Columna &&
             texto.find_first_not_of(' ', bytes) != std::string::npos) {
-            return CrearError(8152);
+            return TextoRecortado();
         }
         texto.resize(bytes);
     } else if (a.LongitudFija()) {
@@ -257,7 +259,7 @@ Resultado<Valor> ConvertirABinario(const Valor& valor, const Tipo& de, const Tip
         }
     }
     if (a.longitud >= 0 && static_cast<int>(bytes.size()) > a.longitud) {
-        if (destino == Destino::Columna) return CrearError(8152);
+        if (destino == Destino::Columna) return TextoRecortado();
         bytes.resize(static_cast<std::size_t>(a.longitud));
     }
     if (a.clase == Clase::Binary)
@@ -284,7 +286,7 @@ std::string RealATexto(double valor, int estilo) {
 
 Resultado<std::string> FechaATexto(std::int64_t milisegundos, int estilo) {
     auto texto = FormatearFecha(milisegundos, estilo);
-    if (!texto) return CrearError(281, std::to_string(estilo), "datetime", "character string");
+    if (!texto) return EstiloDesconocido(std::to_string(estilo), "datetime", "character string");
     return *std::move(texto);
 }
 
@@ -299,7 +301,7 @@ Resultado<Valor> Convertir(const Valor& valor, const Tipo& de, const Tipo& a,
     QUIMO_TRY(std::string texto, Escribir(valor, de, opciones.estilo));
     if (a.clase == Clase::UniqueIdentifier) {
         const std::string mayusculas = AMayusculas(texto);
-        if (!EsUuid(mayusculas)) return CrearError(8169);
+        if (!EsUuid(mayusculas)) return UuidMalEscrito();
         return Valor::DeTexto(mayusculas);
     }
     return AjustarTexto(std::move(texto), de, a, opciones.destino);
@@ -309,11 +311,11 @@ Resultado<bool> PermiteImplicita(const Tipo& de, const Tipo& a) {
     if (de.clase == Clase::Nulo || a.clase == Clase::Nulo) return true;
     const auto uuid = [](const Tipo& t) { return t.clase == Clase::UniqueIdentifier; };
     if ((uuid(de) && !uuid(a) && !a.EsTexto()) || (uuid(a) && !uuid(de) && !de.EsTexto())) {
-        return CrearError(206, Nombre(de), Nombre(a));
+        return TiposIncompatibles(Nombre(de), Nombre(a));
     }
     const bool texto_a_binario = de.EsTexto() && a.EsBinario();
     if (texto_a_binario || (de.EsFecha() && (a.EsNumero() || a.EsBinario()))) {
-        return CrearError(257, Nombre(de), Nombre(a));
+        return ConversionImplicitaProhibida(Nombre(de), Nombre(a));
     }
     return true;
 }

@@ -31,6 +31,7 @@ constexpr auto kPlantillas = std::to_array<Plantilla>({
      "There are fewer columns in the INSERT statement than values specified in the VALUES "
      "clause. The number of values in the VALUES clause must match the number of columns "
      "specified in the INSERT statement."},
+    {113, "42000", "Missing end comment mark '*/'."},
     {116, "42000",
      "Only one expression can be specified in the select list when the subquery is not "
      "introduced with EXISTS."},
@@ -40,6 +41,9 @@ constexpr auto kPlantillas = std::to_array<Plantilla>({
     {121, "42000",
      "The select list for the INSERT statement contains more items than the insert list. "
      "The number of SELECT values must match the number of INSERT columns."},
+    {130, "42000",
+     "Cannot perform an aggregate function on an expression containing an aggregate or a "
+     "subquery."},
     {134, "42000",
      "The variable name '%1' has already been declared. Variable names must be unique "
      "within a query batch or stored procedure."},
@@ -49,6 +53,9 @@ constexpr auto kPlantillas = std::to_array<Plantilla>({
     {141, "42000",
      "A SELECT statement that assigns a value to a variable must not be combined with "
      "data-retrieval operations."},
+    {144, "42000",
+     "Cannot use an aggregate or a subquery in an expression used for the group by list "
+     "of a GROUP BY clause."},
     {145, "42000",
      "ORDER BY items must appear in the select list if SELECT DISTINCT is specified."},
     {147, "42000",
@@ -58,6 +65,11 @@ constexpr auto kPlantillas = std::to_array<Plantilla>({
     {155, "42000", "'%1' is not a recognized %2 option."},
     {156, "42000", "Incorrect syntax near the keyword '%1'.%2"},
     {157, "42000", "An aggregate may not appear in the set list of an UPDATE statement."},
+    {164, "42000",
+     "Each GROUP BY expression must contain at least one column that is not an outer "
+     "reference."},
+    {168, "22003",
+     "The floating point value '%1' is out of the range of computer representation (8 bytes)."},
     {174, "42000", "The %1 function requires %2 argument(s)."},
     {178, "42000", "A RETURN statement with a return value cannot be used in this context."},
     {189, "42000", "The %1 function requires %2 arguments."},
@@ -94,6 +106,7 @@ constexpr auto kPlantillas = std::to_array<Plantilla>({
     {257, "42000",
      "Implicit conversion from data type %1 to %2 is not allowed. Use the CONVERT function "
      "to run this query."},
+    {263, "42000", "Must specify table to select from."},
     {264, "42000",
      "The column name '%1' is specified more than once in the SET clause or column list of "
      "an INSERT. A column cannot be assigned more than one value in the same clause."},
@@ -104,7 +117,10 @@ constexpr auto kPlantillas = std::to_array<Plantilla>({
      "The column \"%1\" cannot be modified because it is either a computed column or is "
      "the result of a UNION operator."},
     {281, "42000", "%1 is not a valid style number when converting from %2 to a %3."},
+    {313, "42000",
+     "An insufficient number of arguments were supplied for the procedure or function %1."},
     {402, "42000", "The data types %1 and %2 are incompatible in the %3 operator."},
+    {506, "42000", "The invalid escape character \"%1\" was specified in a LIKE predicate."},
     {512, "21000",
      "Subquery returned more than 1 value. This is not permitted when the subquery "
      "follows =, !=, <, <= , >, >= or when the subquery is used as an expression."},
@@ -126,6 +142,8 @@ constexpr auto kPlantillas = std::to_array<Plantilla>({
      "IDENTITY_INSERT is set to ON or when a replication user is inserting into a NOT FOR "
      "REPLICATION identity column."},
     {911, "08004", "Database '%1' does not exist. Make sure that the name is entered correctly."},
+    {1007, "42000",
+     "The number '%1' is out of the range for numeric representation (maximum precision 38)."},
     {1013, "42000",
      "The objects \"%1\" and \"%2\" in the FROM clause have the same exposed names. Use "
      "correlation names to distinguish them."},
@@ -196,6 +214,9 @@ constexpr auto kPlantillas = std::to_array<Plantilla>({
     {4121, "42000",
      "Cannot find either column \"%1\" or the user-defined function or aggregate \"%2\", "
      "or the name is ambiguous."},
+    {4127, "42000",
+     "At least one of the arguments to COALESCE must be an expression that is not the NULL "
+     "constant."},
     {4145, "42000",
      "An expression of non-boolean type specified in a context where a condition is "
      "expected, near '%1'."},
@@ -259,11 +280,21 @@ constexpr auto kPlantillas = std::to_array<Plantilla>({
     {50000, "42000", "%1"},
 });
 
-void Reemplazar(std::string& texto, const std::string& marca, const std::string& valor) {
-    for (auto donde = texto.find(marca); donde != std::string::npos;
-         donde = texto.find(marca, donde + valor.size())) {
-        texto.replace(donde, marca.size(), valor);
+/// The wording with its arguments in place. What an argument says is no mark to replace again.
+std::string Rellenar(std::string_view plantilla,
+                     const std::array<const std::string*, 3>& argumentos) {
+    std::string texto;
+    for (std::size_t i = 0; i < plantilla.size(); ++i) {
+        const bool marca = plantilla[i] == '%' && i + 1 < plantilla.size() &&
+                           plantilla[i + 1] >= '1' && plantilla[i + 1] <= '3';
+        if (marca) {
+            ++i;
+            texto += *argumentos[static_cast<std::size_t>(plantilla[i] - '1')];
+        } else {
+            texto.push_back(plantilla[i]);
+        }
     }
+    return texto;
 }
 
 }  // namespace
@@ -287,11 +318,157 @@ ErrorSql CrearError(int nativo, const std::string& uno, const std::string& dos,
     ErrorSql error;
     error.nativo = nativo;
     error.sqlstate = plantilla->sqlstate;
-    error.mensaje = plantilla->texto;
-    Reemplazar(error.mensaje, "%1", uno);
-    Reemplazar(error.mensaje, "%2", dos);
-    Reemplazar(error.mensaje, "%3", tres);
+    error.mensaje = Rellenar(plantilla->texto, {&uno, &dos, &tres});
     return error;
 }
+
+ErrorSql SintaxisIncorrecta(const std::string& palabra, const std::string& lugar) {
+    return CrearError(102, palabra, lugar);
+}
+ErrorSql PalabraClaveIncorrecta(const std::string& palabra, const std::string& lugar) {
+    return CrearError(156, palabra, lugar);
+}
+ErrorSql TextoSinCerrar(const std::string& texto) { return CrearError(105, texto); }
+ErrorSql ComentarioSinCerrar() { return CrearError(113); }
+ErrorSql RealFueraDeRango(const std::string& cifras) { return CrearError(168, cifras); }
+ErrorSql NumeroFueraDeRango(const std::string& cifras) { return CrearError(1007, cifras); }
+ErrorSql MonedaMalEscrita() { return CrearError(235); }
+ErrorSql DemasiadoAnidado() { return CrearError(191); }
+ErrorSql VistasDemasiadoAnidadas(const std::string& limite) { return CrearError(217, limite); }
+ErrorSql CondicionEsperada(const std::string& cerca) { return CrearError(4145, cerca); }
+ErrorSql TipoDesconocido(const std::string& nombre) { return CrearError(2715, nombre); }
+ErrorSql PrecisionExcesiva(const std::string& precision) { return CrearError(2750, precision); }
+ErrorSql EscalaExcesiva(const std::string& escala, const std::string& precision) {
+    return CrearError(2751, escala, precision);
+}
+ErrorSql ColumnaDesconocida(const std::string& nombre) { return CrearError(207, nombre); }
+ErrorSql ColumnaAmbigua(const std::string& nombre) { return CrearError(209, nombre); }
+ErrorSql ColumnaSinDueno(const std::string& nombre_completo) {
+    return CrearError(4104, nombre_completo);
+}
+ErrorSql PrefijoDesconocido(const std::string& prefijo) { return CrearError(107, prefijo); }
+ErrorSql ObjetoDesconocido(const std::string& nombre) { return CrearError(208, nombre); }
+ErrorSql NombresExpuestosIguales(const std::string& uno, const std::string& otro) {
+    return CrearError(1013, uno, otro);
+}
+ErrorSql VariableSinDeclarar(const std::string& nombre) { return CrearError(137, nombre); }
+ErrorSql ParametrosDeMenos(const std::string& marcas, const std::string& dados) {
+    return CrearError(8178, marcas, dados);
+}
+ErrorSql FuncionDesconocida(const std::string& nombre) {
+    return CrearError(195, nombre, "built-in function name");
+}
+ErrorSql FuncionPropiaDesconocida(const std::string& esquema, const std::string& nombre_completo) {
+    return CrearError(4121, esquema, nombre_completo);
+}
+ErrorSql ColumnaSinNombre(const std::string& lugar, const std::string& tabla) {
+    return CrearError(8155, lugar, tabla);
+}
+ErrorSql ColumnaDosVeces(const std::string& columna, const std::string& tabla) {
+    return CrearError(8156, columna, tabla);
+}
+ErrorSql ColumnasSinNombrar(const std::string& tabla) { return CrearError(8158, tabla); }
+ErrorSql NombresDeMas(const std::string& tabla) { return CrearError(8159, tabla); }
+ErrorSql UnaSolaExpresion() { return CrearError(116); }
+ErrorSql AsignacionConLectura() { return CrearError(141); }
+ErrorSql ListasDesiguales() { return CrearError(205); }
+ErrorSql SinTablaQueListar() { return CrearError(263); }
+ErrorSql LugarDeOrdenFueraDeRango(const std::string& lugar) { return CrearError(108, lugar); }
+ErrorSql OrdenFueraDeLaLista() { return CrearError(145); }
+ErrorSql AgregadoFueraDeLugar() { return CrearError(147); }
+ErrorSql AgregadoDentroDeAgregado() { return CrearError(130); }
+ErrorSql AgregadoEnGrupo() { return CrearError(144); }
+ErrorSql AgregadoEnAsignacion() { return CrearError(157); }
+ErrorSql GrupoSinColumna() { return CrearError(164); }
+ErrorSql ColumnaFueraDelGrupo(const std::string& columna, const std::string& clausula) {
+    return CrearError(8120, columna, clausula);
+}
+ErrorSql ArgumentosExactos(const std::string& funcion, const std::string& cuantos) {
+    return CrearError(174, funcion, cuantos);
+}
+ErrorSql ArgumentosEntre(const std::string& funcion, const std::string& rango) {
+    return CrearError(189, funcion, rango);
+}
+ErrorSql ParametrosDeMas(const std::string& funcion) { return CrearError(8144, funcion); }
+ErrorSql ArgumentosInsuficientes(const std::string& funcion) { return CrearError(313, funcion); }
+ErrorSql ParteDeFechaDesconocida(const std::string& parte, const std::string& funcion) {
+    return CrearError(155, parte, funcion);
+}
+ErrorSql ParametroInvalido(const std::string& cual, const std::string& funcion) {
+    return CrearError(1023, cual, funcion);
+}
+ErrorSql ArgumentoDeTipoInvalido(const std::string& tipo, const std::string& cual,
+                                 const std::string& funcion) {
+    return CrearError(8116, tipo, cual, funcion);
+}
+ErrorSql OperandoDeTipoInvalido(const std::string& tipo, const std::string& operador) {
+    return CrearError(8117, tipo, operador);
+}
+ErrorSql OperadorIncompatible(const std::string& tipo, const std::string& otro,
+                              const std::string& operador) {
+    return CrearError(402, tipo, otro, operador);
+}
+ErrorSql CasoSinTipo() { return CrearError(8133); }
+ErrorSql CoalesceSinTipo() { return CrearError(4127); }
+ErrorSql LongitudInvalida(const std::string& funcion) { return CrearError(536, funcion); }
+ErrorSql LongitudInvalidaDeTrozo() { return CrearError(537); }
+ErrorSql EscapeInvalido(const std::string& escape) { return CrearError(506, escape); }
+ErrorSql DivisionEntreCero() { return CrearError(8134); }
+ErrorSql OperacionRealInvalida() { return CrearError(3623); }
+ErrorSql TiposIncompatibles(const std::string& de, const std::string& a) {
+    return CrearError(206, de, a);
+}
+ErrorSql ConversionImplicitaProhibida(const std::string& de, const std::string& a) {
+    return CrearError(257, de, a);
+}
+ErrorSql ConversionImposible(const std::string& de, const std::string& a) {
+    return CrearError(8114, de, a);
+}
+ErrorSql ConversionFallida(const std::string& de, const std::string& valor, const std::string& a) {
+    return CrearError(245, de, valor, a);
+}
+ErrorSql Desbordamiento(const std::string& de, const std::string& a) {
+    return CrearError(8115, de, a);
+}
+ErrorSql DesbordamientoDeEntero(const std::string& de, const std::string& valor) {
+    return CrearError(248, de, valor);
+}
+ErrorSql DesbordamientoDeCorto(const std::string& de, const std::string& valor,
+                               const std::string& a) {
+    return CrearError(244, de, valor, a);
+}
+ErrorSql ValorFueraDeTipo(const std::string& tipo, const std::string& valor) {
+    return CrearError(220, tipo, valor);
+}
+ErrorSql RealDesbordado(const std::string& tipo, const std::string& valor) {
+    return CrearError(232, tipo, valor);
+}
+ErrorSql MonedaSinEspacio(const std::string& a) { return CrearError(234, a); }
+ErrorSql FechaMalEscrita() { return CrearError(241); }
+ErrorSql FechaFueraDeRango(const std::string& de, const std::string& a) {
+    return CrearError(242, de, a);
+}
+ErrorSql SumaDeFechaDesbordada(const std::string& tipo) { return CrearError(517, tipo); }
+ErrorSql DiferenciaDeFechasDesbordada() { return CrearError(535); }
+ErrorSql EstiloDesconocido(const std::string& estilo, const std::string& de, const std::string& a) {
+    return CrearError(281, estilo, de, a);
+}
+ErrorSql UuidMalEscrito() { return CrearError(8169); }
+ErrorSql TextoRecortado() { return CrearError(8152); }
+ErrorSql MenosValoresQueColumnas() { return CrearError(109); }
+ErrorSql MasValoresQueColumnas() { return CrearError(110); }
+ErrorSql MenosItemsQueColumnas() { return CrearError(120); }
+ErrorSql MasItemsQueColumnas() { return CrearError(121); }
+ErrorSql ValoresNoCorresponden() { return CrearError(213); }
+ErrorSql ColumnaRepetida(const std::string& columna) { return CrearError(264, columna); }
+ErrorSql ColumnaCalculada(const std::string& columna) { return CrearError(271, columna); }
+ErrorSql ColumnaSinNulos(const std::string& columna, const std::string& tabla,
+                         const std::string& verbo) {
+    return CrearError(515, columna, tabla, verbo);
+}
+ErrorSql IdentidadNoPermitida(const std::string& tabla) { return CrearError(544, tabla); }
+ErrorSql IdentidadRequerida(const std::string& tabla) { return CrearError(545, tabla); }
+ErrorSql IdentidadNoSeCambia(const std::string& columna) { return CrearError(8102, columna); }
+ErrorSql VistaNoEditable(const std::string& nombre) { return CrearError(4406, nombre); }
 
 }  // namespace quimo::tsql

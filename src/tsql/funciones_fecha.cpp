@@ -14,7 +14,7 @@ ParteFecha Parte(const Valor& valor) { return static_cast<ParteFecha>(valor.Ente
 /// q_sumar_fecha(part, amount, date)
 Resultado<Valor> Sumar(Argumentos x) {
     const auto suma = SumarFecha(Parte(x[0]), x[1].Entero(), x[2].Entero());
-    if (!suma) return CrearError(517, "datetime");
+    if (!suma) return SumaDeFechaDesbordada("datetime");
     return Valor::De(*suma);
 }
 
@@ -23,7 +23,7 @@ Resultado<Valor> Diferencia(Argumentos x) {
     const std::int64_t partes = DiferenciaFechas(Parte(x[0]), x[1].Entero(), x[2].Entero());
     if (partes > std::numeric_limits<std::int32_t>::max() ||
         partes < std::numeric_limits<std::int32_t>::min()) {
-        return CrearError(535);
+        return DiferenciaDeFechasDesbordada();
     }
     return Valor::De(partes);
 }
@@ -36,7 +36,7 @@ Resultado<Valor> Nombre(Argumentos x) {
 /// q_sumar_dias(date, sign, days as a date)
 Resultado<Valor> SumarDias(Argumentos x) {
     const std::int64_t suma = x[0].Entero() + x[1].Entero() * x[2].Entero();
-    if (suma < kFechaMinima || suma > kFechaMaxima) return CrearError(517, "datetime");
+    if (suma < kFechaMinima || suma > kFechaMaxima) return SumaDeFechaDesbordada("datetime");
     return Valor::De(RedondearFecha(suma));
 }
 
@@ -61,7 +61,7 @@ Resultado<Valor> FechaDeOcho(Argumentos x) {
 
 /// q_fechas_validas(x): fails when there is a text that is no date
 Resultado<Valor> FechasValidas(Argumentos x) {
-    if (!x[0].EsNulo()) return CrearError(242, "varchar", "datetime");
+    if (!x[0].EsNulo()) return FechaFueraDeRango("varchar", "datetime");
     return Valor::De(1);
 }
 

@@ -18,7 +18,7 @@ int EnteroEn(const Valor& valor) { return static_cast<int>(valor.exacto); }
 
 ErrorSql Desborde(const Tipo& tipo) {
     const std::string nombre(NombreClase(tipo.clase));
-    return CrearError(8115, tipo.clase == Clase::Numeric ? "numeric" : "expression", nombre);
+    return Desbordamiento(tipo.clase == Clase::Numeric ? "numeric" : "expression", nombre);
 }
 
 /// A result in range of its type.
@@ -70,7 +70,7 @@ Resultado<Valor> Por(Argumentos x) {
 
 Resultado<Valor> Entre(Argumentos x) {
     QUIMO_TRY(const Operandos o, Leer(x));
-    if (o.b == 0) return CrearError(8134);
+    if (o.b == 0) return DivisionEntreCero();
     return EnTipo(Dividir(o.a, o.escala_a, o.b, o.escala_b, o.tipo.escala), o.tipo);
 }
 
@@ -80,7 +80,7 @@ Resultado<Valor> Resto(Argumentos x) {
     const auto a = CambiarEscala(o.a, o.escala_a, escala);
     const auto b = CambiarEscala(o.b, o.escala_b, escala);
     if (!a || !b) return Desborde(o.tipo);
-    if (*b == 0) return CrearError(8134);
+    if (*b == 0) return DivisionEntreCero();
     return EnTipo(CambiarEscala(*a % *b, escala, o.tipo.escala), o.tipo);
 }
 
@@ -92,15 +92,15 @@ Resultado<Valor> Cociente(Argumentos x) {
             x[0].forma == Valor::Forma::Real ? x[0].real : static_cast<double>(x[0].exacto);
         const double b =
             x[1].forma == Valor::Forma::Real ? x[1].real : static_cast<double>(x[1].exacto);
-        if (b == 0) return CrearError(8134);
+        if (b == 0) return DivisionEntreCero();
         return Valor::DeReal(a / b);
     }
-    if (x[1].exacto == 0) return CrearError(8134);
+    if (x[1].exacto == 0) return DivisionEntreCero();
     return Valor::De(x[0].exacto / x[1].exacto);
 }
 
 Resultado<Valor> Modulo(Argumentos x) {
-    if (x[1].exacto == 0) return CrearError(8134);
+    if (x[1].exacto == 0) return DivisionEntreCero();
     return Valor::De(x[0].exacto % x[1].exacto);
 }
 
@@ -132,7 +132,7 @@ Resultado<Valor> ConvertirValor(Argumentos x) {
 
 /// q_no_nulo(x, column, table, verb)
 Resultado<Valor> NoNulo(Argumentos x) {
-    if (x[0].EsNulo()) return CrearError(515, x[1].texto, "dbo." + x[2].texto, x[3].texto);
+    if (x[0].EsNulo()) return ColumnaSinNulos(x[1].texto, "dbo." + x[2].texto, x[3].texto);
     return x[0];
 }
 
@@ -190,7 +190,7 @@ Resultado<Valor> Signo(Argumentos x) {
 
 Resultado<Valor> RealFinito(double real) {
     if (std::isfinite(real)) return Valor::DeReal(real);
-    return std::isnan(real) ? CrearError(3623) : CrearError(8115, "expression", "float");
+    return std::isnan(real) ? OperacionRealInvalida() : Desbordamiento("expression", "float");
 }
 
 /// q_elevar(base, exponent, type of the base)

@@ -29,7 +29,7 @@ Valor Trozo(const std::string& texto, std::int64_t desde, std::int64_t largo) {
 
 /// q_trozo(text, from, length)
 Resultado<Valor> Subcadena(Argumentos x) {
-    if (x[2].exacto < 0) return CrearError(537);
+    if (x[2].exacto < 0) return LongitudInvalidaDeTrozo();
     if (x[0].forma == Valor::Forma::Bytes) {
         const std::int64_t desde = std::max<std::int64_t>(Acotado(x[1]) - 1, 0);
         const std::int64_t hasta = std::max(Acotado(x[1]) - 1 + Acotado(x[2]), desde);
@@ -41,12 +41,12 @@ Resultado<Valor> Subcadena(Argumentos x) {
 }
 
 Resultado<Valor> Izquierda(Argumentos x) {
-    if (x[1].exacto < 0) return CrearError(536, "LEFT");
+    if (x[1].exacto < 0) return LongitudInvalida("LEFT");
     return Trozo(x[0].texto, 0, Acotado(x[1]));
 }
 
 Resultado<Valor> Derecha(Argumentos x) {
-    if (x[1].exacto < 0) return CrearError(536, "RIGHT");
+    if (x[1].exacto < 0) return LongitudInvalida("RIGHT");
     const std::int64_t largo = ContarCaracteres(x[0].texto);
     return Trozo(x[0].texto, std::max<std::int64_t>(largo - Acotado(x[1]), 0), largo);
 }
@@ -195,13 +195,7 @@ Resultado<Valor> Concatenar(Argumentos x) {
 Resultado<Valor> EsComo(Argumentos x) {
     char32_t escape = 0;
     if (x.size() > 2) {
-        if (ContarCaracteres(x[2].texto) != 1) {
-            ErrorSql error = CrearError(102, x[2].texto);
-            error.nativo = 506;
-            error.mensaje = "The invalid escape character \"" + x[2].texto +
-                            "\" was specified in a LIKE predicate.";
-            return error;
-        }
+        if (ContarCaracteres(x[2].texto) != 1) return EscapeInvalido(x[2].texto);
         std::size_t i = 0;
         escape = SiguienteCaracter(x[2].texto, i);
     }

@@ -59,7 +59,7 @@ public:
     }
 
     base::Result<void, ErrorSql> Cortar() {
-        if (texto_.size() > kTextoMaximo) return CrearError(191);
+        if (texto_.size() > kTextoMaximo) return DemasiadoAnidado();
         while (true) {
             QUIMO_TRY_VOID(SaltarBlancos());
             if (i_ >= texto_.size()) break;
@@ -87,14 +87,8 @@ private:
                     ++i_;
             } else if (texto_[i_] == '/' && En(i_ + 1) == '*') {
                 int nivel = 0;
-                const std::size_t inicio = i_;
                 do {
-                    if (i_ + 1 >= texto_.size()) {
-                        ErrorSql error = CrearError(102, "/*", Lugar(texto_, inicio));
-                        error.nativo = 113;
-                        error.mensaje = "Missing end comment mark '*/'.";
-                        return error;
-                    }
+                    if (i_ + 1 >= texto_.size()) return ComentarioSinCerrar();
                     if (texto_[i_] == '/' && texto_[i_ + 1] == '*') {
                         ++nivel;
                         i_ += 2;
@@ -151,7 +145,7 @@ private:
         constexpr std::string_view kSimples = "+-*/%=<>(),.;&|^~:";
         const bool doble = EsDoble(texto_[i_], En(i_ + 1));
         if (!doble && kSimples.find(texto_[i_]) == std::string_view::npos) {
-            return CrearError(102, std::string(texto_.substr(i_, 1)), Lugar(texto_, i_));
+            return SintaxisIncorrecta(std::string(texto_.substr(i_, 1)), Lugar(texto_, i_));
         }
         Agregar(Token::Clase::Signo, i_, i_ + (doble ? 2 : 1));
         i_ += doble ? 2 : 1;
@@ -162,7 +156,7 @@ private:
         const char cierre = texto_[i_] == '[' ? ']' : '"';
         std::size_t fin = i_ + 1;
         while (true) {
-            if (fin >= texto_.size()) return CrearError(105, std::string(texto_.substr(i_ + 1)));
+            if (fin >= texto_.size()) return TextoSinCerrar(std::string(texto_.substr(i_ + 1)));
             if (texto_[fin] == cierre) {
                 if (En(fin + 1) != cierre) break;
                 ++fin;
@@ -185,7 +179,7 @@ private:
         while (true) {
             const auto fin = texto_.find('\'', k);
             if (fin == std::string_view::npos) {
-                return CrearError(105, std::string(texto_.substr(i_ + 1)));
+                return TextoSinCerrar(std::string(texto_.substr(i_ + 1)));
             }
             valor.append(texto_.substr(k, fin - k));
             k = fin + 1;
@@ -244,23 +238,12 @@ private:
             const auto lectura =
                 std::from_chars(cifras.data(), cifras.data() + cifras.size(), real);
             if (lectura.ec == std::errc::result_out_of_range) {
-                ErrorSql error = CrearError(232, "float", std::string(cifras));
-                error.mensaje = "The floating point value '" + std::string(cifras) +
-                                "' is out of the range of computer representation (8 bytes).";
-                error.nativo = 168;
-                return error;
+                return RealFueraDeRango(std::string(cifras));
             }
             literal = {TipoReal(), Valor::DeReal(real)};
         } else {
             const auto numero = base::Decimal::DeTexto(cifras);
-            if (!numero) {
-                ErrorSql error = CrearError(2750, std::to_string(cifras.size()));
-                error.nativo = 1007;
-                error.mensaje = "The number '" + std::string(cifras) +
-                                "' is out of the range for numeric representation (maximum "
-                                "precision 38).";
-                return error;
-            }
+            if (!numero) return NumeroFueraDeRango(std::string(cifras));
             literal = Exacto(*numero, punto);
         }
         return Poner(i_, fin, std::move(literal));
@@ -284,7 +267,7 @@ private:
         const auto numero = LeerDecimal(texto_.substr(i_, fin - i_), true);
         const auto digitos =
             numero ? CambiarEscala(numero->digitos, numero->escala, 4) : std::nullopt;
-        if (!digitos || ContarCifras(*digitos) > kDigitosNativos) return CrearError(235);
+        if (!digitos || ContarCifras(*digitos) > kDigitosNativos) return MonedaMalEscrita();
         return Poner(i_, fin, {TipoMoneda(), Valor::De(*digitos)});
     }
 

@@ -42,7 +42,8 @@ ErrorSql Parser::SintaxisEn(std::size_t token) const {
     const Token& t = tokens_[token];
     const std::string palabra(t.texto);
     const bool reservada = t.clase == Token::Clase::Palabra && EsReservada(palabra);
-    return CrearError(reservada ? 156 : 102, palabra, Lugar(texto_, t.desde));
+    const std::string lugar = Lugar(texto_, t.desde);
+    return reservada ? PalabraClaveIncorrecta(palabra, lugar) : SintaxisIncorrecta(palabra, lugar);
 }
 
 bool Parser::HayNombre(std::size_t adelante) const {
@@ -120,7 +121,7 @@ std::string Parser::Desde(std::size_t primer_token) const {
 }
 
 Hecho Parser::Profundo() const {
-    if (niveles_ > kNivelesMaximos) return CrearError(191);
+    if (niveles_ > kNivelesMaximos) return DemasiadoAnidado();
     return {};
 }
 
@@ -129,7 +130,7 @@ Resultado<Lote> Parser::LeerTodo() {
         while (Aceptar(";")) {
         }
         if (Fin()) break;
-        if (lote_.sentencias.size() >= kSentenciasMaximas) return CrearError(191);
+        if (lote_.sentencias.size() >= kSentenciasMaximas) return DemasiadoAnidado();
         const bool primera = lote_.sentencias.empty();
         const bool llamada = primera && HayNombre();
         QUIMO_TRY(SentenciaPtr sentencia, llamada ? LeerLlamada() : LeerSentencia());
@@ -157,21 +158,6 @@ Resultado<Lote> LeerLote(const std::string& texto, Constantes constantes) {
 Resultado<ExprPtr> LeerExpresion(const std::string& texto) {
     QUIMO_TRY(Lexico lexico, Analizar(texto));
     return Parser(texto, std::move(lexico), Constantes::EnElArbol).LeerSuelta();
-}
-
-std::string NombreObjeto::Completo() const {
-    std::string nombre = objeto;
-    if (!esquema.empty() || !base.empty()) nombre = esquema + "." + nombre;
-    if (!base.empty()) nombre = base + "." + nombre;
-    return nombre;
-}
-
-bool Expr::EsCondicion() const {
-    if (clase == ClaseExpr::Binaria) {
-        return texto == "AND" || texto == "OR" || texto.find_first_of("<>=") != std::string::npos;
-    }
-    if (clase == ClaseExpr::Unaria) return texto == "NOT";
-    return clase >= ClaseExpr::Entre && clase != ClaseExpr::Subconsulta;
 }
 
 }  // namespace quimo::tsql

@@ -27,7 +27,7 @@ Resultado<ConsultaPtr> Parser::Combinar(Combinacion como, ConsultaPtr a, Consult
     Consulta consulta;
     consulta.combinacion = como;
     consulta.altura = std::max(a->altura, b->altura) + 1;
-    if (consulta.altura > kNivelesMaximos) return CrearError(191);
+    if (consulta.altura > kNivelesMaximos) return DemasiadoAnidado();
     consulta.izquierda = std::move(a);
     consulta.derecha = std::move(b);
     return ConsultaPtr(std::make_shared<const Consulta>(std::move(consulta)));
@@ -171,7 +171,7 @@ Resultado<FuentePtr> Parser::FuenteUnida() {
     QUIMO_TRY_VOID(Profundo());
     QUIMO_TRY(FuentePtr izquierda, FuenteSimple());
     for (int uniones = 0;; ++uniones) {
-        if (uniones > kNivelesMaximos) return CrearError(191);
+        if (uniones > kNivelesMaximos) return DemasiadoAnidado();
         Fuente join;
         join.clase = Fuente::Clase::Join;
         if (Aceptar("CROSS")) {

@@ -45,7 +45,7 @@ Resultado<ExprPtr> Parser::Cerrar(Expr expr) const {
     for (const ExprPtr& hijo : expr.hijos) {
         if (hijo) expr.altura = std::max(expr.altura, hijo->altura + 1);
     }
-    if (expr.altura > kAlturaMaxima) return CrearError(191);
+    if (expr.altura > kAlturaMaxima) return DemasiadoAnidado();
     return ExprPtr(std::make_shared<const Expr>(std::move(expr)));
 }
 
@@ -67,7 +67,7 @@ Resultado<ExprPtr> Parser::Condicion() {
         const Token& token = Actual();
         if (token.clase == Token::Clase::Signo && token.texto.size() == 2) return Sintaxis();
         const Token& cerca = Fin() && i_ > 0 ? tokens_[i_ - 1] : Actual();
-        return CrearError(4145, std::string(cerca.texto));
+        return CondicionEsperada(std::string(cerca.texto));
     }
     return expr;
 }
@@ -82,7 +82,7 @@ Resultado<ExprPtr> Parser::Binaria(int minimo) {
         no.texto = "NOT";
         const std::size_t antes = i_;
         QUIMO_TRY(ExprPtr hijo, Binaria(kNo));
-        if (!hijo->EsCondicion()) return CrearError(4145, std::string(tokens_[antes].texto));
+        if (!hijo->EsCondicion()) return CondicionEsperada(std::string(tokens_[antes].texto));
         no.hijos.push_back(std::move(hijo));
         QUIMO_TRY(izquierda, Cerrar(std::move(no)));
     } else {
@@ -105,7 +105,7 @@ Resultado<ExprPtr> Parser::Binaria(int minimo) {
         QUIMO_TRY(ExprPtr derecha, Binaria(fuerza + 1));
         if (derecha->EsCondicion() != logico) {
             if (logico)
-                return CrearError(4145, std::string((Fin() ? tokens_[antes] : Actual()).texto));
+                return CondicionEsperada(std::string((Fin() ? tokens_[antes] : Actual()).texto));
             return Sintaxis();
         }
         union_.hijos = {std::move(izquierda), std::move(derecha)};
@@ -399,7 +399,7 @@ Resultado<Tipo> Parser::LeerTipo(bool en_conversion) {
     if (!HayNombre()) return Sintaxis();
     const std::string nombre(Actual().texto);
     const auto clase = MismoNombre(nombre, "PRECISION") ? Clase::Float : ClasePorNombre(nombre);
-    if (!clase) return CrearError(2715, nombre);
+    if (!clase) return TipoDesconocido(nombre);
     ++i_;
     Clase elegida = *clase;
     if (Aceptar("VARYING") && elegida == Clase::Char) elegida = Clase::VarChar;
@@ -425,13 +425,13 @@ Resultado<Tipo> Parser::ConLongitud(Clase clase, bool en_conversion) {
     if (clase == Clase::Numeric) {
         tipo = TipoNumerico(18, 0);
         if (!numeros.empty()) {
-            if (numeros[0] > kDigitosMaximos) return CrearError(2750, std::to_string(numeros[0]));
+            if (numeros[0] > kDigitosMaximos) return PrecisionExcesiva(std::to_string(numeros[0]));
             tipo.precision = static_cast<int>(numeros[0]);
             tipo.escala =
                 numeros.size() > 1 ? static_cast<int>(std::min<std::int64_t>(numeros[1], 99)) : 0;
         }
         if (tipo.escala > tipo.precision || tipo.precision < 1) {
-            return CrearError(2751, std::to_string(tipo.escala), std::to_string(tipo.precision));
+            return EscalaExcesiva(std::to_string(tipo.escala), std::to_string(tipo.precision));
         }
     }
     if (clase == Clase::Float && !numeros.empty() && numeros[0] <= 24) tipo.clase = Clase::Real;

@@ -131,7 +131,7 @@ Hecho Parser::Valores(Insertar& insertar) {
         } while (Aceptar(","));
         QUIMO_TRY_VOID(Exigir(")"));
         insertar.filas.push_back(std::move(fila));
-        if (insertar.filas.size() > kFilasMaximas) return CrearError(191);
+        if (insertar.filas.size() > kFilasMaximas) return DemasiadoAnidado();
     } while (Aceptar(","));
     return {};
 }

@@ -1,54 +1,14 @@
-// Two rewrites of a query whose whole answer is one row of aggregates: the product of sources that
-// no condition joins, and the extremes of a number whose text begins with given digits. The rows
-// that they speak of are never made.
+#include "tsql/producto.h"
 
 #include <algorithm>
-#include <limits>
 #include <numeric>
+#include <utility>
 
-#include "tsql/texto.h"
-#include "tsql/traductor_interno.h"
+#include "tsql/arbol_interno.h"
 
 namespace quimo::tsql {
 
 namespace {
-
-ExprPtr Hoja(ClaseExpr clase, std::string texto = {}, std::vector<std::string> partes = {}) {
-    Expr expr{clase};
-    expr.texto = std::move(texto);
-    expr.partes = std::move(partes);
-    return std::make_shared<const Expr>(std::move(expr));
-}
-
-ExprPtr Nodo(ClaseExpr clase, std::string texto, std::vector<ExprPtr> hijos) {
-    Expr expr{clase};
-    expr.texto = std::move(texto);
-    for (const ExprPtr& hijo : hijos)
-        expr.altura = std::max(expr.altura, hijo->altura + 1);
-    expr.hijos = std::move(hijos);
-    return std::make_shared<const Expr>(std::move(expr));
-}
-
-ExprPtr Entero(std::int64_t numero) {
-    Expr expr{ClaseExpr::Literal};
-    expr.tipo = TipoEntero(Clase::BigInt);
-    expr.literal = Literal{expr.tipo, quimo::tsql::Valor::De(numero)};
-    return std::make_shared<const Expr>(std::move(expr));
-}
-
-ExprPtr Por(const ExprPtr& a, const ExprPtr& b) {
-    return a ? Nodo(ClaseExpr::Binaria, "*", {a, b}) : b;
-}
-
-ExprPtr ComoTipo(const ExprPtr& expr, const Tipo& tipo) {
-    Expr conversion = *Nodo(ClaseExpr::Conversion, "CAST", {expr});
-    conversion.tipo = tipo;
-    return std::make_shared<const Expr>(std::move(conversion));
-}
-
-ExprPtr Ademas(const ExprPtr& condicion, const ExprPtr& otra) {
-    return condicion ? Nodo(ClaseExpr::Binaria, "AND", {condicion, otra}) : otra;
-}
 
 /// (SELECT TOP 1 1 AS uno FROM ... WHERE ...) AS alias: a row, or none.
 FuentePtr AlgunaFila(const Seleccion& seleccion, std::string alias) {
@@ -58,11 +18,7 @@ FuentePtr AlgunaFila(const Seleccion& seleccion, std::string alias) {
     consulta.simple->items.push_back({Entero(1), "uno", {}});
     consulta.simple->fuentes = seleccion.fuentes;
     consulta.simple->donde = seleccion.donde;
-    Fuente fuente;
-    fuente.clase = Fuente::Clase::Derivada;
-    fuente.alias = std::move(alias);
-    fuente.consulta = std::make_shared<const Consulta>(std::move(consulta));
-    return std::make_shared<const Fuente>(std::move(fuente));
+    return Derivada(std::move(consulta), std::move(alias));
 }
 
 FuentePtr Delante(const FuentePtr& primera, const FuentePtr& segunda) {
@@ -73,16 +29,6 @@ FuentePtr Delante(const FuentePtr& primera, const FuentePtr& segunda) {
     join.izquierda = primera;
     join.derecha = segunda;
     return std::make_shared<const Fuente>(std::move(join));
-}
-
-void Partir(const ExprPtr& condicion, std::vector<ExprPtr>& partes) {
-    if (!condicion) return;
-    if (condicion->clase != ClaseExpr::Binaria || condicion->texto != "AND") {
-        partes.push_back(condicion);
-        return;
-    }
-    Partir(condicion->hijos[0], partes);
-    Partir(condicion->hijos[1], partes);
 }
 
 /// The tables of FROM in their order, and the conditions of its joins. False when a join keeps
@@ -98,7 +44,7 @@ bool Aplanar(const FuentePtr& fuente, std::vector<FuentePtr>& tablas,
         fuente->join != TipoJoin::Coma) {
         return false;
     }
-    Partir(fuente->condicion, condiciones);
+    Conjunciones(fuente->condicion, condiciones);
     return Aplanar(fuente->izquierda, tablas, condiciones) &&
            Aplanar(fuente->derecha, tablas, condiciones);
 }
@@ -121,37 +67,11 @@ struct Parte {
 
 const std::string kFilas = "n";
 
-std::int64_t Maximo(const Tipo& entero) {
-    if (entero.clase == Clase::TinyInt) return std::numeric_limits<std::uint8_t>::max();
-    if (entero.clase == Clase::SmallInt) return std::numeric_limits<std::int16_t>::max();
-    if (entero.clase == Clase::Int) return std::numeric_limits<std::int32_t>::max();
-    return std::numeric_limits<std::int64_t>::max();
-}
-
-/// All rows of several queries. In halves: the engine reads only so many levels of parentheses.
-ConsultaPtr Unir(std::vector<ConsultaPtr> consultas) {
-    while (consultas.size() > 1) {
-        std::vector<ConsultaPtr> pares;
-        for (std::size_t i = 0; i + 1 < consultas.size(); i += 2) {
-            Consulta par;
-            par.combinacion = Combinacion::UnionTodo;
-            par.izquierda = consultas[i];
-            par.derecha = consultas[i + 1];
-            pares.push_back(std::make_shared<const Consulta>(std::move(par)));
-        }
-        if (consultas.size() % 2 == 1) pares.push_back(consultas.back());
-        consultas = std::move(pares);
-    }
-    return consultas[0];
-}
-
-}  // namespace
-
 /// Takes a query's sources apart into those that no condition joins.
-class Traductor::Producto {
+class Producto {
 public:
-    Producto(const Seleccion& seleccion, const Ambito& ambito, const Traductor& traductor)
-        : seleccion_(seleccion), ambito_(ambito), traductor_(traductor) {}
+    Producto(const Seleccion& seleccion, const Ambito& ambito)
+        : seleccion_(seleccion), ambito_(ambito) {}
 
     /// The same answer out of the parts; nothing when there is but one, or when an aggregate looks
     /// at several of them.
@@ -168,11 +88,7 @@ public:
         for (Parte& parte : partes_) {
             Consulta dentro;
             dentro.simple = std::move(parte.seleccion);
-            Fuente fuente;
-            fuente.clase = Fuente::Clase::Derivada;
-            fuente.alias = parte.nombre;
-            fuente.consulta = std::make_shared<const Consulta>(std::move(dentro));
-            nueva.simple->fuentes.push_back(std::make_shared<const Fuente>(std::move(fuente)));
+            nueva.simple->fuentes.push_back(Derivada(std::move(dentro), parte.nombre));
         }
         return nueva;
     }
@@ -201,12 +117,10 @@ private:
 
     /// The table that a column is of; -1 when it is of none of these.
     int TablaDe(const Expr& columna) const {
-        const auto hallada = traductor_.BuscarColumna(columna, ambito_);
+        const auto hallada = BuscarColumna(columna, ambito_);
         if (!hallada || *hallada == nullptr) return -1;
         for (std::size_t i = 0; i < ambito_.tablas.size(); ++i) {
-            const auto& columnas = ambito_.tablas[i].columnas;
-            if (*hallada >= columnas.data() && *hallada < columnas.data() + columnas.size())
-                return static_cast<int>(i);
+            if (ambito_.tablas[i].PosicionDe(*hallada) >= 0) return static_cast<int>(i);
         }
         return -1;
     }
@@ -233,7 +147,7 @@ private:
         for (const FuentePtr& fuente : seleccion_.fuentes) {
             if (!Aplanar(fuente, tablas, condiciones)) return false;
         }
-        Partir(seleccion_.donde, condiciones);
+        Conjunciones(seleccion_.donde, condiciones);
         const bool todas = tablas.size() == ambito_.tablas.size() &&
                            std::all_of(ambito_.tablas.begin(), ambito_.tablas.end(),
                                        [](const TablaAmbito& t) { return t.tabla != nullptr; });
@@ -321,7 +235,7 @@ private:
     ExprPtr Suma(const ExprPtr& expr, Parte& parte, const ExprPtr& veces) const {
         const Expr& columna = *expr->hijos[0];
         if (columna.clase != ClaseExpr::Columna) return nullptr;
-        const auto hallada = traductor_.BuscarColumna(columna, ambito_);
+        const auto hallada = BuscarColumna(columna, ambito_);
         if (!hallada || *hallada == nullptr) return nullptr;
         Tipo tipo = (*hallada)->tipo;
         if (!(tipo.EsEntero() || tipo.EsMoneda()) || tipo.clase == Clase::Bit) return nullptr;
@@ -333,14 +247,14 @@ private:
 
     const Seleccion& seleccion_;
     const Ambito& ambito_;
-    const Traductor& traductor_;
     std::vector<int> grupo_;  ///< of each table, one that it is joined with; itself at the root
     std::vector<int> raices_;
     std::vector<Parte> partes_;
 };
 
-std::optional<Consulta> Traductor::SinProducto(const Consulta& consulta,
-                                               const Ambito& ambito) const {
+}  // namespace
+
+std::optional<Consulta> SinProducto(const Consulta& consulta, const Ambito& ambito) {
     const Seleccion& seleccion = *consulta.simple;
     if (!seleccion.grupos.empty() || seleccion.teniendo || seleccion.distinto || seleccion.tope ||
         !consulta.orden.empty()) {
@@ -350,79 +264,7 @@ std::optional<Consulta> Traductor::SinProducto(const Consulta& consulta,
         std::any_of(seleccion.items.begin(), seleccion.items.end(),
                     [](const ItemSeleccion& item) { return TieneAgregado(*item.expr); });
     if (!agrega) return std::nullopt;
-    return Producto(seleccion, ambito, *this).Repartir();
-}
-
-std::optional<Traductor::Rangos> Traductor::RangosDePrefijo(const Expr& como,
-                                                            const Tipo& tipo) const {
-    if (!tipo.EsEntero() || tipo.clase == Clase::Bit || como.hijos.size() != 2) return std::nullopt;
-    const auto patron = Fijar(*como.hijos[1]);
-    if (!patron || !patron->tipo.EsTexto()) return std::nullopt;
-    const std::string& texto = patron->valor.texto;
-    constexpr std::size_t kCifras = 18;
-    if (texto.size() < 2 || texto.size() > kCifras + 1 || texto.back() != '%') return std::nullopt;
-    const std::string cifras = texto.substr(0, texto.size() - 1);
-    if (cifras.find_first_not_of("0123456789") != std::string::npos) return std::nullopt;
-    Rangos rangos;
-    // No number but zero is written with a zero in front.
-    if (cifras[0] == '0') {
-        if (cifras.size() == 1) rangos.emplace_back(0, 0);
-        return rangos;
-    }
-    const Int128 tope = Maximo(tipo);
-    const Int128 prefijo = std::stoll(cifras);
-    for (Int128 potencia = 1; prefijo * potencia <= tope; potencia *= 10) {
-        const Int128 hasta = std::min((prefijo + 1) * potencia - 1, tope);
-        rangos.emplace_back(static_cast<std::int64_t>(prefijo * potencia),
-                            static_cast<std::int64_t>(hasta));
-    }
-    return rangos;
-}
-
-/// SELECT MAX(x) FROM t WHERE x LIKE '1%': the extreme of each range, each found in the index.
-std::optional<Consulta> Traductor::ExtremoPorRangos(const Consulta& consulta,
-                                                    const Ambito& ambito) const {
-    const Seleccion& seleccion = *consulta.simple;
-    const bool sencilla = seleccion.items.size() == 1 && seleccion.fuentes.size() == 1 &&
-                          ambito.tablas.size() == 1 && seleccion.donde &&
-                          seleccion.donde->clase == ClaseExpr::Como && !seleccion.donde->negado &&
-                          seleccion.grupos.empty() && !seleccion.teniendo && !seleccion.distinto &&
-                          !seleccion.tope && consulta.orden.empty();
-    if (!sencilla) return std::nullopt;
-    const ItemSeleccion& item = seleccion.items[0];
-    const Expr& extremo = *item.expr;
-    const Expr& como = *seleccion.donde;
-    if (!EsAgregado(extremo) || (extremo.texto != "MAX" && extremo.texto != "MIN") ||
-        extremo.hijos.size() != 1 || extremo.hijos[0]->clase != ClaseExpr::Columna ||
-        !Igual(*extremo.hijos[0], *como.hijos[0], ambito)) {
-        return std::nullopt;
-    }
-    const auto columna = BuscarColumna(*extremo.hijos[0], ambito);
-    if (!columna || *columna == nullptr) return std::nullopt;
-    const auto rangos = RangosDePrefijo(como, (*columna)->tipo);
-    if (!rangos || rangos->size() < 2) return std::nullopt;
-    std::vector<ConsultaPtr> cada;
-    for (const auto& [desde, hasta] : *rangos) {
-        Consulta una;
-        una.simple.emplace();
-        una.simple->items.push_back({item.expr, "m", {}});
-        una.simple->fuentes = seleccion.fuentes;
-        una.simple->donde = Nodo(ClaseExpr::Entre, {},
-                                 {como.hijos[0], ComoTipo(Entero(desde), (*columna)->tipo),
-                                  ComoTipo(Entero(hasta), (*columna)->tipo)});
-        cada.push_back(std::make_shared<const Consulta>(std::move(una)));
-    }
-    Fuente fuente;
-    fuente.clase = Fuente::Clase::Derivada;
-    fuente.alias = "rangos";
-    fuente.consulta = Unir(std::move(cada));
-    Consulta nueva;
-    nueva.simple.emplace();
-    nueva.simple->fuentes.push_back(std::make_shared<const Fuente>(std::move(fuente)));
-    nueva.simple->items.push_back(
-        {Nodo(ClaseExpr::Funcion, extremo.texto, {Hoja(ClaseExpr::Columna, {}, {"m"})}), item.alias,
-         item.variable});
-    return nueva;
+    return Producto(seleccion, ambito).Repartir();
 }
 
 }  // namespace quimo::tsql
