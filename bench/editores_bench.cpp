@@ -12,11 +12,11 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-#include "catalog/editores.h"
+#include "catalog/editores/editores.h"
+#include "data/esquema.h"
 #include "foundation/conector.h"
-#include "foundation/esquema.h"
-#include "ui/mdi_principal.h"
-#include "ui/ventana_editor.h"
+#include "ui/editores/ventana_editor.h"
+#include "ui/principal/mdi_principal.h"
 
 using namespace Qt::StringLiterals;
 
@@ -79,7 +79,7 @@ int main(int argc, char* argv[]) {
     QApplication aplicacion(argc, argv);
     const QTemporaryDir carpeta;
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, carpeta.path());
-    const foundation::RelojSistema reloj;
+    const data::RelojSistema reloj;
     ui::DialogosQt dialogos;
     foundation::ClsBitacora bitacora({.PArchivoLog = carpeta.filePath(u"log"_s), .PMsgBox = false},
                                      dialogos, reloj);
@@ -89,7 +89,7 @@ int main(int argc, char* argv[]) {
     QString archivo = carpeta.filePath(u"central.db"_s);
     QString nadie;
     if (!ado.Conectar(servidor, archivo, nadie, nadie)) return 1;
-    if (!foundation::CrearBase(ado.Conexion(), Datos())) return 1;
+    if (!data::CrearBase(ado.Conexion(), Datos())) return 1;
 
     foundation::EstadoSesion sesion;
     ui::MDIPrincipal principal({ado, sesion, reloj, dialogos});

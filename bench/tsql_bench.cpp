@@ -6,9 +6,9 @@
 #include <QFile>
 #include <QTemporaryDir>
 
-#include "foundation/embedded/conexion_embebida.h"
-#include "foundation/embedded/sesion.h"
-#include "foundation/reloj.h"
+#include "data/embebido/conexion_embebida.h"
+#include "data/embebido/sesion.h"
+#include "data/reloj.h"
 #include "tsql/lotes.h"
 #include "tsql/parser.h"
 
@@ -24,7 +24,7 @@ QString Leer(const QString& archivo) {
     return QString::fromUtf8(f.readAll());
 }
 
-class RelojBanco final : public Reloj {
+class RelojBanco final : public data::Reloj {
 public:
     QDateTime Ahora() const override { return {QDate(2026, 11, 14), QTime(21, 36), Qt::UTC}; }
 };

@@ -2,8 +2,8 @@
 
 #include <QStringBuilder>
 
-#include "foundation/conexion_vigilada.h"
-#include "foundation/valores.h"
+#include "data/conexion_vigilada.h"
+#include "data/valores.h"
 
 using namespace Qt::StringLiterals;
 
@@ -13,9 +13,9 @@ namespace {
 
 constexpr qint64 kErrorPropio = 1;
 
-FalloSql Cerrada() {
-    return {FalloSql::kConexionCerrada,
-            {ErrorProveedor{u"08003"_s, 0, u"ClsAdo"_s, u"La conexión está cerrada."_s}}};
+data::FalloSql Cerrada() {
+    return {data::FalloSql::kConexionCerrada,
+            {data::ErrorProveedor{u"08003"_s, 0, u"ClsAdo"_s, u"La conexión está cerrada."_s}}};
 }
 
 QString TextoDe(const Cambio& cambio) {
@@ -27,7 +27,7 @@ QString TextoDe(const Cambio& cambio) {
 }
 
 /// The program's own database login, unless the installation names another one.
-DatosConexion ConAccesoPropio(DatosConexion datos) {
+data::DatosConexion ConAccesoPropio(data::DatosConexion datos) {
     datos.usuario = qEnvironmentVariable("QUIMO_BD_USUARIO", u"norsa"_s);
     datos.clave = qEnvironmentVariable("QUIMO_BD_CLAVE", u"lumex7310"_s);
     return datos;
@@ -35,12 +35,12 @@ DatosConexion ConAccesoPropio(DatosConexion datos) {
 
 }  // namespace
 
-bool ClsAdo::Fallar(FalloSql fallo) {
+bool ClsAdo::Fallar(data::FalloSql fallo) {
     pendiente_ = std::move(fallo);
     return false;
 }
 
-bool ClsAdo::Reportar(FalloSql fallo) {
+bool ClsAdo::Reportar(data::FalloSql fallo) {
     Fallar(std::move(fallo));
     ManejaError();
     return false;
@@ -51,7 +51,7 @@ bool ClsAdo::Conectar(QString& PsNom_servidor, QString& PsBase_de_datos, QString
     pendiente_.reset();
     datos_ = {PsNom_servidor, PsBase_de_datos, PsUID, PsPasswd};
     auto abierta = conector_(datos_);
-    while (!abierta && abierta.error().numero == FalloSql::kOtroAlAbrir) {
+    while (!abierta && abierta.error().numero == data::FalloSql::kOtroAlAbrir) {
         datos_ = ConAccesoPropio(datos_);
         PsUID = datos_.usuario;
         PsPasswd = datos_.clave;
@@ -64,9 +64,9 @@ bool ClsAdo::Conectar(QString& PsNom_servidor, QString& PsBase_de_datos, QString
         return false;
     }
     por_confirmar_.clear();
-    conexion_ = std::make_unique<ConexionVigilada>(
-        std::move(abierta).value(), [this](ConexionVigilada::Fin fin) {
-            if (fin == ConexionVigilada::Fin::Confirmada) {
+    conexion_ = std::make_unique<data::ConexionVigilada>(
+        std::move(abierta).value(), [this](data::ConexionVigilada::Fin fin) {
+            if (fin == data::ConexionVigilada::Fin::Confirmada) {
                 CClsBitacora.EscribirLineas(por_confirmar_);
             }
             por_confirmar_.resize(0);  // its memory serves the next one
@@ -79,10 +79,10 @@ void ClsAdo::Desconectar() {
     conexion_.reset();
 }
 
-bool ClsAdo::Consultar(RecordsetPtr& PrdrVariable, const QString& PsConsulta, int /*PvTipo*/,
+bool ClsAdo::Consultar(data::RecordsetPtr& PrdrVariable, const QString& PsConsulta, int /*PvTipo*/,
                        int /*PsLock*/, int /*PvOpciones*/) {
     if (!Conectado()) return Fallar(Cerrada());
-    auto abierto = Recordset::Abrir(*conexion_, PsConsulta);
+    auto abierto = data::Recordset::Abrir(*conexion_, PsConsulta);
     if (!abierto) return Fallar(std::move(abierto).error());
     PrdrVariable = *std::move(abierto);
     return true;
@@ -90,7 +90,7 @@ bool ClsAdo::Consultar(RecordsetPtr& PrdrVariable, const QString& PsConsulta, in
 
 bool ClsAdo::EjecutarCambio(const QString& sentencia) {
     if (!Conectado()) return Fallar(Cerrada());
-    RespuestaSql respuesta = conexion_->Ejecutar(sentencia);
+    data::RespuestaSql respuesta = conexion_->Ejecutar(sentencia);
     if (respuesta.fallo) return Fallar(*std::move(respuesta.fallo));
     return true;
 }
@@ -142,7 +142,7 @@ qsizetype ClsAdo::CambiarVarios(const QVector<Cambio>& cambios) {
     for (const Cambio& cambio : cambios)
         sentencias << TextoDe(cambio);
     const bool en_transaccion = conexion_->EnTransaccion();
-    RespuestaSql respuesta = conexion_->EjecutarVarias(sentencias);
+    data::RespuestaSql respuesta = conexion_->EjecutarVarias(sentencias);
     const qsizetype hechos = respuesta.resultados.size();
     QUIMO_CHECK(respuesta.fallo ? hechos < cambios.size() : hechos == cambios.size());
     if (respuesta.fallo) Fallar(*std::move(respuesta.fallo));
@@ -156,7 +156,7 @@ bool ClsAdo::Insertar(const QString& PsTabla, const QString& PsCampos, const QSt
     return Cambiar({Cambio::Clase::Insertar, PsTabla, PsCampos, PsValores});
 }
 
-bool ClsAdo::Modificar(const RecordsetPtr& PrdrConsulta, const QString& PsTabla,
+bool ClsAdo::Modificar(const data::RecordsetPtr& PrdrConsulta, const QString& PsTabla,
                        const QString& PsActualizacion, const QString& PsCondicion,
                        bool PbReposicionar) {
     if (!Cambiar({Cambio::Clase::Modificar, PsTabla, PsActualizacion, PsCondicion})) return false;
@@ -171,7 +171,7 @@ bool ClsAdo::Modificar(const RecordsetPtr& PrdrConsulta, const QString& PsTabla,
     return true;
 }
 
-bool ClsAdo::Borrar(const RecordsetPtr& PrdrConsulta, const QString& PsTabla,
+bool ClsAdo::Borrar(const data::RecordsetPtr& PrdrConsulta, const QString& PsTabla,
                     const std::optional<QString>& PsMensaje, const QString& PsCondicion,
                     bool PbPosicionar) {
     if (PsMensaje && dialogos_.Preguntar(u"¿Esta seguro de borrar "_s + *PsMensaje, Botones::SiNo,
@@ -192,10 +192,10 @@ bool ClsAdo::Borrar(const RecordsetPtr& PrdrConsulta, const QString& PsTabla,
     return false;
 }
 
-bool ClsAdo::Desplazar(const RecordsetPtr& PrdrVariable, const QString& PsDireccion,
+bool ClsAdo::Desplazar(const data::RecordsetPtr& PrdrVariable, const QString& PsDireccion,
                        qint32& PlnPosicion) {
     const QString direccion = PsDireccion.toUpper();
-    Recordset::Hecho movido;
+    data::Recordset::Hecho movido;
     if (direccion == u"SIGUIENTE"_s) {
         movido = PrdrVariable->MoveNext();
         if (movido) {
@@ -221,9 +221,9 @@ bool ClsAdo::Desplazar(const RecordsetPtr& PrdrVariable, const QString& PsDirecc
         movido = PrdrVariable->MoveLast();
         if (movido) PlnPosicion = static_cast<qint32>(PrdrVariable->RecordCount());
     } else {
-        movido = FalloSql{
+        movido = data::FalloSql{
             kErrorPropio,
-            {ErrorProveedor{QString(), 0, u"ClsRdo"_s, u"No existe ese desplazamiento"_s}}};
+            {data::ErrorProveedor{QString(), 0, u"ClsRdo"_s, u"No existe ese desplazamiento"_s}}};
     }
     if (movido) return true;
     Fallar(std::move(movido).error());
@@ -231,14 +231,14 @@ bool ClsAdo::Desplazar(const RecordsetPtr& PrdrVariable, const QString& PsDirecc
     return false;
 }
 
-bool ClsAdo::Reposicionar(const RecordsetPtr& PAdo, bool PbNuevo, bool PbBorrar) {
-    const auto colocar = [&]() -> Recordset::Hecho {
+bool ClsAdo::Reposicionar(const data::RecordsetPtr& PAdo, bool PbNuevo, bool PbBorrar) {
+    const auto colocar = [&]() -> data::Recordset::Hecho {
         if (PbBorrar) {
             QUIMO_TRY_VOID(PAdo->Delete());
             QUIMO_TRY_VOID(PAdo->MovePrevious());
             if (!PAdo->Bof()) return {};
             QUIMO_TRY_VOID(PAdo->Requery());
-            return PAdo->Vacio() ? Recordset::Hecho() : PAdo->MoveFirst();
+            return PAdo->Vacio() ? data::Recordset::Hecho() : PAdo->MoveFirst();
         }
         if (PbNuevo) {
             if (PAdo->EnAlta()) {
@@ -256,7 +256,7 @@ bool ClsAdo::Reposicionar(const RecordsetPtr& PAdo, bool PbNuevo, bool PbBorrar)
     return false;
 }
 
-QVariant ClsAdo::dbExecStored(const QString& PwQuery, bool Par, RecordsetPtr* PAdoRecordset,
+QVariant ClsAdo::dbExecStored(const QString& PwQuery, bool Par, data::RecordsetPtr* PAdoRecordset,
                               bool PbDevolver) {
     dialogos_.ProcesarEventos();
     QString consulta = PwQuery;
@@ -264,7 +264,7 @@ QVariant ClsAdo::dbExecStored(const QString& PwQuery, bool Par, RecordsetPtr* PA
         consulta.remove(0, 1);
     if (consulta.left(4).toUpper() != u"EXEC"_s) return 1;
     Registrar({consulta});
-    RespuestaSql respuesta;
+    data::RespuestaSql respuesta;
     if (Conectado()) {
         respuesta = conexion_->Ejecutar(consulta.mid(5));
     } else {
@@ -276,11 +276,12 @@ QVariant ClsAdo::dbExecStored(const QString& PwQuery, bool Par, RecordsetPtr* PA
         return -1;
     }
     if (!Par) return 1;
-    for (ResultadoSql& resultado : respuesta.resultados) {
+    for (data::ResultadoSql& resultado : respuesta.resultados) {
         if (!resultado.conjunto) continue;
         if (!PbDevolver) return resultado.conjunto->filas.value(0).value(0);
         if (PAdoRecordset != nullptr) {
-            *PAdoRecordset = Recordset::DeConjunto(*conexion_, *std::move(resultado.conjunto));
+            *PAdoRecordset =
+                data::Recordset::DeConjunto(*conexion_, *std::move(resultado.conjunto));
         }
         return 1;
     }
@@ -299,8 +300,9 @@ void ClsAdo::Cancela_Transaccion() {
     if (Conectado()) static_cast<void>(conexion_->Revertir());
 }
 
-base::Result<QString, FalloSql> ValorCampo(ClsAdo& ado, const QString& tabla,
-                                           const QString& expresion, const QString& condicion) {
+base::Result<QString, data::FalloSql> ValorCampo(ClsAdo& ado, const QString& tabla,
+                                                 const QString& expresion,
+                                                 const QString& condicion) {
     QString columna = expresion;
     QString seleccion = expresion;
     const qsizetype alias = expresion.toUpper().indexOf(u" AS"_s);
@@ -314,20 +316,21 @@ base::Result<QString, FalloSql> ValorCampo(ClsAdo& ado, const QString& tabla,
     QString consulta = u"SELECT "_s + seleccion;
     if (!tabla.isEmpty()) consulta += u" FROM "_s + tabla;
     if (!condicion.isEmpty()) consulta += u" WHERE "_s + condicion;
-    RecordsetPtr filas;
+    data::RecordsetPtr filas;
     if (!ado.Consultar(filas, consulta)) return *ado.Pendiente();
     QUIMO_TRY(const QVariant valor, filas->Campo(columna));
-    return TextoDeValor(valor);
+    return data::TextoDeValor(valor);
 }
 
-base::Result<QVector<EntradaCombo>, FalloSql> LlenaCombo(ClsAdo& ado, const QString& consulta) {
-    RecordsetPtr filas;
+base::Result<QVector<EntradaCombo>, data::FalloSql> LlenaCombo(ClsAdo& ado,
+                                                               const QString& consulta) {
+    data::RecordsetPtr filas;
     if (!ado.Consultar(filas, consulta)) return *ado.Pendiente();
     QVector<EntradaCombo> entradas;
     while (filas->HayActual()) {
         QUIMO_TRY(const QVariant texto, filas->Campo(0));
         QUIMO_TRY(const QVariant dato, filas->Campo(1));
-        entradas.append({TextoDeValor(texto), dato.toInt()});
+        entradas.append({data::TextoDeValor(texto), dato.toInt()});
         QUIMO_TRY_VOID(filas->MoveNext());
     }
     return entradas;

@@ -9,24 +9,13 @@
 #include <QString>
 #include <QStringList>
 
+#include "data/datos_conexion.h"
+#include "data/recordset.h"
+#include "data/sql_connection.h"
 #include "foundation/cls_bitacora.h"
 #include "foundation/dialogos.h"
-#include "foundation/recordset.h"
-#include "foundation/sql_connection.h"
 
 namespace quimo::foundation {
-
-/// What a connection is opened with.
-struct DatosConexion {
-    QString servidor;
-    QString base_de_datos;
-    QString usuario;
-    QString clave;
-};
-
-/// Opens a connection of whichever engine the server word names.
-using Conector =
-    std::function<base::Result<std::unique_ptr<SqlConnection>, FalloSql>(const DatosConexion&)>;
 
 /// One INSERT or UPDATE of a group.
 struct Cambio {
@@ -50,7 +39,7 @@ public:
     static constexpr int kTextoComando = 1;
 
     /// The ports and the log must outlive the object.
-    ClsAdo(Conector conector, Dialogos& dialogos, ClsBitacora& bitacora)
+    ClsAdo(data::Conector conector, Dialogos& dialogos, ClsBitacora& bitacora)
         : CClsBitacora(bitacora), conector_(std::move(conector)), dialogos_(dialogos) {}
     ClsAdo(const ClsAdo&) = delete;
     ClsAdo& operator=(const ClsAdo&) = delete;
@@ -72,7 +61,7 @@ public:
     void Desconectar();
 
     /// Opens a query into a new record set. False when the database refuses it; nothing is shown.
-    bool Consultar(RecordsetPtr& PrdrVariable, const QString& PsConsulta,
+    bool Consultar(data::RecordsetPtr& PrdrVariable, const QString& PsConsulta,
                    int PvTipo = kCursorEstatico, int PsLock = kBloqueoOptimista,
                    int PvOpciones = kTextoComando);
 
@@ -82,7 +71,7 @@ public:
 
     /// "UPDATE PsTabla SET PsActualizacion WHERE PsCondicion"; with PbReposicionar the record set
     /// is read again and returns to the row it was on. False when refused; nothing is shown.
-    bool Modificar(const RecordsetPtr& PrdrConsulta, const QString& PsTabla,
+    bool Modificar(const data::RecordsetPtr& PrdrConsulta, const QString& PsTabla,
                    const QString& PsActualizacion, const QString& PsCondicion,
                    bool PbReposicionar = false);
 
@@ -94,24 +83,24 @@ public:
 
     /// "DELETE FROM PsTabla WHERE PsCondicion"; an empty condition empties the table. With
     /// PsMensaje it asks first. A refusal is shown by ManejaError.
-    bool Borrar(const RecordsetPtr& PrdrConsulta, const QString& PsTabla,
+    bool Borrar(const data::RecordsetPtr& PrdrConsulta, const QString& PsTabla,
                 const std::optional<QString>& PsMensaje, const QString& PsCondicion,
                 bool PbPosicionar = false);
 
     /// Moves a record set "PRIMERO", "ANTERIOR", "SIGUIENTE" or "ULTIMO" and keeps PlnPosicion.
-    bool Desplazar(const RecordsetPtr& PrdrVariable, const QString& PsDireccion,
+    bool Desplazar(const data::RecordsetPtr& PrdrVariable, const QString& PsDireccion,
                    qint32& PlnPosicion);
 
     /// Places a record set after an edit. A pending new row is written first, and stays pending
     /// when it is refused; then the last row is current. With PbBorrar the current row is deleted
     /// and the one before it is current. A failure is told by ManejaError.
-    bool Reposicionar(const RecordsetPtr& PAdo, bool PbNuevo, bool PbBorrar);
+    bool Reposicionar(const data::RecordsetPtr& PAdo, bool PbNuevo, bool PbBorrar);
 
     /// Runs "EXEC ..." after letting pending events run. 1 when there was nothing to do or nothing
     /// is wanted back, -1 after a failure (which was shown), else the first column of the first
     /// row; with PbDevolver the rows are handed back in PAdoRecordset.
     QVariant dbExecStored(const QString& PwQuery, bool Par = false,
-                          RecordsetPtr* PAdoRecordset = nullptr, bool PbDevolver = false);
+                          data::RecordsetPtr* PAdoRecordset = nullptr, bool PbDevolver = false);
 
     /// Transactions. Every error is ignored, a failed commit included.
     void Inicia_Transaccion();
@@ -122,43 +111,44 @@ public:
     /// the server or the data source was not found.
     bool ManejaError();
     /// Tells a failure that a screen met on a record set, as ManejaError does. Always false.
-    bool Reportar(FalloSql fallo);
+    bool Reportar(data::FalloSql fallo);
     // NOLINTEND(readability-identifier-naming)
 
     /// The failure of the last operation that failed, until ManejaError took it.
-    const std::optional<FalloSql>& Pendiente() const { return pendiente_; }
+    const std::optional<data::FalloSql>& Pendiente() const { return pendiente_; }
 
     bool Conectado() const { return conexion_ != nullptr && conexion_->Abierta(); }
     /// The open connection, so that screens can run their own commands on it. Check Conectado().
-    SqlConnection& Conexion() {
+    data::SqlConnection& Conexion() {
         QUIMO_CHECK(conexion_ != nullptr);
         return *conexion_;
     }
     Dialogos& Dialogo() { return dialogos_; }
-    const DatosConexion& Datos() const { return datos_; }
+    const data::DatosConexion& Datos() const { return datos_; }
 
 private:
-    bool Fallar(FalloSql fallo);
+    bool Fallar(data::FalloSql fallo);
     bool EjecutarCambio(const QString& sentencia);
     bool Cambiar(const Cambio& cambio);
-    void DespacharNativo(const FalloSql& fallo, bool& sin_servidor);
+    void DespacharNativo(const data::FalloSql& fallo, bool& sin_servidor);
     void Registrar(std::initializer_list<QStringView> partes);
     void RegistrarCambios(std::span<const Cambio> cambios);
     void RegistrarFallo(const QVector<QVariant>& partes) { CClsBitacora.Escribir(partes); }
     void ConflictoDeReferencia(const QString& descripcion);
 
-    Conector conector_;
+    data::Conector conector_;
     Dialogos& dialogos_;
-    std::unique_ptr<SqlConnection> conexion_;
-    DatosConexion datos_;
-    std::optional<FalloSql> pendiente_;
+    std::unique_ptr<data::SqlConnection> conexion_;
+    data::DatosConexion datos_;
+    std::optional<data::FalloSql> pendiente_;
     QByteArray por_confirmar_;  // log lines of the transaction that is open
 };
 
 /// One value as text: "SELECT PsExpresion FROM PsTabla WHERE PsCondicion", both parts left out when
 /// empty; NULL is "". An answer without rows is number 3021.
-base::Result<QString, FalloSql> ValorCampo(ClsAdo& ado, const QString& tabla,
-                                           const QString& expresion, const QString& condicion);
+base::Result<QString, data::FalloSql> ValorCampo(ClsAdo& ado, const QString& tabla,
+                                                 const QString& expresion,
+                                                 const QString& condicion);
 
 /// An entry of a list: what is shown and the key behind it.
 struct EntradaCombo {
@@ -167,6 +157,7 @@ struct EntradaCombo {
 };
 
 /// The rows of a query as list entries: column 0 the text, column 1 the key.
-base::Result<QVector<EntradaCombo>, FalloSql> LlenaCombo(ClsAdo& ado, const QString& consulta);
+base::Result<QVector<EntradaCombo>, data::FalloSql> LlenaCombo(ClsAdo& ado,
+                                                               const QString& consulta);
 
 }  // namespace quimo::foundation

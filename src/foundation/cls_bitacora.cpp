@@ -10,8 +10,8 @@
 #include <QFileInfo>
 #include <QStringEncoder>
 
+#include "data/valores.h"
 #include "foundation/rutas.h"
-#include "foundation/valores.h"
 
 using namespace Qt::StringLiterals;
 
@@ -45,7 +45,8 @@ QString MotivoDe(const QFile& archivo) {
 
 }  // namespace
 
-ClsBitacora::ClsBitacora(const OpcionesBitacora& opciones, Dialogos& dialogos, const Reloj& reloj)
+ClsBitacora::ClsBitacora(const OpcionesBitacora& opciones, Dialogos& dialogos,
+                         const data::Reloj& reloj)
     : dialogos_(dialogos),
       reloj_(reloj),
       archivo_(opciones.PArchivoLog.value_or(RutaFija(CarpetaInstalacion(), u"C:\\QUIMO.log"_s))),
@@ -62,7 +63,7 @@ ClsBitacora::ClsBitacora(const OpcionesBitacora& opciones, Dialogos& dialogos, c
 QByteArray ClsBitacora::Linea(const QVector<QVariant>& partes) const {
     QStringList textos;
     for (const QVariant& parte : partes)
-        textos << TextoDeValor(parte);
+        textos << data::TextoDeValor(parte);
     const QVector<QStringView> vistas(textos.cbegin(), textos.cend());
     QByteArray linea;
     AgregarLinea(linea, Principio(), vistas);

@@ -10,8 +10,8 @@
 #include <QVariant>
 #include <QVector>
 
+#include "data/reloj.h"
 #include "foundation/dialogos.h"
-#include "foundation/reloj.h"
 
 namespace quimo::foundation {
 
@@ -40,7 +40,7 @@ QString UsuarioDelSistema();
 class ClsBitacora {
 public:
     /// Writes the entry "Iniciando", "...Log Iniciado...". The ports must outlive the log.
-    ClsBitacora(const OpcionesBitacora& opciones, Dialogos& dialogos, const Reloj& reloj);
+    ClsBitacora(const OpcionesBitacora& opciones, Dialogos& dialogos, const data::Reloj& reloj);
 
     /// Appends one line: date and time, program, version, both users and the parts, each part
     /// followed by a tab. Line breaks inside a part become blanks, so that one event stays one
@@ -82,7 +82,7 @@ private:
     void Anexar(const QByteArray& lineas);
 
     Dialogos& dialogos_;
-    const Reloj& reloj_;
+    const data::Reloj& reloj_;
     QString archivo_;
     QString programa_;
     QString version_;

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "data/reloj.h"
 #include "foundation/cls_ado.h"
-#include "foundation/reloj.h"
 
 namespace quimo::foundation {
 
@@ -13,10 +13,10 @@ enum class SiFalta { Fallar, Crear };
 
 /// What the program opens its database with: the login that QUIMO_BD_USUARIO and QUIMO_BD_CLAVE
 /// name, or its own. The embedded engine takes any.
-DatosConexion AccesoDelPrograma(const QString& servidor, const QString& base_de_datos);
+data::DatosConexion AccesoDelPrograma(const QString& servidor, const QString& base_de_datos);
 
 /// Opens connections by their server word: the embedded engine, or SQL Server through ODBC. The
 /// clock must outlive the connections.
-Conector CrearConector(const Reloj& reloj, SiFalta si_falta = SiFalta::Fallar);
+data::Conector CrearConector(const data::Reloj& reloj, SiFalta si_falta = SiFalta::Fallar);
 
 }  // namespace quimo::foundation

@@ -18,7 +18,7 @@ QString TextoSuspendido() { return u"Usuario suspendido, contacte al administrad
 QString DondeUsuario(const QString& usuario) { return u"Usuario='"_s + usuario + u'\''; }
 
 // Fields of the query's first row; the columns are named by the query itself.
-QVariant Campo(const Recordset& filas, const QString& nombre) {
+QVariant Campo(const data::Recordset& filas, const QString& nombre) {
     const auto valor = filas.Campo(nombre);
     return valor ? *valor : QVariant();
 }
@@ -45,7 +45,7 @@ Login::Desenlace Login::Aceptar(const QString& usuario, const QString& contrasen
     }
     // Such a name would end the text it stands in, and what follows would be read as a statement.
     if (usuario.contains(u'\'')) return UsuarioDesconocido();
-    RecordsetPtr empleado;
+    data::RecordsetPtr empleado;
     if (!ado_.Consultar(
             empleado, u"SELECT Usuario,Intentos,Estado_Empleado,Contraseña FROM Empleado WHERE "_s +
                           DondeUsuario(usuario))) {
@@ -65,7 +65,7 @@ Login::Desenlace Login::UsuarioDesconocido() {
     return {.vaciar_usuario = true, .vaciar_contrasena = true, .foco = Foco::Usuario};
 }
 
-Login::Desenlace Login::Comprobar(const Recordset& empleado, const QString& usuario,
+Login::Desenlace Login::Comprobar(const data::Recordset& empleado, const QString& usuario,
                                   const QString& contrasena) {
     const QString estado = Campo(empleado, u"Estado_Empleado"_s).toString().trimmed();
     if (estado == u"S"_s) {
@@ -88,7 +88,7 @@ bool Login::Coincide(const QString& guardada, const QString& contrasena) const {
 
 Login::Desenlace Login::Entrar(const QString& usuario) {
     CambiarEmpleado(usuario, u"Intentos=0"_s);
-    RecordsetPtr empleado;
+    data::RecordsetPtr empleado;
     if (!ado_.Consultar(empleado, u"SELECT ID_Empleado,Admin_Usuarios FROM Empleado WHERE "_s +
                                       DondeUsuario(usuario))) {
         ado_.ManejaError();

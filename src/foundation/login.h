@@ -37,7 +37,7 @@ public:
 
 private:
     Desenlace UsuarioDesconocido();
-    Desenlace Comprobar(const Recordset& empleado, const QString& usuario,
+    Desenlace Comprobar(const data::Recordset& empleado, const QString& usuario,
                         const QString& contrasena);
     Desenlace Entrar(const QString& usuario);
     Desenlace ContarFallo(const QString& usuario, int intentos);

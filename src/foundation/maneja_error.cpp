@@ -40,23 +40,23 @@ QString NumeroVisible(qint64 numero) { return QString::number(static_cast<qint32
 
 bool ClsAdo::ManejaError() {
     if (!pendiente_) return false;
-    const FalloSql fallo = *std::move(pendiente_);
+    const data::FalloSql fallo = *std::move(pendiente_);
     pendiente_.reset();
     const QString descripcion = fallo.Descripcion();
     bool sin_servidor = false;
     switch (fallo.numero) {
-        case FalloSql::kSinRegistro:
+        case data::FalloSql::kSinRegistro:
             dialogos_.Avisar(u"no hay registros"_s, Icono::Informacion);
             break;
         case 1:
             dialogos_.Avisar(descripcion, Icono::Ninguno);
             break;
-        case FalloSql::kOtroAlAbrir:
-        case FalloSql::kConexionCerrada:
+        case data::FalloSql::kOtroAlAbrir:
+        case data::FalloSql::kConexionCerrada:
             break;
-        case FalloSql::kAccesoNegado:
+        case data::FalloSql::kAccesoNegado:
             if (!fallo.errores.isEmpty() && fallo.errores.first().sqlstate.toInt() == 28000) break;
-            for (const ErrorProveedor& error : fallo.errores) {
+            for (const data::ErrorProveedor& error : fallo.errores) {
                 RegistrarFallo({u"Descripcion "_s + error.descripcion});
                 RegistrarFallo({u"Number "_s + QString::number(error.nativo)});
                 RegistrarFallo({u"Source "_s + error.origen});
@@ -67,13 +67,13 @@ bool ClsAdo::ManejaError() {
             dialogos_.Avisar(u"No hay registros"_s, Icono::Informacion, CpsTitulo);
             RegistrarFallo({u"No hay registros"_s, QString(kMarca), descripcion});
             break;
-        case FalloSql::kConexionPerdida:
+        case data::FalloSql::kConexionPerdida:
             dialogos_.Avisar(TextoConexionPerdida(), Icono::Critico, CpsTitulo);
             RegistrarFallo({TextoConexionPerdida(), u"Fatal"_s, QString(kMarca), descripcion});
             break;
-        case FalloSql::kIntegridad:
-        case FalloSql::kSentencia:
-        case FalloSql::kServidorAusente:
+        case data::FalloSql::kIntegridad:
+        case data::FalloSql::kSentencia:
+        case data::FalloSql::kServidorAusente:
             DespacharNativo(fallo, sin_servidor);
             break;
         default: {
@@ -88,7 +88,7 @@ bool ClsAdo::ManejaError() {
     return sin_servidor;
 }
 
-void ClsAdo::DespacharNativo(const FalloSql& fallo, bool& sin_servidor) {
+void ClsAdo::DespacharNativo(const data::FalloSql& fallo, bool& sin_servidor) {
     const QString descripcion = fallo.Descripcion();
     const int nativo = fallo.Nativo();
     for (const TextoNativo& texto : kTextosNativos) {

@@ -6,16 +6,17 @@ using namespace Qt::StringLiterals;
 
 namespace quimo::foundation {
 
-base::Result<QString, FalloSql> Parametros::Leer(const QString& columna, QStringView clave) const {
+base::Result<QString, data::FalloSql> Parametros::Leer(const QString& columna,
+                                                       QStringView clave) const {
     return ValorCampo(ado_, u"Parametros"_s, columna,
                       u"ID_Parametro='"_s + clave.toString() + u'\'');
 }
 
-base::Result<QString, FalloSql> Parametros::Cadena(QStringView clave) const {
+base::Result<QString, data::FalloSql> Parametros::Cadena(QStringView clave) const {
     return Leer(u"Valor_Cad"_s, clave);
 }
 
-base::Result<QString, FalloSql> Parametros::Numero(QStringView clave) const {
+base::Result<QString, data::FalloSql> Parametros::Numero(QStringView clave) const {
     return Leer(u"Valor_Num"_s, clave);
 }
 

@@ -21,12 +21,12 @@ public:
     explicit Parametros(ClsAdo& ado) : ado_(ado) {}
 
     /// Valor_Cad of a key, NULL as an empty text. A missing key is number 3021.
-    base::Result<QString, FalloSql> Cadena(QStringView clave) const;
+    base::Result<QString, data::FalloSql> Cadena(QStringView clave) const;
     /// Valor_Num of a key as text, NULL as an empty text. A missing key is number 3021.
-    base::Result<QString, FalloSql> Numero(QStringView clave) const;
+    base::Result<QString, data::FalloSql> Numero(QStringView clave) const;
 
 private:
-    base::Result<QString, FalloSql> Leer(const QString& columna, QStringView clave) const;
+    base::Result<QString, data::FalloSql> Leer(const QString& columna, QStringView clave) const;
 
     ClsAdo& ado_;
 };

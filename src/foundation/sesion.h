@@ -15,7 +15,7 @@ struct EstadoSesion {
 };
 
 /// The names of the rights that the employee's work groups grant, as EstadoSesion keeps them.
-base::Result<QString, FalloSql> CargaPermisos(ClsAdo& ado, qint16 id_empleado);
+base::Result<QString, data::FalloSql> CargaPermisos(ClsAdo& ado, qint16 id_empleado);
 
 /// Loads the session's rights; a failure is told, and leaves none.
 void CargarPermisosDe(ClsAdo& ado, EstadoSesion& sesion);

@@ -1,6 +1,6 @@
 // The desktop program from its command line to its main window, on real windows and a real
 // database.
-#include "app/escritorio.h"
+#include "app/escritorio/escritorio.h"
 
 #include <array>
 #include <memory>
@@ -15,14 +15,14 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-#include "app/demo/sql_demo.h"
+#include "data/esquema.h"
+#include "data/valores.h"
+#include "demo/sql_demo.h"
 #include "foundation/conector.h"
-#include "foundation/esquema.h"
 #include "foundation/permisos.h"
-#include "foundation/valores.h"
 #include "support/cajas_guion.h"
 #include "support/dialogos_guion.h"
-#include "ui/frm_inicio.h"
+#include "ui/principal/frm_inicio.h"
 
 namespace quimo::app {
 namespace {
@@ -44,7 +44,7 @@ protected:
         base_ = carpeta_.filePath(u"central.db"_s);
         ASSERT_TRUE(cifrado_.Preparar());
         Conectar(base_);
-        ASSERT_TRUE(foundation::CrearBase(ado_->Conexion()));
+        ASSERT_TRUE(data::CrearBase(ado_->Conexion()));
         Ejecutar(
             u"INSERT INTO Parametros (ID_Parametro,Valor_Cad) VALUES "
             "('FECHA_TRABAJO','14112026')"_s);

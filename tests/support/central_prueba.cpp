@@ -4,8 +4,8 @@
 
 #include <QFile>
 
+#include "data/esquema.h"
 #include "foundation/conector.h"
-#include "foundation/esquema.h"
 
 using namespace Qt::StringLiterals;
 
@@ -32,7 +32,7 @@ bool CopiarRestaurante(const QString& destino) {
         auto conexion = foundation::CrearConector(
             reloj, foundation::SiFalta::Crear)({u"embebido"_s, original, {}, {}});
         if (!conexion) return false;
-        if (!foundation::CrearBase(**conexion, QString::fromUtf8(datos.readAll()))) return false;
+        if (!data::CrearBase(**conexion, QString::fromUtf8(datos.readAll()))) return false;
         (*conexion)->Cerrar();
     }
     return QFile::copy(original, destino);
@@ -50,13 +50,13 @@ CentralPrueba::CentralPrueba()
 }
 
 void CentralPrueba::Ejecutar(const QString& tsql) {
-    const foundation::RespuestaSql respuesta = ado_.Conexion().Ejecutar(tsql);
+    const data::RespuestaSql respuesta = ado_.Conexion().Ejecutar(tsql);
     EXPECT_FALSE(respuesta.fallo) << tsql.toStdString() << "\n"
                                   << respuesta.fallo->Descripcion().toStdString();
 }
 
-foundation::RecordsetPtr CentralPrueba::Abrir(const QString& consulta) {
-    foundation::RecordsetPtr filas;
+data::RecordsetPtr CentralPrueba::Abrir(const QString& consulta) {
+    data::RecordsetPtr filas;
     EXPECT_TRUE(ado_.Consultar(filas, consulta)) << consulta.toStdString();
     return filas;
 }

@@ -22,7 +22,7 @@ public:
     /// Runs a statement that must succeed.
     void Ejecutar(const QString& tsql);
     /// The rows of a query that must succeed.
-    foundation::RecordsetPtr Abrir(const QString& consulta);
+    data::RecordsetPtr Abrir(const QString& consulta);
 
 private:
     QTemporaryDir carpeta_;

@@ -4,17 +4,16 @@ using namespace Qt::StringLiterals;
 
 namespace quimo::pruebas {
 
-using foundation::FalloSql;
+using data::FalloSql;
 
 namespace {
 
-class ConexionEspia final : public foundation::SqlConnection {
+class ConexionEspia final : public data::SqlConnection {
 public:
     ConexionEspia(std::unique_ptr<SqlConnection> dentro, std::shared_ptr<Cinta> cinta)
         : dentro_(std::move(dentro)), cinta_(std::move(cinta)) {}
 
-    foundation::RespuestaSql Ejecutar(const QString& tsql,
-                                      const QVector<QVariant>& parametros) override {
+    data::RespuestaSql Ejecutar(const QString& tsql, const QVector<QVariant>& parametros) override {
         cinta_->sentencias << tsql;
         if (cinta_->falla) {
             if (auto fallo = cinta_->falla(tsql)) return {{}, {}, std::move(fallo)};
@@ -31,7 +30,7 @@ public:
     base::Result<void, FalloSql> Revertir() override { return dentro_->Revertir(); }
     bool EnTransaccion() const override { return dentro_->EnTransaccion(); }
     std::uint64_t TransaccionActual() const override { return dentro_->TransaccionActual(); }
-    base::Result<foundation::DefinicionTabla, FalloSql> Describir(const QString& tabla) override {
+    base::Result<data::DefinicionTabla, FalloSql> Describir(const QString& tabla) override {
         return dentro_->Describir(tabla);
     }
     bool Abierta() const override { return dentro_->Abierta(); }
@@ -55,19 +54,19 @@ QStringList Cinta::Tomar(const QStringList& principios) {
     return tomadas;
 }
 
-foundation::Conector ConEspia(foundation::Conector conector, std::shared_ptr<Cinta> cinta) {
-    return [conector = std::move(conector),
-            cinta = std::move(cinta)](const foundation::DatosConexion& datos)
-               -> base::Result<std::unique_ptr<foundation::SqlConnection>, FalloSql> {
-        QUIMO_TRY(std::unique_ptr<foundation::SqlConnection> abierta, conector(datos));
-        return std::unique_ptr<foundation::SqlConnection>(
-            std::make_unique<ConexionEspia>(std::move(abierta), cinta));
-    };
+data::Conector ConEspia(data::Conector conector, std::shared_ptr<Cinta> cinta) {
+    return
+        [conector = std::move(conector), cinta = std::move(cinta)](const data::DatosConexion& datos)
+            -> base::Result<std::unique_ptr<data::SqlConnection>, FalloSql> {
+            QUIMO_TRY(std::unique_ptr<data::SqlConnection> abierta, conector(datos));
+            return std::unique_ptr<data::SqlConnection>(
+                std::make_unique<ConexionEspia>(std::move(abierta), cinta));
+        };
 }
 
 FalloSql ConexionRota() {
     return {FalloSql::kConexionPerdida,
-            {foundation::ErrorProveedor{u"08S01"_s, 0, u"prueba"_s, u"link failure"_s}}};
+            {data::ErrorProveedor{u"08S01"_s, 0, u"prueba"_s, u"link failure"_s}}};
 }
 
 }  // namespace quimo::pruebas

@@ -6,8 +6,8 @@
 #include <QStringList>
 #include <QVector>
 
+#include "data/reloj.h"
 #include "foundation/dialogos.h"
-#include "foundation/reloj.h"
 
 namespace quimo::pruebas {
 
@@ -56,7 +56,7 @@ private:
 };
 
 /// A clock that stands still.
-class RelojFijo final : public foundation::Reloj {
+class RelojFijo final : public data::Reloj {
 public:
     explicit RelojFijo(const QDateTime& momento = QDateTime(QDate(2026, 11, 15), QTime(1, 30),
                                                             Qt::UTC))

@@ -3,7 +3,7 @@
 #include <QApplication>
 #include <QTemporaryDir>
 
-#include "ui/aspecto.h"
+#include "ui/controles/aspecto.h"
 
 // The tests of windows: one application without a display, whose settings are nobody's own.
 int main(int argc, char** argv) {

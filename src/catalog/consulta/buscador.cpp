@@ -4,7 +4,7 @@
 
 #include <QRegularExpression>
 
-#include "catalog/consulta/valores_escritos.h"
+#include "data/valores_escritos.h"
 
 using namespace Qt::StringLiterals;
 
@@ -33,13 +33,13 @@ QString SoloCifras(QString numero) { return numero.remove(u'$').remove(u',').rem
 struct Buscador::Patron {
     explicit Patron(const CriterioBusqueda& criterio)
         : modo(criterio.modo),
-          texto(Plegar(criterio.texto.trimmed())),
-          numero(LeerNumero(criterio.texto)),
+          texto(data::Plegar(criterio.texto.trimmed())),
+          numero(data::LeerNumero(criterio.texto)),
           cifras(numero ? QString::fromStdString(numero->ATexto()) : SoloCifras(texto)),
           es_cifras(cifras.contains(QRegularExpression(u"^[-.0-9]+$"_s))),
-          dia(LeerFecha(criterio.texto)),
+          dia(data::LeerFecha(criterio.texto)),
           fecha(dia ? dia->toString(u"dd/MM/yyyy"_s) : texto),
-          logico(LeerLogico(criterio.texto)) {}
+          logico(data::LeerLogico(criterio.texto)) {}
 
     ModoBusqueda modo;
     QString texto;
@@ -51,7 +51,7 @@ struct Buscador::Patron {
     std::optional<bool> logico;
 };
 
-Buscador::Buscador(foundation::RecordsetPtr filas, QVector<CampoBusqueda> campos)
+Buscador::Buscador(data::RecordsetPtr filas, QVector<CampoBusqueda> campos)
     : filas_(std::move(filas)), campos_(std::move(campos)) {
     campos_.removeIf(
         [this](const CampoBusqueda& campo) { return filas_->IndiceDe(campo.columna) < 0; });
@@ -61,7 +61,8 @@ QVector<Buscador::Lugar> Buscador::LugaresDe(qsizetype campo) const {
     QVector<Lugar> lugares;
     for (qsizetype i = 0; i < campos_.size(); ++i) {
         const qsizetype columna = filas_->IndiceDe(campos_[i].columna);
-        const bool bandera = ClaseDe(filas_->Columnas()[columna].tipo) == ClaseValor::Logico;
+        const bool bandera =
+            data::ClaseDe(filas_->Columnas()[columna].tipo) == data::ClaseValor::Logico;
         // Every flag says "Sí" or "No": looked for everywhere, "no" would stop at each row.
         if (campo == i || (campo == CriterioBusqueda::kTodos && !bandera))
             lugares.append({i, columna});
@@ -70,37 +71,38 @@ QVector<Buscador::Lugar> Buscador::LugaresDe(qsizetype campo) const {
 }
 
 QString Buscador::Visible(const QVariant& valor, qsizetype campo) const {
-    return campos_[campo].visible ? campos_[campo].visible(valor) : TextoVisible(valor);
+    return campos_[campo].visible ? campos_[campo].visible(valor) : data::TextoVisible(valor);
 }
 
 bool Buscador::Coincide(const QVariant& valor, const Lugar& lugar, const Patron& patron) const {
     if (!valor.isValid()) return false;
     if (campos_[lugar.campo].visible)
-        return CompararTextos(Plegar(campos_[lugar.campo].visible(valor)), patron.texto,
+        return CompararTextos(data::Plegar(campos_[lugar.campo].visible(valor)), patron.texto,
                               patron.modo);
-    switch (ClaseDe(filas_->Columnas()[lugar.columna].tipo)) {
-        case ClaseValor::Numero: {
+    switch (data::ClaseDe(filas_->Columnas()[lugar.columna].tipo)) {
+        case data::ClaseValor::Numero: {
             if (!patron.es_cifras) return false;
-            const QString visible = SoloCifras(TextoVisible(valor));
+            const QString visible = SoloCifras(data::TextoVisible(valor));
             if (patron.modo != ModoBusqueda::Igual)
                 return CompararTextos(visible, patron.cifras, patron.modo);
-            const auto numero = LeerNumero(visible);
-            return patron.numero && numero && Comparar(*numero, *patron.numero) == 0;
+            const auto numero = data::LeerNumero(visible);
+            return patron.numero && numero && data::Comparar(*numero, *patron.numero) == 0;
         }
-        case ClaseValor::Fecha:
+        case data::ClaseValor::Fecha:
             if (patron.modo == ModoBusqueda::Igual && patron.dia)
                 return valor.toDateTime().date() == *patron.dia;
-            return CompararTextos(TextoVisible(valor), patron.fecha, patron.modo);
-        case ClaseValor::Logico:
+            return CompararTextos(data::TextoVisible(valor), patron.fecha, patron.modo);
+        case data::ClaseValor::Logico:
             return patron.logico && *patron.logico == valor.toBool();
-        case ClaseValor::Texto:
-        case ClaseValor::Otro:
-            return CompararTextos(Plegar(TextoVisible(valor)), patron.texto, patron.modo);
+        case data::ClaseValor::Texto:
+        case data::ClaseValor::Otro:
+            return CompararTextos(data::Plegar(data::TextoVisible(valor)), patron.texto,
+                                  patron.modo);
     }
     return false;
 }
 
-bool Buscador::Coincide(const foundation::Fila& fila, const QVector<Lugar>& lugares,
+bool Buscador::Coincide(const data::Fila& fila, const QVector<Lugar>& lugares,
                         const Patron& patron) const {
     return std::any_of(lugares.begin(), lugares.end(), [&](const Lugar& lugar) {
         return Coincide(fila[lugar.columna], lugar, patron);

@@ -4,7 +4,7 @@
 
 #include <QVector>
 
-#include "foundation/recordset.h"
+#include "data/recordset.h"
 
 namespace quimo::catalog {
 
@@ -41,7 +41,7 @@ enum class Hallazgo {
 /// signs left out, with a decimal point or comma; dates as dd/mm/yyyy.
 class Buscador {
 public:
-    Buscador(foundation::RecordsetPtr filas, QVector<CampoBusqueda> campos);
+    Buscador(data::RecordsetPtr filas, QVector<CampoBusqueda> campos);
 
     const QVector<CampoBusqueda>& Campos() const { return campos_; }
     /// Goes to the first row that matches.
@@ -59,13 +59,13 @@ private:
         qsizetype columna;
     };
     Hallazgo Recorrer(const CriterioBusqueda& criterio, qsizetype desde);
-    bool Coincide(const foundation::Fila& fila, const QVector<Lugar>& lugares,
+    bool Coincide(const data::Fila& fila, const QVector<Lugar>& lugares,
                   const Patron& patron) const;
     bool Coincide(const QVariant& valor, const Lugar& lugar, const Patron& patron) const;
     QVector<Lugar> LugaresDe(qsizetype campo) const;
     QString Visible(const QVariant& valor, qsizetype campo) const;
 
-    foundation::RecordsetPtr filas_;
+    data::RecordsetPtr filas_;
     QVector<CampoBusqueda> campos_;
 };
 

@@ -4,7 +4,7 @@
 
 #include <QRegularExpression>
 
-#include "foundation/valores.h"
+#include "data/valores.h"
 
 using namespace Qt::StringLiterals;
 
@@ -12,7 +12,7 @@ namespace quimo::catalog {
 
 namespace {
 
-using foundation::TipoSql;
+using data::TipoSql;
 
 constexpr QChar kUltimoLatino(0xFF);
 
@@ -34,7 +34,7 @@ QString Entrecomillar(const QString& texto, TipoSql tipo) {
     const bool ancho =
         tipo == TipoSql::NChar || tipo == TipoSql::NVarChar ||
         std::any_of(texto.begin(), texto.end(), [](QChar c) { return c > kUltimoLatino; });
-    return (ancho ? u"N'"_s : u"'"_s) + foundation::DuplicaApostrofes(texto) + u'\'';
+    return (ancho ? u"N'"_s : u"'"_s) + data::DuplicaApostrofes(texto) + u'\'';
 }
 
 QString EscaparLike(const QString& texto) {
@@ -56,7 +56,7 @@ QDate UltimoDiaDe(TipoSql tipo) {
 }
 
 base::Result<Literal, Motivo> LeerDia(TipoSql tipo, const QString& valor) {
-    const auto dia = LeerFecha(valor);
+    const auto dia = data::LeerFecha(valor);
     if (!dia)
         return Motivo{
             u"«%1» no es una fecha que exista. Escríbala como día/mes/año: 31/12/2026."_s.arg(
@@ -73,23 +73,23 @@ base::Result<Literal, Motivo> LeerDia(TipoSql tipo, const QString& valor) {
 }
 
 base::Result<Literal, Motivo> LeerLiteral(const ColumnaFiltrable& columna, const QString& valor) {
-    switch (ClaseDe(columna.tipo)) {
-        case ClaseValor::Numero: {
-            const auto numero = LeerNumero(valor);
+    switch (data::ClaseDe(columna.tipo)) {
+        case data::ClaseValor::Numero: {
+            const auto numero = data::LeerNumero(valor);
             if (!numero) return Motivo{u"«%1» no es un número."_s.arg(valor)};
             Literal leido{QString::fromStdString(numero->ATexto()), {}};
             leido.numero = numero;
             return leido;
         }
-        case ClaseValor::Fecha:
+        case data::ClaseValor::Fecha:
             return LeerDia(columna.tipo, valor);
-        case ClaseValor::Logico: {
-            const auto logico = LeerLogico(valor);
+        case data::ClaseValor::Logico: {
+            const auto logico = data::LeerLogico(valor);
             if (!logico) return Motivo{u"Escriba Sí o No en vez de «%1»."_s.arg(valor)};
             return Literal{*logico ? u"1"_s : u"0"_s, {}};
         }
-        case ClaseValor::Texto:
-        case ClaseValor::Otro:
+        case data::ClaseValor::Texto:
+        case data::ClaseValor::Otro:
             break;
     }
     return Literal{Entrecomillar(valor, columna.tipo), {}};
@@ -100,7 +100,7 @@ std::optional<QString> PorCodigo(const ColumnaFiltrable& columna, Operador opera
                                  const QString& valor) {
     QStringList conocidos;
     for (const CodigoMostrado& uno : columna.codigos) {
-        const bool buscado = Plegar(uno.texto) == Plegar(valor);
+        const bool buscado = data::Plegar(uno.texto) == data::Plegar(valor);
         const QString literal = Entrecomillar(uno.codigo, columna.tipo);
         if (buscado && !uno.codigo.isEmpty()) {
             const QString& c = columna.columna;
@@ -156,14 +156,15 @@ base::Result<QString, Motivo> TextoDeEntre(const ColumnaFiltrable& columna, cons
     if (desde.isEmpty()) return hasta_aqui;
     QUIMO_TRY(const Literal uno, LeerLiteral(columna, desde));
     if ((uno.dia && *uno.dia > *otro.dia) ||
-        (uno.numero && Comparar(*uno.numero, *otro.numero) > 0))
+        (uno.numero && data::Comparar(*uno.numero, *otro.numero) > 0))
         return Motivo{u"El segundo valor de «entre» es menor que el primero."_s};
     return QString(u'(' + Comparacion(columna.columna, Operador::MayorIgual, uno) + u" AND "_s +
                    hasta_aqui + u')');
 }
 
 QString TextoDeVacio(const ColumnaFiltrable& columna) {
-    if (ClaseDe(columna.tipo) != ClaseValor::Texto) return columna.columna + u" IS NULL"_s;
+    if (data::ClaseDe(columna.tipo) != data::ClaseValor::Texto)
+        return columna.columna + u" IS NULL"_s;
     return u"(%1 IS NULL OR %1='')"_s.arg(columna.columna);
 }
 
@@ -235,15 +236,15 @@ QVector<CodigoMostrado> CodigosDe(QStringView expresion, QStringView columna) {
 QVector<Operador> ColumnaFiltrable::Operadores() const {
     using enum Operador;
     if (!codigos.isEmpty()) return {Igual, Distinto, Vacio};
-    switch (ClaseDe(tipo)) {
-        case ClaseValor::Texto:
+    switch (data::ClaseDe(tipo)) {
+        case data::ClaseValor::Texto:
             return {Contiene, Empieza, Igual, Distinto, MayorIgual, MenorIgual, Entre, Vacio};
-        case ClaseValor::Numero:
-        case ClaseValor::Fecha:
+        case data::ClaseValor::Numero:
+        case data::ClaseValor::Fecha:
             return {Igual, Distinto, MayorIgual, MenorIgual, Entre, Vacio};
-        case ClaseValor::Logico:
+        case data::ClaseValor::Logico:
             return {Igual, Distinto, Vacio};
-        case ClaseValor::Otro:
+        case data::ClaseValor::Otro:
             break;
     }
     if (tipo == TipoSql::Text || tipo == TipoSql::NText) return {Contiene, Empieza, Vacio};

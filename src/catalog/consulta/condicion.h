@@ -4,7 +4,7 @@
 #include <QString>
 #include <QVector>
 
-#include "catalog/consulta/valores_escritos.h"
+#include "data/valores_escritos.h"
 
 namespace quimo::catalog {
 
@@ -36,7 +36,7 @@ QVector<CodigoMostrado> CodigosDe(QStringView expresion, QStringView columna);
 struct ColumnaFiltrable {
     QString titulo;
     QString columna;  ///< as the statement names it
-    foundation::TipoSql tipo = foundation::TipoSql::VarChar;
+    data::TipoSql tipo = data::TipoSql::VarChar;
     QVector<CodigoMostrado> codigos = {};
 
     /// The operators that make sense for it, the usual one first.

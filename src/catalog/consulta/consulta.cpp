@@ -28,7 +28,7 @@ Consulta::Consulta(const FiltroDef& filtro, foundation::ClsAdo& ado) : filtro_(f
     QStringList columnas;
     for (const ColumnaFiltro& columna : filtro_.columnas) {
         columnas << columna.columna.toString();
-        columnas_.append({columna.titulo.toString(), columnas.last(), foundation::TipoSql::VarChar,
+        columnas_.append({columna.titulo.toString(), columnas.last(), data::TipoSql::VarChar,
                           CodigosDe(columna.expresion, columna.columna)});
     }
     if (const auto todos = TiposDe(columnas)) {
@@ -42,9 +42,9 @@ Consulta::Consulta(const FiltroDef& filtro, foundation::ClsAdo& ado) : filtro_(f
     }
 }
 
-std::optional<QVector<foundation::Columna>> Consulta::TiposDe(const QStringList& columnas) const {
+std::optional<QVector<data::Columna>> Consulta::TiposDe(const QStringList& columnas) const {
     if (!ado_.Conectado()) return std::nullopt;
-    const foundation::RespuestaSql respuesta = ado_.Conexion().Ejecutar(Unir(columnas, {u"1=0"_s}));
+    const data::RespuestaSql respuesta = ado_.Conexion().Ejecutar(Unir(columnas, {u"1=0"_s}));
     if (respuesta.fallo || respuesta.resultados.isEmpty() || !respuesta.resultados[0].conjunto ||
         respuesta.resultados[0].conjunto->columnas.size() != columnas.size()) {
         return std::nullopt;
@@ -83,7 +83,7 @@ base::Result<QString, CondicionMalEscrita> Consulta::Sentencia(
 
 bool Consulta::Ejecutar(const QString& sentencia) {
     tabla_ = {};
-    foundation::RecordsetPtr filas;
+    data::RecordsetPtr filas;
     bool hecho = false;
     {
         const Ocupado ocupado(ado_.Dialogo());

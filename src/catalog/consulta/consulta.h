@@ -4,7 +4,7 @@
 
 #include "catalog/consulta/condicion.h"
 #include "catalog/consulta/tabla_consulta.h"
-#include "catalog/filtro_def.h"
+#include "catalog/declaracion/filtro_def.h"
 #include "foundation/cls_ado.h"
 
 namespace quimo::catalog {
@@ -35,7 +35,7 @@ public:
 
 private:
     QString Unir(const QStringList& seleccion, const QStringList& condiciones) const;
-    std::optional<QVector<foundation::Columna>> TiposDe(const QStringList& columnas) const;
+    std::optional<QVector<data::Columna>> TiposDe(const QStringList& columnas) const;
 
     FiltroDef filtro_;
     foundation::ClsAdo& ado_;

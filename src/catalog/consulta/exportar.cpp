@@ -9,8 +9,8 @@
 #include <QSaveFile>
 #include <QTemporaryDir>
 
-#include "catalog/consulta/valores_escritos.h"
-#include "foundation/valores.h"
+#include "data/valores.h"
+#include "data/valores_escritos.h"
 
 using namespace Qt::StringLiterals;
 
@@ -98,12 +98,12 @@ public:
                    LXW_NO_ERROR;
         if (valor.typeId() == QMetaType::QDateTime && valor.toDateTime().date() >= kDesde)
             return Fecha(fila, columna, valor.toDateTime());
-        const QString numero = foundation::TextoDeValor(valor);
+        const QString numero = data::TextoDeValor(valor);
         if (!EsTexto(valor) && CabeExacto(numero))
             return worksheet_write_number(hoja_, fila, columna, numero.toDouble(),
                                           Formato(FormatoDe(valor))) == LXW_NO_ERROR;
         return worksheet_write_string(hoja_, fila, columna,
-                                      TextoXml(TextoVisible(valor)).constData(),
+                                      TextoXml(data::TextoVisible(valor)).constData(),
                                       nullptr) == LXW_NO_ERROR;
     }
 
@@ -185,7 +185,8 @@ QByteArray TextoCsv(const TablaConsulta& tabla) {
         celdas.clear();
         for (qsizetype c = 0; c < tabla.Columnas(); ++c) {
             const QVariant& valor = tabla.Valor(f, c);
-            celdas << CeldaCsv(EsTexto(valor) ? SinFormula(valor.toString()) : TextoPlano(valor));
+            celdas << CeldaCsv(EsTexto(valor) ? SinFormula(valor.toString())
+                                              : data::TextoPlano(valor));
         }
         texto += celdas.join(u',') + u"\r\n"_s;
     }
@@ -219,7 +220,7 @@ QString TextoTabulado(const TablaConsulta& tabla, const QVector<qsizetype>& fila
     for (const qsizetype fila : filas) {
         QStringList celdas;
         for (qsizetype c = 0; c < tabla.Columnas(); ++c)
-            celdas << TextoPlano(tabla.Valor(fila, c)).replace(kCortes, u" "_s);
+            celdas << data::TextoPlano(tabla.Valor(fila, c)).replace(kCortes, u" "_s);
         lineas << celdas.join(u'\t');
     }
     return lineas.join(u'\n');

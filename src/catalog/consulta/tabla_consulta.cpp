@@ -6,7 +6,7 @@
 
 #include <QCollator>
 
-#include "catalog/consulta/valores_escritos.h"
+#include "data/valores_escritos.h"
 
 using namespace Qt::StringLiterals;
 
@@ -24,7 +24,7 @@ int CompararValores(const QVariant& uno, const QVariant& otro) {
     if (uno.typeId() == qMetaTypeId<base::Dinero>())
         return EnOrden(uno.value<base::Dinero>(), otro.value<base::Dinero>());
     if (uno.typeId() == qMetaTypeId<base::Decimal>())
-        return Comparar(uno.value<base::Decimal>(), otro.value<base::Decimal>());
+        return data::Comparar(uno.value<base::Decimal>(), otro.value<base::Decimal>());
     if (uno.typeId() == QMetaType::Double) return EnOrden(uno.toDouble(), otro.toDouble());
     if (uno.typeId() == QMetaType::QDateTime) return EnOrden(uno.toDateTime(), otro.toDateTime());
     return EnOrden(uno.toLongLong(), otro.toLongLong());
@@ -32,25 +32,25 @@ int CompararValores(const QVariant& uno, const QVariant& otro) {
 
 }  // namespace
 
-TablaConsulta::TablaConsulta(const QStringList& titulos, foundation::Conjunto conjunto)
+TablaConsulta::TablaConsulta(const QStringList& titulos, data::Conjunto conjunto)
     : titulos_(titulos), conjunto_(std::move(conjunto)), orden_(conjunto_.filas.size()) {
     QUIMO_CHECK(titulos_.size() == conjunto_.columnas.size());
     std::iota(orden_.begin(), orden_.end(), 0);
 }
 
 QString TablaConsulta::Texto(qsizetype fila, qsizetype columna) const {
-    return TextoVisible(Valor(fila, columna));
+    return data::TextoVisible(Valor(fila, columna));
 }
 
 void TablaConsulta::Ordenar(qsizetype columna, Sentido sentido) {
-    const ClaseValor clase = ClaseDe(Tipo(columna));
-    const bool texto = clase == ClaseValor::Texto || clase == ClaseValor::Otro;
+    const data::ClaseValor clase = data::ClaseDe(Tipo(columna));
+    const bool texto = clase == data::ClaseValor::Texto || clase == data::ClaseValor::Otro;
     std::vector<QCollatorSortKey> claves;
     if (texto) {
         const QCollator cotejo(QLocale(QLocale::Spanish, QLocale::Mexico));
         claves.reserve(static_cast<size_t>(orden_.size()));
-        for (const foundation::Fila& fila : conjunto_.filas)
-            claves.push_back(cotejo.sortKey(TextoVisible(fila[columna])));
+        for (const data::Fila& fila : conjunto_.filas)
+            claves.push_back(cotejo.sortKey(data::TextoVisible(fila[columna])));
     }
     const auto comparar = [&](qsizetype a, qsizetype b) {
         const QVariant& uno = conjunto_.filas[a][columna];

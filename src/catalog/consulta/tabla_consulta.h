@@ -2,7 +2,7 @@
 
 #include <QStringList>
 
-#include "foundation/sql_connection.h"
+#include "data/sql_connection.h"
 
 namespace quimo::catalog {
 
@@ -13,12 +13,12 @@ class TablaConsulta {
 public:
     TablaConsulta() = default;
     /// One caption for each column of the set.
-    TablaConsulta(const QStringList& titulos, foundation::Conjunto conjunto);
+    TablaConsulta(const QStringList& titulos, data::Conjunto conjunto);
 
     qsizetype Filas() const { return orden_.size(); }
     qsizetype Columnas() const { return conjunto_.columnas.size(); }
     const QString& Titulo(qsizetype columna) const { return titulos_[columna]; }
-    foundation::TipoSql Tipo(qsizetype columna) const { return conjunto_.columnas[columna].tipo; }
+    data::TipoSql Tipo(qsizetype columna) const { return conjunto_.columnas[columna].tipo; }
     const QVariant& Valor(qsizetype fila, qsizetype columna) const {
         return conjunto_.filas[orden_[fila]][columna];
     }
@@ -33,7 +33,7 @@ public:
 
 private:
     QStringList titulos_;
-    foundation::Conjunto conjunto_;
+    data::Conjunto conjunto_;
     QVector<qsizetype> orden_;
 };
 

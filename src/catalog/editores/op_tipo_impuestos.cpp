@@ -1,5 +1,5 @@
-#include "catalog/detalle_sesion.h"
-#include "catalog/editores.h"
+#include "catalog/editores/editores.h"
+#include "catalog/sesion/detalle_sesion.h"
 
 using namespace Qt::StringLiterals;
 

@@ -1,6 +1,6 @@
 #include "base/dinero.h"
-#include "catalog/editores.h"
-#include "foundation/valores.h"
+#include "catalog/editores/editores.h"
+#include "data/valores.h"
 
 using namespace Qt::StringLiterals;
 
@@ -13,7 +13,7 @@ constexpr std::int64_t kCentavo = 100;  // ten-thousandths
 
 /// "$1,234.50"; amounts that cents cannot tell keep their four decimals.
 QString MostrarPrecio(const QVariant& guardado) {
-    const QString texto = foundation::TextoDeValor(guardado);
+    const QString texto = data::TextoDeValor(guardado);
     const auto precio = base::Dinero::DeTexto(texto.toStdString());
     if (!precio) return texto;
     if (precio->Diezmilesimas() % kCentavo != 0) return u'$' + texto;

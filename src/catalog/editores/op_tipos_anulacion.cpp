@@ -1,4 +1,4 @@
-#include "catalog/editores.h"
+#include "catalog/editores/editores.h"
 
 namespace quimo::catalog {
 

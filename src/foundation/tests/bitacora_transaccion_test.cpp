@@ -7,9 +7,9 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include "data/transaccion.h"
 #include "foundation/cls_ado.h"
 #include "foundation/conector.h"
-#include "foundation/transaccion.h"
 #include "support/conexion_espia.h"
 #include "support/dialogos_guion.h"
 
@@ -21,7 +21,7 @@ namespace {
 class BitacoraDeTransaccionTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        cinta_->falla = [this](const QString& sentencia) -> std::optional<FalloSql> {
+        cinta_->falla = [this](const QString& sentencia) -> std::optional<data::FalloSql> {
             if (sentencia.contains(u"perdida")) return pruebas::ConexionRota();
             return std::nullopt;
         };
@@ -32,7 +32,7 @@ protected:
         Mandar(u"CREATE TABLE T (a INT NOT NULL PRIMARY KEY, b VARCHAR(10) NULL)"_s);
     }
     void Mandar(const QString& texto) {
-        const RespuestaSql respuesta = ado_.Conexion().Ejecutar(texto);
+        const data::RespuestaSql respuesta = ado_.Conexion().Ejecutar(texto);
         EXPECT_FALSE(respuesta.fallo) << texto.toStdString();
     }
     bool Poner(int a) { return ado_.Insertar(u"T"_s, u"a"_s, QString::number(a)); }
@@ -49,10 +49,10 @@ protected:
         return entradas.join(u' ');
     }
     QString Filas() {
-        RecordsetPtr filas;
+        data::RecordsetPtr filas;
         EXPECT_TRUE(ado_.Consultar(filas, u"SELECT a FROM T ORDER BY a"_s));
         QStringList valores;
-        for (const Fila& fila : filas->Filas())
+        for (const data::Fila& fila : filas->Filas())
             valores << fila[0].toString();
         return valores.join(u' ');
     }
@@ -90,7 +90,7 @@ TEST_F(BitacoraDeTransaccionTest, SoloLoConfirmadoLlegaYConLaHoraDeCuandoPaso) {
         {"objeto",
          [](ClsAdo& ado) {
              // Inside another one: only the outer end counts.
-             auto otra = Transaccion::Iniciar(ado.Conexion());
+             auto otra = data::Transaccion::Iniciar(ado.Conexion());
              ASSERT_TRUE(otra);
              ASSERT_TRUE(otra->Confirmar());
              EXPECT_TRUE(ado.Conexion().EnTransaccion());
@@ -98,7 +98,7 @@ TEST_F(BitacoraDeTransaccionTest, SoloLoConfirmadoLlegaYConLaHoraDeCuandoPaso) {
          },
          true},
         {"objeto sin confirmar",
-         [](ClsAdo& ado) { ASSERT_TRUE(Transaccion::Iniciar(ado.Conexion())); }, false},
+         [](ClsAdo& ado) { ASSERT_TRUE(data::Transaccion::Iniciar(ado.Conexion())); }, false},
         {"texto que confirma", texto(u"COMMIT"), true},
         {"texto que deshace", texto(u"rollback transaction"), false},
         {"texto que confirma y falla", texto(u"COMMIT SELECT 1/0"), false},
@@ -171,44 +171,44 @@ TEST_F(BitacoraDeTransaccionTest, ElCambioQueNoLlegaNoSeCuenta) {
                                   {Cambio::Clase::Modificar, u"T"_s, u"b='perdida'"_s, u"a=2"_s},
                                   {Cambio::Clase::Insertar, u"T"_s, u"a"_s, u"3"_s}}),
               1);
-    EXPECT_EQ(ado_.Pendiente()->numero, FalloSql::kConexionPerdida);
+    EXPECT_EQ(ado_.Pendiente()->numero, data::FalloSql::kConexionPerdida);
     ado_.Termina_Transaccion();
     EXPECT_EQ(Bitacora(), u"00=1 00=2"_s);
     EXPECT_EQ(Filas(), u"1 2"_s);
 }
 
 /// A connection whose COMMIT fails and takes the transaction with it.
-class ConexionSinCommit final : public SqlConnection {
+class ConexionSinCommit final : public data::SqlConnection {
 public:
-    explicit ConexionSinCommit(std::unique_ptr<SqlConnection> dentro)
+    explicit ConexionSinCommit(std::unique_ptr<data::SqlConnection> dentro)
         : dentro_(std::move(dentro)) {}
-    RespuestaSql Ejecutar(const QString& tsql, const QVector<QVariant>& parametros) override {
+    data::RespuestaSql Ejecutar(const QString& tsql, const QVector<QVariant>& parametros) override {
         return dentro_->Ejecutar(tsql, parametros);
     }
-    base::Result<void, FalloSql> Iniciar() override { return dentro_->Iniciar(); }
-    base::Result<void, FalloSql> Confirmar() override {
+    base::Result<void, data::FalloSql> Iniciar() override { return dentro_->Iniciar(); }
+    base::Result<void, data::FalloSql> Confirmar() override {
         static_cast<void>(dentro_->Revertir());
         return pruebas::ConexionRota();
     }
-    base::Result<void, FalloSql> Revertir() override { return dentro_->Revertir(); }
+    base::Result<void, data::FalloSql> Revertir() override { return dentro_->Revertir(); }
     bool EnTransaccion() const override { return dentro_->EnTransaccion(); }
     std::uint64_t TransaccionActual() const override { return dentro_->TransaccionActual(); }
-    base::Result<DefinicionTabla, FalloSql> Describir(const QString& tabla) override {
+    base::Result<data::DefinicionTabla, data::FalloSql> Describir(const QString& tabla) override {
         return dentro_->Describir(tabla);
     }
     bool Abierta() const override { return dentro_->Abierta(); }
     void Cerrar() override { dentro_->Cerrar(); }
 
 private:
-    std::unique_ptr<SqlConnection> dentro_;
+    std::unique_ptr<data::SqlConnection> dentro_;
 };
 
 TEST_F(BitacoraDeTransaccionTest, ElCommitQueFallaNoDejaLineas) {
     ClsAdo otro(
-        [this](
-            const DatosConexion& datos) -> base::Result<std::unique_ptr<SqlConnection>, FalloSql> {
-            QUIMO_TRY(std::unique_ptr<SqlConnection> abierta, CrearConector(reloj_)(datos));
-            return std::unique_ptr<SqlConnection>(
+        [this](const data::DatosConexion& datos)
+            -> base::Result<std::unique_ptr<data::SqlConnection>, data::FalloSql> {
+            QUIMO_TRY(std::unique_ptr<data::SqlConnection> abierta, CrearConector(reloj_)(datos));
+            return std::unique_ptr<data::SqlConnection>(
                 std::make_unique<ConexionSinCommit>(std::move(abierta)));
         },
         dialogos_, bitacora_);
@@ -239,7 +239,7 @@ TEST_F(BitacoraDeTransaccionTest, VariosCambiosSonComoUnoPorUno) {
     EXPECT_EQ(Bitacora(), u"00=1,'x' 00=b='y' 00=b='z'"_s);
     ado_.Desconectar();
     EXPECT_EQ(ado_.CambiarVarios(cambios), 0);
-    EXPECT_EQ(ado_.Pendiente()->numero, FalloSql::kConexionCerrada);
+    EXPECT_EQ(ado_.Pendiente()->numero, data::FalloSql::kConexionCerrada);
 }
 
 }  // namespace

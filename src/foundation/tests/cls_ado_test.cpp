@@ -5,9 +5,9 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include "data/valores.h"
 #include "foundation/conector.h"
 #include "foundation/parametros.h"
-#include "foundation/valores.h"
 #include "support/dialogos_guion.h"
 
 using namespace Qt::StringLiterals;
@@ -39,7 +39,8 @@ protected:
                  u"Menu WHERE ID_Menu>=@minimo",
                  u"CREATE PROCEDURE Quejarse AS RAISERROR('Faltan datos',16,1)",
              }) {
-            const RespuestaSql respuesta = ado_.Conexion().Ejecutar(QString::fromUtf16(sentencia));
+            const data::RespuestaSql respuesta =
+                ado_.Conexion().Ejecutar(QString::fromUtf16(sentencia));
             ASSERT_FALSE(respuesta.fallo) << respuesta.fallo->Descripcion().toStdString();
         }
     }
@@ -60,14 +61,14 @@ protected:
         }
         return entradas.mid(1);
     }
-    RecordsetPtr Abrir(const QString& consulta) {
-        RecordsetPtr filas;
+    data::RecordsetPtr Abrir(const QString& consulta) {
+        data::RecordsetPtr filas;
         EXPECT_TRUE(ado_.Consultar(filas, consulta)) << consulta.toStdString();
         return filas;
     }
-    static QString Campo(const RecordsetPtr& filas, const QString& nombre) {
+    static QString Campo(const data::RecordsetPtr& filas, const QString& nombre) {
         const auto valor = filas->Campo(nombre);
-        return valor ? TextoDeValor(*valor) : u"sin registro"_s;
+        return valor ? data::TextoDeValor(*valor) : u"sin registro"_s;
     }
 
     QTemporaryDir carpeta_;
@@ -79,7 +80,7 @@ protected:
 
 TEST_F(ClsAdoTest, CadaCambioQuedaEnLaBitacoraYLoFallidoNo) {
     EXPECT_TRUE(ado_.Insertar(u"Menu"_s, u"ID_Menu,Nombre_Menu"_s,
-                              u"4,'"_s + DuplicaApostrofes(u"D'Or"_s) + u"'"_s));
+                              u"4,'"_s + data::DuplicaApostrofes(u"D'Or"_s) + u"'"_s));
     EXPECT_TRUE(ado_.Modificar(nullptr, u"Menu"_s, u"Precio=4"_s, u"ID_Menu=4"_s));
     EXPECT_TRUE(ado_.Borrar(nullptr, u"Menu"_s, std::nullopt, u"ID_Menu=4"_s));
     EXPECT_EQ(ado_.dbExecStored(u"  exec Contar 2"_s, true).toInt(), 2);
@@ -105,13 +106,13 @@ TEST_F(ClsAdoTest, BorrarPreguntaYDiceQuienLoUsa) {
                           u"'Productos'"_s});
 
     // An empty condition empties the table, and the record set of the screen is read again.
-    const RecordsetPtr filas = Abrir(u"SELECT * FROM Productos"_s);
+    const data::RecordsetPtr filas = Abrir(u"SELECT * FROM Productos"_s);
     EXPECT_TRUE(ado_.Borrar(filas, u"Productos"_s, std::nullopt, QString(), true));
     EXPECT_TRUE(filas->Vacio());
 }
 
 TEST_F(ClsAdoTest, DesplazarSeQuedaEnElUltimoPeroCuentaUnoMas) {
-    const RecordsetPtr filas = Abrir(u"SELECT * FROM Menu ORDER BY ID_Menu"_s);
+    const data::RecordsetPtr filas = Abrir(u"SELECT * FROM Menu ORDER BY ID_Menu"_s);
     struct Paso {
         QString direccion;
         QString menu;
@@ -141,7 +142,7 @@ TEST_F(ClsAdoTest, DesplazarSeQuedaEnElUltimoPeroCuentaUnoMas) {
 }
 
 TEST_F(ClsAdoTest, ModificarYReposicionarVuelvenALaFila) {
-    const RecordsetPtr filas = Abrir(u"SELECT * FROM Menu ORDER BY ID_Menu"_s);
+    const data::RecordsetPtr filas = Abrir(u"SELECT * FROM Menu ORDER BY ID_Menu"_s);
     ASSERT_TRUE(filas->MoveNext());
     EXPECT_TRUE(ado_.Modificar(filas, u"Menu"_s, u"Precio=2.25"_s, u"ID_Menu=2"_s, true));
     EXPECT_EQ(Campo(filas, u"Precio"_s), u"2.2500"_s);
@@ -156,7 +157,7 @@ TEST_F(ClsAdoTest, ModificarYReposicionarVuelvenALaFila) {
 }
 
 TEST_F(ClsAdoTest, ElConjuntoAgregaCambiaYBorraEnLaBase) {
-    const RecordsetPtr filas = Abrir(u"SELECT * FROM Productos ORDER BY ID"_s);
+    const data::RecordsetPtr filas = Abrir(u"SELECT * FROM Productos ORDER BY ID"_s);
     ASSERT_TRUE(filas->AddNew());
     ASSERT_TRUE(filas->Asignar(u"id_menu"_s, 3));
     ASSERT_TRUE(filas->Asignar(u"Alta"_s, QDateTime(QDate(2026, 2, 28), QTime(1, 2, 3), Qt::UTC)));
@@ -195,7 +196,7 @@ TEST_F(ClsAdoTest, ElConjuntoAgregaCambiaYBorraEnLaBase) {
 }
 
 TEST_F(ClsAdoTest, ElProcedimientoDevuelveSegunSePida) {
-    RecordsetPtr filas;
+    data::RecordsetPtr filas;
     EXPECT_EQ(ado_.dbExecStored(u"EXEC Contar 1"_s).toInt(), 1);
     EXPECT_EQ(ado_.dbExecStored(u"EXEC Contar 3"_s, true).toInt(), 1);
     EXPECT_EQ(ado_.dbExecStored(u"EXEC Contar 1"_s, true, &filas, true).toInt(), 1);
@@ -229,7 +230,7 @@ TEST_F(ClsAdoTest, ValorCampoNombraSuColumna) {
     }
     const auto vacio = ValorCampo(ado_, u"Menu"_s, u"Nombre_Menu"_s, u"ID_Menu=9"_s);
     ASSERT_FALSE(vacio);
-    EXPECT_EQ(vacio.error().numero, FalloSql::kSinRegistro);
+    EXPECT_EQ(vacio.error().numero, data::FalloSql::kSinRegistro);
 }
 
 TEST_F(ClsAdoTest, LlenaComboYTransacciones) {
@@ -257,7 +258,7 @@ TEST(TablaDeConsulta, SoloHayUnaCuandoLaConsultaLeeUna) {
         {u"SELECT 1", u""},
     };
     for (const auto& [consulta, tabla] : casos) {
-        EXPECT_EQ(TablaDeConsulta(QString::fromUtf16(consulta)), QString::fromUtf16(tabla));
+        EXPECT_EQ(data::TablaDeConsulta(QString::fromUtf16(consulta)), QString::fromUtf16(tabla));
     }
 }
 

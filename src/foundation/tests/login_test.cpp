@@ -7,9 +7,9 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include "data/esquema.h"
+#include "data/valores.h"
 #include "foundation/conector.h"
-#include "foundation/esquema.h"
-#include "foundation/valores.h"
 #include "support/dialogos_guion.h"
 
 namespace quimo::foundation {
@@ -42,7 +42,7 @@ protected:
         QString archivo = carpeta_.filePath(u"central.db"_s);
         QString nadie;
         ASSERT_TRUE(ado_.Conectar(servidor, archivo, nadie, nadie));
-        const auto creada = CrearBase(ado_.Conexion(), QString::fromUtf8(kDatos));
+        const auto creada = data::CrearBase(ado_.Conexion(), QString::fromUtf8(kDatos));
         ASSERT_TRUE(creada) << creada.error().Descripcion().toStdString();
     }
 

@@ -12,34 +12,36 @@ namespace quimo::foundation {
 namespace {
 
 /// A connection whose every statement fails in the same way.
-class ConexionQueFalla final : public SqlConnection {
+class ConexionQueFalla final : public data::SqlConnection {
 public:
-    explicit ConexionQueFalla(FalloSql fallo) : fallo_(std::move(fallo)) {}
-    RespuestaSql Ejecutar(const QString& /*tsql*/, const QVector<QVariant>& /*valores*/) override {
-        RespuestaSql respuesta;
+    explicit ConexionQueFalla(data::FalloSql fallo) : fallo_(std::move(fallo)) {}
+    data::RespuestaSql Ejecutar(const QString& /*tsql*/,
+                                const QVector<QVariant>& /*valores*/) override {
+        data::RespuestaSql respuesta;
         respuesta.fallo = fallo_;
         return respuesta;
     }
-    base::Result<void, FalloSql> Iniciar() override { return fallo_; }
-    base::Result<void, FalloSql> Confirmar() override { return fallo_; }
-    base::Result<void, FalloSql> Revertir() override { return fallo_; }
+    base::Result<void, data::FalloSql> Iniciar() override { return fallo_; }
+    base::Result<void, data::FalloSql> Confirmar() override { return fallo_; }
+    base::Result<void, data::FalloSql> Revertir() override { return fallo_; }
     bool EnTransaccion() const override { return false; }
     std::uint64_t TransaccionActual() const override { return 0; }
-    base::Result<DefinicionTabla, FalloSql> Describir(const QString& /*tabla*/) override {
+    base::Result<data::DefinicionTabla, data::FalloSql> Describir(
+        const QString& /*tabla*/) override {
         return fallo_;
     }
     bool Abierta() const override { return true; }
     void Cerrar() override {}
 
 private:
-    FalloSql fallo_;
+    data::FalloSql fallo_;
 };
 
 constexpr auto kPrefijo = "[Microsoft][ODBC SQL Server Driver][SQL Server]"_L1;
 
-FalloSql Nativo(qint64 numero, int nativo, const QString& descripcion,
-                const QString& estado = u"42000"_s) {
-    return {numero, {ErrorProveedor{estado, nativo, u"Origen"_s, descripcion}}};
+data::FalloSql Nativo(qint64 numero, int nativo, const QString& descripcion,
+                      const QString& estado = u"42000"_s) {
+    return {numero, {data::ErrorProveedor{estado, nativo, u"Origen"_s, descripcion}}};
 }
 
 /// A failing statement through the real object: what the user was shown, what the log holds.
@@ -50,12 +52,12 @@ struct Escena {
     ClsBitacora bitacora;
     ClsAdo ado;
 
-    explicit Escena(const FalloSql& fallo)
+    explicit Escena(const data::FalloSql& fallo)
         : bitacora(Opciones(carpeta.filePath(u"log"_s)), dialogos, reloj),
           ado(
-              [fallo](
-                  const DatosConexion&) -> base::Result<std::unique_ptr<SqlConnection>, FalloSql> {
-                  return std::unique_ptr<SqlConnection>(new ConexionQueFalla(fallo));
+              [fallo](const data::DatosConexion&)
+                  -> base::Result<std::unique_ptr<data::SqlConnection>, data::FalloSql> {
+                  return std::unique_ptr<data::SqlConnection>(new ConexionQueFalla(fallo));
               },
               dialogos, bitacora) {
         ado.CpsTitulo = u"Título"_s;
@@ -87,7 +89,7 @@ struct Escena {
 
 struct CasoError {
     const char* nombre;
-    FalloSql fallo;
+    data::FalloSql fallo;
     QStringList mostrado;
     QStringList bitacora;
     bool sin_servidor = false;
@@ -103,9 +105,9 @@ QVector<CasoError> Casos() {
         {"sin registro", Nativo(3021, 0, u"d"_s), {u"[i] |no hay registros"_s}, {}},
         {"propio", Nativo(1, 0, u"texto"_s), {u"[-] |texto"_s}, {}},
         {"cerrada", Nativo(3709, 0, u"d"_s), {}, {}},
-        {"acceso negado", Nativo(FalloSql::kAccesoNegado, 18456, u"d"_s, u"28000"_s), {}, {}},
+        {"acceso negado", Nativo(data::FalloSql::kAccesoNegado, 18456, u"d"_s, u"28000"_s), {}, {}},
         {"acceso con otro estado",
-         Nativo(FalloSql::kAccesoNegado, 7, u"d"_s, u"08001"_s),
+         Nativo(data::FalloSql::kAccesoNegado, 7, u"d"_s, u"08001"_s),
          {},
          {u"Descripcion d|"_s, u"Number 7|"_s, u"Source Origen|"_s, u"Sqlstate 08001|"_s}},
         {"sin filas",
@@ -113,7 +115,7 @@ QVector<CasoError> Casos() {
          {u"[i] Título|No hay registros"_s},
          {u"No hay registros|ClsRdo_Error|d|"_s}},
         {"perdida",
-         Nativo(FalloSql::kConexionPerdida, 0, u"d"_s),
+         Nativo(data::FalloSql::kConexionPerdida, 0, u"d"_s),
          {u"[x] Título|"_s + perdida},
          {perdida + u"|Fatal|ClsRdo_Error|d|"_s}},
         {"otro",
@@ -121,45 +123,45 @@ QVector<CasoError> Casos() {
          {u"[-] |Error no controlado en BD -2147217767    raro"_s},
          {u"Error no controlado en BD |-2147217767|    |raro|"_s}},
         {"indice repetido",
-         Nativo(FalloSql::kIntegridad, 2601, u"d"_s),
+         Nativo(data::FalloSql::kIntegridad, 2601, u"d"_s),
          {u"[!] Título|Ya existe la categoría"_s},
          {u"Ya existe la categoría|ClsRdo_Error|"_s, u"d|ClsRdo_Error|"_s}},
         {"llave repetida",
-         Nativo(FalloSql::kIntegridad, 2627, u"d"_s),
+         Nativo(data::FalloSql::kIntegridad, 2627, u"d"_s),
          {u"[!] Título|Ya existe la categoría"_s},
          {u"Ya existe la categoría|ClsRdo_Error|"_s}},
         {"en uso",
-         Nativo(FalloSql::kIntegridad, 547, conflicto),
+         Nativo(data::FalloSql::kIntegridad, 547, conflicto),
          {u"[x] |No se puede borrar este registro por estar en uso en la tabla 'Productos'"_s},
          {conflicto + u"|ClsRdo_Error|"_s}},
         {"en uso sin comas",
-         Nativo(FalloSql::kIntegridad, 547, u"conflicto"_s),
+         Nativo(data::FalloSql::kIntegridad, 547, u"conflicto"_s),
          {u"[x] |No se puede borrar este registro por estar en uso en la tabla "_s},
          {u"conflicto|ClsRdo_Error|"_s}},
         {"corte",
-         Nativo(FalloSql::kSentencia, 232, u"d"_s),
+         Nativo(data::FalloSql::kSentencia, 232, u"d"_s),
          {u"[x] Título|"_s + perdida},
          {perdida + u"|Fatal|ClsRdo_Error|"_s}},
         {"sin servidor",
-         Nativo(FalloSql::kServidorAusente, 6, u"d"_s),
+         Nativo(data::FalloSql::kServidorAusente, 6, u"d"_s),
          {u"[x] Título|No se pudo encontrar al servidor"_s},
          {u"No se pudo encontrar al servidor|Fatal|ClsRdo_Error|"_s},
          true},
         {"sin nombre",
-         Nativo(FalloSql::kServidorAusente, 0, u"d"_s),
+         Nativo(data::FalloSql::kServidorAusente, 0, u"d"_s),
          {u"[x] |El nombre del DNS es incorrecto"_s},
          {u"El nombre del DNS es incorrecto|Fatal|ClsRdo_Error|"_s},
          true},
         {"usuario",
-         Nativo(FalloSql::kSentencia, 4002, u"d"_s),
+         Nativo(data::FalloSql::kSentencia, 4002, u"d"_s),
          {u"[x] Título|Usuario incorrecto"_s},
          {u"Usuario incorrecto|ClsRdo_Error|"_s}},
         {"levantado",
-         Nativo(FalloSql::kSentencia, 50000, kPrefijo + u"Faltan datos"_s),
+         Nativo(data::FalloSql::kSentencia, 50000, kPrefijo + u"Faltan datos"_s),
          {u"[!] |Faltan datos"_s},
          {u"Faltan datos|48|ClsRdo_Error|"_s}},
         {"cualquiera",
-         Nativo(FalloSql::kSentencia, 8134, u"Divide by zero"_s),
+         Nativo(data::FalloSql::kSentencia, 8134, u"Divide by zero"_s),
          {u"[-] |Divide by zero"_s},
          {u"Divide by zero|ClsRdo_Error|"_s}},
     };
@@ -168,7 +170,7 @@ QVector<CasoError> Casos() {
 TEST(ManejaError, CadaFalloDiceYAnotaLoSuyo) {
     for (const CasoError& caso : Casos()) {
         Escena escena(caso.fallo);
-        RecordsetPtr filas;
+        data::RecordsetPtr filas;
         EXPECT_FALSE(escena.ado.Consultar(filas, u"SELECT 1"_s));
         EXPECT_EQ(escena.ado.ManejaError(), caso.sin_servidor) << caso.nombre;
         EXPECT_EQ(escena.dialogos.Mostrados(), caso.mostrado) << caso.nombre;
@@ -191,7 +193,7 @@ TEST(ManejaError, SinMensajeGuardaElDetalleMenosEnElIndiceRepetido) {
         {8134, u"entre cero"_s, 0, u"entre cero"_s},
     };
     for (const Caso& caso : casos) {
-        Escena escena(Nativo(FalloSql::kIntegridad, caso.nativo, caso.descripcion));
+        Escena escena(Nativo(data::FalloSql::kIntegridad, caso.nativo, caso.descripcion));
         escena.ado.CbNoMensaje = true;
         EXPECT_FALSE(escena.ado.Borrar(nullptr, u"T"_s, std::nullopt, u"a=1"_s));
         EXPECT_EQ(escena.dialogos.Mostrados().size(), caso.mostrados) << caso.nativo;
@@ -206,10 +208,11 @@ TEST(Conectar, LaFallaGeneralSeReintentaConElAccesoPropio) {
     ClsBitacora bitacora(Escena::Opciones(carpeta.filePath(u"log"_s)), dialogos, reloj);
     QStringList usuarios;
     ClsAdo ado(
-        [&](const DatosConexion& datos) -> base::Result<std::unique_ptr<SqlConnection>, FalloSql> {
+        [&](const data::DatosConexion& datos)
+            -> base::Result<std::unique_ptr<data::SqlConnection>, data::FalloSql> {
             usuarios << datos.usuario + u'/' + datos.clave;
-            if (usuarios.size() < 4) return Nativo(FalloSql::kOtroAlAbrir, 0, u"falla"_s);
-            return Nativo(FalloSql::kServidorAusente, 6, u"no está"_s);
+            if (usuarios.size() < 4) return Nativo(data::FalloSql::kOtroAlAbrir, 0, u"falla"_s);
+            return Nativo(data::FalloSql::kServidorAusente, 6, u"no está"_s);
         },
         dialogos, bitacora);
     QString servidor = u"s"_s;

@@ -45,7 +45,7 @@ protected:
     }
 
     pruebas::CentralPrueba central_;
-    foundation::RecordsetPtr filas_;
+    data::RecordsetPtr filas_;
 };
 
 TEST_F(BuscadorTest, HallaPorLoQueSeMuestra) {

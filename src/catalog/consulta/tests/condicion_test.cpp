@@ -7,7 +7,7 @@ using namespace Qt::StringLiterals;
 namespace quimo::catalog {
 namespace {
 
-using foundation::TipoSql;
+using data::TipoSql;
 using enum Operador;
 
 struct Numero {
@@ -16,7 +16,7 @@ struct Numero {
 };
 class LeerNumeroTest : public testing::TestWithParam<Numero> {};
 TEST_P(LeerNumeroTest, EntiendeComaYPunto) {
-    const auto numero = LeerNumero(QString::fromUtf16(GetParam().escrito));
+    const auto numero = data::LeerNumero(QString::fromUtf16(GetParam().escrito));
     EXPECT_EQ(numero ? numero->ATexto() : "", GetParam().leido);
 }
 INSTANTIATE_TEST_SUITE_P(
@@ -32,20 +32,20 @@ INSTANTIATE_TEST_SUITE_P(
                     Numero{u"1e5", ""}, Numero{u"99999999999999999999999999999999999999999", ""}));
 
 TEST(LeerFechaTest, SoloLasQueExisten) {
-    EXPECT_EQ(LeerFecha(u" 1/2/2026 "_s), QDate(2026, 2, 1));
-    EXPECT_EQ(LeerFecha(u"29-02-2024"_s), QDate(2024, 2, 29));
+    EXPECT_EQ(data::LeerFecha(u" 1/2/2026 "_s), QDate(2026, 2, 1));
+    EXPECT_EQ(data::LeerFecha(u"29-02-2024"_s), QDate(2024, 2, 29));
     for (const QString& mala :
          {u"29/02/2026"_s, u"31/04/2026"_s, u"1/13/2026"_s, u"01/01/26"_s, u"2026/01/01"_s,
           u"01/01-2026"_s, u"01/01/1752"_s, u"01/01/0000"_s, u"hoy"_s, QString()}) {
-        EXPECT_FALSE(LeerFecha(mala)) << mala.toStdString();
+        EXPECT_FALSE(data::LeerFecha(mala)) << mala.toStdString();
     }
 }
 
 TEST(PlegarTest, LosAcentosCaenYLaEneQueda) {
-    EXPECT_EQ(Plegar(u"CAFÉ Ü"_s), u"cafe u"_s);
-    EXPECT_EQ(Plegar(u"NIÑO"_s), u"niño"_s);
-    EXPECT_EQ(Plegar(u"nin\u0303o"_s), u"niño"_s);
-    EXPECT_NE(Plegar(u"piña"_s), Plegar(u"pina"_s));
+    EXPECT_EQ(data::Plegar(u"CAFÉ Ü"_s), u"cafe u"_s);
+    EXPECT_EQ(data::Plegar(u"NIÑO"_s), u"niño"_s);
+    EXPECT_EQ(data::Plegar(u"nin\u0303o"_s), u"niño"_s);
+    EXPECT_NE(data::Plegar(u"piña"_s), data::Plegar(u"pina"_s));
 }
 
 constexpr char16_t kCaso[] =

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "catalog/consulta/tests/filtros_prueba.h"
+#include "filtros_prueba.h"
 #include "support/central_prueba.h"
 
 using namespace Qt::StringLiterals;
@@ -57,7 +57,7 @@ TEST_F(ConsultaTest, CadaFiltroListaLoQueHayYAceptaTodasSusCondiciones) {
         for (qsizetype c = 0; c < consulta.Columnas().size(); ++c) {
             const ColumnaFiltrable& columna = consulta.Columnas()[c];
             if (columna.columna == u"Nombre_Menuu"_s) continue;
-            const bool fecha = ClaseDe(columna.tipo) == ClaseValor::Fecha;
+            const bool fecha = data::ClaseDe(columna.tipo) == data::ClaseValor::Fecha;
             const QString valor = fecha ? u"01/01/2020"_s : u"1"_s;
             for (const Operador operador : columna.Operadores())
                 Columna(consulta, {{c, operador, valor, valor}}, 0);
@@ -146,9 +146,9 @@ TEST_F(ConsultaTest, LasCondicionesHallanLoQueDicen) {
 
 TEST_F(ConsultaTest, UnaColumnaQueNoExisteSeDiceYSePuedeSeguir) {
     Consulta consulta(kMenu, central_.Ado());
-    EXPECT_EQ(ClaseDe(consulta.Columnas()[0].tipo), ClaseValor::Numero);
-    EXPECT_EQ(ClaseDe(consulta.Columnas()[1].tipo), ClaseValor::Texto);
-    EXPECT_EQ(ClaseDe(consulta.Columnas()[3].tipo), ClaseValor::Logico);
+    EXPECT_EQ(data::ClaseDe(consulta.Columnas()[0].tipo), data::ClaseValor::Numero);
+    EXPECT_EQ(data::ClaseDe(consulta.Columnas()[1].tipo), data::ClaseValor::Texto);
+    EXPECT_EQ(data::ClaseDe(consulta.Columnas()[3].tipo), data::ClaseValor::Logico);
     EXPECT_EQ(Columna(consulta, {}, 1).size(), 3);
     const Condicion por_nombre[] = {{1, Contiene, u"Bar"_s}};
     EXPECT_EQ(*consulta.Sentencia(por_nombre),
@@ -163,7 +163,7 @@ TEST_F(ConsultaTest, UnaColumnaQueNoExisteSeDiceYSePuedeSeguir) {
     EXPECT_EQ(consulta.Clave(0), QVariant(2));
 
     Consulta cortesia(kCortesia, central_.Ado());
-    EXPECT_EQ(ClaseDe(cortesia.Columnas()[0].tipo), ClaseValor::Numero);
+    EXPECT_EQ(data::ClaseDe(cortesia.Columnas()[0].tipo), data::ClaseValor::Numero);
     EXPECT_FALSE(cortesia.Ejecutar(*cortesia.Sentencia({})));
     EXPECT_TRUE(central_.Dialogos().Mostrados().last().contains(u"Abrir_Gaveta"_s));
 }

@@ -14,7 +14,7 @@ using namespace Qt::StringLiterals;
 namespace quimo::catalog {
 namespace {
 
-using foundation::TipoSql;
+using data::TipoSql;
 
 /// Reads both files with other means than ours: the csv module, and the workbook's own XML.
 constexpr char kLector[] = R"py(
@@ -52,7 +52,7 @@ protected:
         const auto fecha = [](const QDate& dia, const QTime& hora) {
             return QDateTime(dia, hora, Qt::UTC);
         };
-        foundation::Conjunto conjunto;
+        data::Conjunto conjunto;
         conjunto.columnas = {{u"i"_s, TipoSql::Int},   {u"t"_s, TipoSql::VarChar},
                              {u"m"_s, TipoSql::Money}, {u"f"_s, TipoSql::DateTime},
                              {u"b"_s, TipoSql::Bit},   {u"n"_s, TipoSql::Numeric}};

@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "catalog/editores.h"
+#include "catalog/editores/editores.h"
 
 namespace quimo::catalog {
 

@@ -1,0 +1,18 @@
+#include "app/comandos/consola.h"
+#include "demo/demo.h"
+
+namespace quimo::app {
+
+Estado OrdenDemo(const Argumentos& argumentos, const Entorno& entorno) {
+    DialogosConsola dialogos;
+    const auto resumen = demo::PrepararDemo(argumentos.palabras[0], dialogos, entorno.reloj);
+    if (!resumen) {
+        EscribirError(QString::fromStdString(resumen.error().mensaje));
+        return kFallo;
+    }
+    for (const QString& linea : demo::Lineas(*resumen))
+        Escribir(linea);
+    return kHecho;
+}
+
+}  // namespace quimo::app

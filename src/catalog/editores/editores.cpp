@@ -1,0 +1,14 @@
+#include "catalog/editores/editores.h"
+
+namespace quimo::catalog {
+
+std::span<const EditorDef* const> Editores() {
+    static constexpr const EditorDef* kEditores[] = {
+        &kOpCategoria,       &kOpGpoModificadores, &kOpMenu,      &kOpTipoModificador,
+        &kOpModoPreparacion, &kOpProductos,        &kOpSubmenu,   &kOpTiposAnulacion,
+        &kOpTipoImpuestos,   &kOpTipoPago,         &kUtlMensajes,
+    };
+    return kEditores;
+}
+
+}  // namespace quimo::catalog

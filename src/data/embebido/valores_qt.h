@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QVariant>
+
+#include "data/sql_connection.h"
+#include "tsql/error_sql.h"
+#include "tsql/funciones.h"
+#include "tsql/traductor.h"
+
+namespace quimo::data::embebido {
+
+/// A value with the T-SQL type that it is of.
+struct ValorConTipo {
+    tsql::Tipo tipo;
+    tsql::Valor valor;
+};
+
+Columna AColumna(const tsql::ColumnaSalida& columna);
+TipoSql ATipoSql(tsql::Clase clase);
+
+/// What the engine handed over, as the interface tells values. Fails when a number has left the
+/// range of its type.
+tsql::Resultado<QVariant> AVariante(const tsql::Valor& valor, const tsql::Tipo& tipo);
+
+/// A parameter of a call; nothing for a kind of value that the interface does not name.
+std::optional<ValorConTipo> DeVariante(const QVariant& variante);
+
+ErrorProveedor AProveedor(const tsql::ErrorSql& error);
+/// The failure of an operation, with its first error.
+FalloSql AFallo(const tsql::ErrorSql& error);
+
+}  // namespace quimo::data::embebido

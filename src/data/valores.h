@@ -1,0 +1,31 @@
+#pragma once
+
+#include <optional>
+
+#include <QDateTime>
+#include <QString>
+#include <QVariant>
+
+namespace quimo::data {
+
+/// A database value as plain text: NULL is empty, true and false are 1 and 0, numbers have a point
+/// and no thousands, money and NUMERIC all their decimals, dates are "dd/mm/yyyy hh:mm:ss" (without
+/// the time at midnight).
+QString TextoDeValor(const QVariant& valor);
+
+/// What somebody wrote as a number, with a point and nothing else: "$1,234.5", "1234,5" and
+/// "1.234,5" are "1234.5". A comma before three digits sets thousands apart. Nothing when it is no
+/// number.
+std::optional<QString> NumeroEscrito(const QString& texto);
+
+/// A database value as a T-SQL literal: NULL, numbers bare, texts and dates between quotes with
+/// apostrophes doubled.
+QString LiteralSql(const QVariant& valor);
+
+/// The text with every apostrophe doubled, so that it can stand between quotes in a statement.
+QString DuplicaApostrofes(const QString& texto);
+
+/// "dd/mm/yyyy hh:mm:ss", the form in which statements carry a date and time.
+QString FechaHoraSql(const QDateTime& momento);
+
+}  // namespace quimo::data

@@ -1,0 +1,231 @@
+#include "ui/controles/rejilla.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QComboBox>
+#include <QContextMenuEvent>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QMenu>
+#include <QStyledItemDelegate>
+
+#include "data/valores.h"
+#include "ui/controles/aspecto.h"
+
+using namespace Qt::StringLiterals;
+
+namespace quimo::ui {
+
+namespace {
+
+constexpr double kMmPorPulgada = 25.4;
+constexpr qsizetype kPegadoMax = qsizetype{1024} * 1024;
+
+/// The editors of the cells: a combo box for lists, a text box with the column's length otherwise.
+class DelegadoRejilla final : public QStyledItemDelegate {
+public:
+    DelegadoRejilla(const ModeloRejilla& modelo, QObject* padre)
+        : QStyledItemDelegate(padre), modelo_(modelo) {}
+
+    // NOLINTBEGIN(readability-identifier-naming): named by Qt
+    QWidget* createEditor(QWidget* padre, const QStyleOptionViewItem& opcion,
+                          const QModelIndex& lugar) const override {
+        const ColumnaRejilla& columna = modelo_.Columnas()[lugar.column()];
+        if (modelo_.Tipo(lugar.row(), lugar.column()) == TipoCelda::Lista) {
+            auto* const lista = Nombrar(new QComboBox(padre), u"editorCelda"_s, columna.titulo);
+            for (const foundation::EntradaCombo& entrada : columna.lista)
+                lista->addItem(entrada.texto, entrada.dato);
+            return lista;
+        }
+        QWidget* const editor = QStyledItemDelegate::createEditor(padre, opcion, lugar);
+        if (auto* const caja = qobject_cast<QLineEdit*>(editor)) {
+            caja->setMaxLength(columna.largo_max);
+            if (EsNumerica(modelo_.Tipo(lugar.row(), lugar.column()))) {
+                caja->setAlignment(Qt::AlignRight);
+            }
+            Nombrar(caja, u"editorCelda"_s, columna.titulo);
+        }
+        return editor;
+    }
+    void setEditorData(QWidget* editor, const QModelIndex& lugar) const override {
+        auto* const lista = qobject_cast<QComboBox*>(editor);
+        if (lista == nullptr) return QStyledItemDelegate::setEditorData(editor, lugar);
+        lista->setCurrentIndex(lista->findData(lugar.data(Qt::EditRole)));
+    }
+    void setModelData(QWidget* editor, QAbstractItemModel* modelo,
+                      const QModelIndex& lugar) const override {
+        auto* const lista = qobject_cast<QComboBox*>(editor);
+        if (lista == nullptr) return QStyledItemDelegate::setModelData(editor, modelo, lugar);
+        if (lista->currentIndex() >= 0) modelo->setData(lugar, lista->currentData(), Qt::EditRole);
+    }
+    // NOLINTEND(readability-identifier-naming)
+
+private:
+    const ModeloRejilla& modelo_;
+};
+
+}  // namespace
+
+Rejilla::Rejilla(const QString& nombre, const QString& accesible, QWidget* padre)
+    : QTableView(padre) {
+    Nombrar(this, nombre, accesible);
+    setModel(&modelo_);
+    setItemDelegate(new DelegadoRejilla(modelo_, this));
+    setAlternatingRowColors(true);
+    setWordWrap(false);
+    setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
+    setTabKeyNavigation(false);
+    verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 8);
+    verticalHeader()->hide();
+    horizontalHeader()->setHighlightSections(false);
+    connect(&modelo_, &ModeloRejilla::CeldaCambiada, this, &Rejilla::CeldaCambiada);
+    connect(&modelo_, &ModeloRejilla::CeldaRechazada, this, &Rejilla::CeldaRechazada);
+}
+
+void Rejilla::PonerColumnas(const QVector<ColumnaRejilla>& columnas) {
+    modelo_.PonerColumnas(columnas);
+    for (int c = 0; c < columnas.size(); ++c) {
+        setColumnHidden(c, columnas[c].oculta);
+        setColumnWidth(c, qRound(columnas[c].ancho_mm * logicalDpiX() / kMmPorPulgada));
+    }
+}
+
+void Rejilla::PonerRenglones(int renglones) { modelo_.PonerRenglones(renglones); }
+
+QString Rejilla::Texto(int fila, int columna) const {
+    return modelo_.data(modelo_.index(fila, columna), Qt::DisplayRole).toString();
+}
+
+void Rejilla::PonerSoloLectura(bool solo_lectura) { modelo_.PonerSoloLectura(solo_lectura); }
+
+void Rejilla::PonerActual(int fila, int columna) { setCurrentIndex(modelo_.index(fila, columna)); }
+
+int Rejilla::AgregarRenglon() {
+    const int fila = Renglones();
+    modelo_.PonerRenglones(fila + 1);
+    modelo_.PonerMarca(fila, MarcaCambio::Nuevo);
+    const QVector<int> visibles = ColumnasVisibles();
+    if (!visibles.isEmpty()) PonerActual(fila, visibles.first());
+    return fila;
+}
+
+void Rejilla::BorrarRenglon(int fila) {
+    if (modelo_.Marca(fila) == MarcaCambio::Nuevo) {
+        modelo_.removeRows(fila, 1, {});
+        return;
+    }
+    modelo_.PonerMarca(fila, MarcaCambio::Borrado);
+    setRowHidden(fila, true);
+}
+
+QVector<int> Rejilla::ColumnasVisibles() const {
+    QVector<int> columnas;
+    for (int visual = 0; visual < modelo_.columnCount(); ++visual) {
+        const int columna = horizontalHeader()->logicalIndex(visual);
+        if (!isColumnHidden(columna)) columnas << columna;
+    }
+    return columnas;
+}
+
+QString Rejilla::TextoPlano(const QModelIndex& lugar) const {
+    const TipoCelda tipo = modelo_.Tipo(lugar.row(), lugar.column());
+    const QVariant valor = modelo_.Valor(lugar.row(), lugar.column());
+    QString texto;
+    if (tipo == TipoCelda::Casilla) {
+        texto = valor.toInt() != 0 ? u"1"_s : u"0"_s;
+    } else if (EsNumerica(tipo) && valor.isValid()) {
+        texto =
+            NumeroVisible(valor, TipoCelda::Numero, modelo_.Columnas()[lugar.column()].decimales)
+                .remove(u',');
+    } else {
+        texto = Texto(lugar.row(), lugar.column());
+    }
+    return texto.replace(u'\t', u' ').replace(u'\n', u' ').replace(u'\r', u' ');
+}
+
+QString Rejilla::TextoSeleccionado() const {
+    QStringList lineas;
+    const QVector<int> columnas = ColumnasVisibles();
+    const QItemSelectionModel* const seleccion = selectionModel();
+    for (int fila = 0; fila < Renglones(); ++fila) {
+        if (isRowHidden(fila)) continue;
+        if (!seleccion->rowIntersectsSelection(fila, {})) continue;
+        QStringList celdas;
+        for (const int columna : columnas) {
+            const QModelIndex lugar = modelo_.index(fila, columna);
+            if (seleccion->isSelected(lugar)) celdas << TextoPlano(lugar);
+        }
+        if (!celdas.isEmpty()) lineas << celdas.join(u'\t');
+    }
+    return lineas.join(u'\n');
+}
+
+void Rejilla::Copiar() const {
+    const QString texto = TextoSeleccionado();
+    if (!texto.isEmpty()) QApplication::clipboard()->setText(texto);
+}
+
+void Rejilla::PegarCelda(const QModelIndex& lugar, const QString& texto) {
+    switch (modelo_.Tipo(lugar.row(), lugar.column())) {
+        case TipoCelda::Casilla:
+            modelo_.setData(lugar, texto == u"1"_s ? Qt::Checked : Qt::Unchecked,
+                            Qt::CheckStateRole);
+            break;
+        case TipoCelda::Lista:
+            for (const foundation::EntradaCombo& entrada :
+                 modelo_.Columnas()[lugar.column()].lista) {
+                if (entrada.texto.compare(texto, Qt::CaseInsensitive) != 0) continue;
+                modelo_.setData(lugar, entrada.dato, Qt::EditRole);
+                break;
+            }
+            break;
+        case TipoCelda::Estatico:
+        case TipoCelda::Texto:
+        case TipoCelda::Numero:
+        case TipoCelda::Moneda:
+        case TipoCelda::Porcentaje:
+            modelo_.setData(lugar, texto, Qt::EditRole);
+            break;
+    }
+}
+
+void Rejilla::Pegar(const QString& texto) {
+    if (!currentIndex().isValid() || texto.size() > kPegadoMax) return;
+    QString limpio = texto;
+    limpio.remove(u'\r');
+    if (limpio.endsWith(u'\n')) limpio.chop(1);
+    const QVector<int> columnas = ColumnasVisibles();
+    const qsizetype primera = columnas.indexOf(ColumnaActual());
+    int fila = FilaActual();
+    for (const QString& linea : limpio.split(u'\n')) {
+        while (fila < Renglones() && isRowHidden(fila))
+            ++fila;
+        if (fila >= Renglones()) return;
+        qsizetype c = primera;
+        for (const QString& celda : linea.split(u'\t')) {
+            if (c < 0 || c >= columnas.size()) break;
+            const QModelIndex lugar = modelo_.index(fila, columnas[c++]);
+            PegarCelda(lugar, celda);
+        }
+        ++fila;
+    }
+}
+
+void Rejilla::keyPressEvent(QKeyEvent* evento) {
+    if (evento->matches(QKeySequence::Copy)) return Copiar();
+    if (evento->matches(QKeySequence::Paste)) return Pegar(QApplication::clipboard()->text());
+    QTableView::keyPressEvent(evento);
+}
+
+void Rejilla::contextMenuEvent(QContextMenuEvent* evento) {
+    // A detail grid has a menu of its own.
+    if (contextMenuPolicy() == Qt::CustomContextMenu) return QTableView::contextMenuEvent(evento);
+    QMenu menu(this);
+    menu.addAction(u"&Copiar"_s, this, &Rejilla::Copiar);
+    menu.addAction(u"&Pegar"_s, this, [this] { Pegar(QApplication::clipboard()->text()); });
+    menu.addAction(u"Seleccionar &todo"_s, this, &Rejilla::selectAll);
+    menu.exec(evento->globalPos());
+}
+
+}  // namespace quimo::ui
