@@ -9,8 +9,8 @@
 #include "data/embebido/conexion_embebida.h"
 #include "data/embebido/sesion.h"
 #include "data/reloj.h"
-#include "tsql/lotes.h"
-#include "tsql/parser.h"
+#include "tsql/lectura/lotes.h"
+#include "tsql/lectura/parser.h"
 
 namespace quimo::foundation {
 

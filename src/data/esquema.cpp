@@ -3,7 +3,7 @@
 #include <QFile>
 
 #include "data/transaccion.h"
-#include "tsql/lotes.h"
+#include "tsql/lectura/lotes.h"
 
 using namespace Qt::StringLiterals;
 

@@ -90,6 +90,9 @@ SELECT DISTINCT Ciudad FROM Cliente ORDER BY Nombre
 SELECT COUNT(DISTINCT Ciudad) FROM Cliente
 > 2
 
+SELECT MAX() FROM Cliente WHERE ID LIKE '1%'
+! 174
+
 SELECT TOP 2 Nombre FROM Cliente ORDER BY ID DESC
 > Ñoño
 > Caro

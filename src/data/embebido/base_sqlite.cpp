@@ -5,7 +5,7 @@
 
 #include <sqlite3.h>
 
-#include "tsql/funciones.h"
+#include "tsql/valores/funciones.h"
 
 namespace quimo::data::embebido {
 

@@ -6,8 +6,8 @@
 #include <string>
 #include <string_view>
 
-#include "tsql/error_sql.h"
-#include "tsql/valor.h"
+#include "tsql/valores/error_sql.h"
+#include "tsql/valores/valor.h"
 
 struct sqlite3;
 struct sqlite3_stmt;

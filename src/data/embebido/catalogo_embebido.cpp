@@ -3,8 +3,8 @@
 #include <sqlite3.h>
 
 #include "data/embebido/vistas_sistema.h"
-#include "tsql/parser.h"
-#include "tsql/texto.h"
+#include "tsql/lectura/parser.h"
+#include "tsql/valores/texto.h"
 
 namespace quimo::data::embebido {
 

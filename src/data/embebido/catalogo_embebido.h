@@ -4,7 +4,7 @@
 #include <string>
 
 #include "data/embebido/base_sqlite.h"
-#include "tsql/catalogo.h"
+#include "tsql/lectura/catalogo.h"
 
 namespace quimo::data::embebido {
 

@@ -3,7 +3,7 @@
 #include <QFileInfo>
 
 #include "data/embebido/interprete.h"
-#include "tsql/texto.h"
+#include "tsql/valores/texto.h"
 
 namespace quimo::data {
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "tsql/texto.h"
+#include "tsql/valores/texto.h"
 
 namespace quimo::data::embebido {
 

@@ -3,7 +3,7 @@
 #include <sqlite3.h>
 
 #include "data/embebido/definiciones.h"
-#include "tsql/texto.h"
+#include "tsql/valores/texto.h"
 
 namespace quimo::data::embebido {
 

@@ -4,7 +4,7 @@
 
 #include <sqlite3.h>
 
-#include "tsql/texto.h"
+#include "tsql/valores/texto.h"
 
 namespace quimo::data::embebido {
 

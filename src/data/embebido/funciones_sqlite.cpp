@@ -4,8 +4,8 @@
 
 #include <sqlite3.h>
 
-#include "tsql/decimales.h"
-#include "tsql/texto.h"
+#include "tsql/valores/decimales.h"
+#include "tsql/valores/texto.h"
 
 namespace quimo::data::embebido {
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "data/embebido/base_sqlite.h"
-#include "tsql/funciones.h"
+#include "tsql/valores/funciones.h"
 
 namespace quimo::data::embebido {
 

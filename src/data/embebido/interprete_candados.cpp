@@ -4,8 +4,8 @@
 #include <thread>
 
 #include "data/embebido/interprete.h"
-#include "tsql/conversion.h"
-#include "tsql/texto.h"
+#include "tsql/valores/conversion.h"
+#include "tsql/valores/texto.h"
 
 namespace quimo::data::embebido {
 

@@ -2,8 +2,8 @@
 
 #include "data/embebido/errores_restriccion.h"
 #include "data/embebido/interprete.h"
-#include "tsql/conversion.h"
-#include "tsql/texto.h"
+#include "tsql/valores/conversion.h"
+#include "tsql/valores/texto.h"
 
 namespace quimo::data::embebido {
 

@@ -1,6 +1,6 @@
 #include "data/embebido/interprete.h"
 #include "data/embebido/revision_motor.h"
-#include "tsql/texto.h"
+#include "tsql/valores/texto.h"
 
 namespace quimo::data::embebido {
 

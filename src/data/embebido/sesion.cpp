@@ -4,8 +4,8 @@
 
 #include <QFileInfo>
 
-#include "tsql/fechas.h"
-#include "tsql/texto.h"
+#include "tsql/valores/fechas.h"
+#include "tsql/valores/texto.h"
 
 namespace quimo::data::embebido {
 

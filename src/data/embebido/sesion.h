@@ -13,7 +13,7 @@
 #include "data/embebido/funciones_sqlite.h"
 #include "data/reloj.h"
 #include "data/sql_connection.h"
-#include "tsql/traductor.h"
+#include "tsql/traduccion/traductor.h"
 
 namespace quimo::data::embebido {
 

@@ -6,8 +6,8 @@
 #include <QUuid>
 
 #include "data/embebido/sesion.h"
-#include "tsql/conversion.h"
-#include "tsql/decimales.h"
+#include "tsql/valores/conversion.h"
+#include "tsql/valores/decimales.h"
 
 namespace quimo::data::embebido {
 

@@ -3,9 +3,9 @@
 #include <QVariant>
 
 #include "data/sql_connection.h"
-#include "tsql/error_sql.h"
-#include "tsql/funciones.h"
-#include "tsql/traductor.h"
+#include "tsql/traduccion/traductor.h"
+#include "tsql/valores/error_sql.h"
+#include "tsql/valores/funciones.h"
 
 namespace quimo::data::embebido {
 

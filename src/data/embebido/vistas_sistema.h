@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "tsql/catalogo.h"
+#include "tsql/lectura/catalogo.h"
 
 namespace quimo::data::embebido {
 

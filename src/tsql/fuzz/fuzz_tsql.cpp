@@ -14,11 +14,11 @@
 #include <sqlite3.h>
 
 #include "base/check.h"
-#include "tsql/funciones.h"
-#include "tsql/lotes.h"
-#include "tsql/parser.h"
-#include "tsql/texto.h"
-#include "tsql/traductor.h"
+#include "tsql/lectura/lotes.h"
+#include "tsql/lectura/parser.h"
+#include "tsql/traduccion/traductor.h"
+#include "tsql/valores/funciones.h"
+#include "tsql/valores/texto.h"
 
 namespace quimo::tsql {
 

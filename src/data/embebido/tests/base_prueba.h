@@ -8,7 +8,7 @@
 #include <QTemporaryDir>
 
 #include "data/embebido/conexion_embebida.h"
-#include "tsql/lotes.h"
+#include "tsql/lectura/lotes.h"
 
 namespace quimo::data {
 
