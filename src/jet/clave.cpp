@@ -4,7 +4,6 @@
 #include <cstdio>
 #include <string>
 
-#include "jet/base_datos.h"
 #include "jet/fila.h"
 #include "jet/texto.h"
 
