@@ -59,11 +59,11 @@ void VentanaEditorTest::cleanup() {
 }
 
 VentanaEditor* VentanaEditorTest::Abrir(const EditorDef& def) {
-    const QString orden = def.orden.toString();
-    principal_->RegistrarVentana(orden, [this, &def] {
+    const QString comando = def.comando.toString();
+    principal_->RegistrarVentana(comando, [this, &def] {
         return VentanaEditor::Abrir(def, *ado_, DialogosDeBusqueda(*ado_));
     });
-    principal_->findChild<QAction*>(orden)->trigger();
+    principal_->findChild<QAction*>(comando)->trigger();
     return qobject_cast<VentanaEditor*>(principal_->Activa());
 }
 
