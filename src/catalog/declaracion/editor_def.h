@@ -209,8 +209,8 @@ struct DetalleDef {
 
 /// A catalogue: everything that its editor is. See docs/editores.md.
 struct EditorDef {
-    QStringView nombre = {};  ///< the window's name
-    QStringView orden = {};   ///< the menu command that opens it
+    QStringView nombre = {};   ///< the window's name
+    QStringView comando = {};  ///< the menu command that opens it
     QStringView titulo = {};
     QStringView tabla = {};
     /// Reads the next key into its first column; empty when the database numbers the rows.

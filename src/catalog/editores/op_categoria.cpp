@@ -26,7 +26,7 @@ constexpr ColumnaFiltro kFiltro[] = {
 
 constexpr EditorDef kOpCategoria = {
     .nombre = u"OpCategoria",
-    .orden = u"mnuOpCategorias",
+    .comando = u"mnuOpCategorias",
     .titulo = u"Categorías",
     .tabla = u"Categoria",
     .consulta_clave =

@@ -54,7 +54,7 @@ constexpr DetalleDef kDetalles[] = {{
 
 constexpr EditorDef kOpGpoModificadores = {
     .nombre = u"OpGpoModificadores",
-    .orden = u"mnuOpGpoModificadores",
+    .comando = u"mnuOpGpoModificadores",
     .titulo = u"Grupos de modificadores",
     .tabla = u"Grupo_Modificadores",
     .consulta_clave = u"SELECT MAX(ID_Grupo_Modificadores)+1 AS Clave FROM Grupo_Modificadores",

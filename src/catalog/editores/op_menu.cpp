@@ -23,7 +23,7 @@ constexpr ColumnaFiltro kFiltro[] = {
 
 constexpr EditorDef kOpMenu = {
     .nombre = u"OpMenu",
-    .orden = u"mnuOpMenu",
+    .comando = u"mnuOpMenu",
     .titulo = u"Menús",
     .tabla = u"Menu",
     // The next number of the modifier groups, not of the menus: docs/decisions/0003.

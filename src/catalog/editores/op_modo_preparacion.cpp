@@ -20,7 +20,7 @@ constexpr ColumnaFiltro kFiltro[] = {
 
 constexpr EditorDef kOpModoPreparacion = {
     .nombre = u"OpModoPreparacion",
-    .orden = u"mnuOpModosDePreparacion",
+    .comando = u"mnuOpModosDePreparacion",
     .titulo = u"Modos de preparación",
     .tabla = u"Modo_Preparacion",
     .consulta_clave = u"SELECT MAX(ID_Modo_Preparacion)+1 AS Clave FROM Modo_Preparacion",

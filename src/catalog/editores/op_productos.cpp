@@ -150,7 +150,7 @@ constexpr DetalleDef kDetalles[] = {
 
 constexpr EditorDef kOpProductos = {
     .nombre = u"OpProductos",
-    .orden = u"mnuOpProductos",
+    .comando = u"mnuOpProductos",
     .titulo = u"Productos",
     .tabla = u"Producto",
     .consulta_clave =

@@ -79,7 +79,7 @@ constexpr DetalleDef kDetalles[] = {
 
 constexpr EditorDef kOpSubmenu = {
     .nombre = u"OpSubmenu",
-    .orden = u"mnuOPSubMenu",
+    .comando = u"mnuOPSubMenu",
     .titulo = u"Submenús",
     .tabla = u"SubMenu",
     .consulta_clave =

@@ -91,7 +91,7 @@ constexpr DetalleDef kDetalles[] = {{
 
 constexpr EditorDef kOpTipoImpuestos = {
     .nombre = u"OpTipoImpuestos",
-    .orden = u"mnuOpTipoImpuesto",
+    .comando = u"mnuOpTipoImpuesto",
     .titulo = u"Tipos de impuesto",
     .tabla = u"Tipos_Impuesto",
     .consulta_clave = u"SELECT MAX(ID_Tipo_Impuesto)+1 AS Clave FROM Tipos_Impuesto",

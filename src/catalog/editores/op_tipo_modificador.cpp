@@ -62,7 +62,7 @@ constexpr ColumnaFiltro kFiltro[] = {
 
 constexpr EditorDef kOpTipoModificador = {
     .nombre = u"OpTipoModificador",
-    .orden = u"mnuOpModificadores",
+    .comando = u"mnuOpModificadores",
     .titulo = u"Modificadores",
     .tabla = u"Tipo_Modificador",
     .consulta_clave = u"SELECT MAX(ID_Tipo_Modificador)+1 AS Clave FROM Tipo_Modificador",

@@ -30,7 +30,7 @@ constexpr ColumnaFiltro kFiltro[] = {
 
 constexpr EditorDef kOpTipoPago = {
     .nombre = u"OpTipoPago",
-    .orden = u"mnuOpTipoPago",
+    .comando = u"mnuOpTipoPago",
     .titulo = u"Tipos de pago",
     .tabla = u"Tipo_Pago",
     .campos = kCampos,

@@ -20,7 +20,7 @@ constexpr ColumnaFiltro kFiltro[] = {
 
 constexpr EditorDef kOpTiposAnulacion = {
     .nombre = u"OpTiposAnulacion",
-    .orden = u"mnuOpTiposAnulacion",
+    .comando = u"mnuOpTiposAnulacion",
     .titulo = u"Tipos de anulación",
     .tabla = u"Tipos_Anulacion",
     .campos = kCampos,

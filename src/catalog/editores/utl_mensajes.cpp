@@ -21,7 +21,7 @@ constexpr ColumnaFiltro kFiltro[] = {
 
 constexpr EditorDef kUtlMensajes = {
     .nombre = u"UtlMensajes",
-    .orden = u"mnuUtlMensajes",
+    .comando = u"mnuUtlMensajes",
     .titulo = u"Mensajes",
     .tabla = u"Mensajes",
     .campos = kCampos,

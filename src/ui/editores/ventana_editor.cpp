@@ -9,7 +9,7 @@ using namespace Qt::StringLiterals;
 namespace quimo::ui {
 
 using catalog::EditorSesion;
-using Orden = OrdenVentana;
+using Comando = ComandoVentana;
 
 VentanaEditor* VentanaEditor::Abrir(const catalog::EditorDef& def, foundation::ClsAdo& ado,
                                     DialogosDeEditor dialogos) {
@@ -31,20 +31,22 @@ VentanaEditor::VentanaEditor(std::unique_ptr<EditorSesion> sesion, foundation::C
 
 EstadoVentana VentanaEditor::Estado() const {
     EstadoVentana estado;
-    estado.visibles = OrdenesDeEditor();
+    estado.visibles = ComandosDeEditor();
     estado.registros = sesion_->TextoRegistros();
     estado.teclas = sesion_->TextoTeclas();
     if (sesion_->EnEdicion()) {
-        estado.habilitadas = Orden::Aceptar | Orden::Cancelar;
+        estado.habilitados = Comando::Aceptar | Comando::Cancelar;
         if (!paneles_.isEmpty()) {
-            estado.habilitadas |= Orden::SpreadNuevo | Orden::SpreadModificar | Orden::SpreadBorrar;
+            estado.habilitados |=
+                Comando::SpreadNuevo | Comando::SpreadModificar | Comando::SpreadBorrar;
         }
         return estado;
     }
-    estado.habilitadas = OrdenesDeEditor();
-    estado.habilitadas &= ~OrdenesVentana(Orden::Aceptar | Orden::Cancelar);
+    estado.habilitados = ComandosDeEditor();
+    estado.habilitados &= ~ComandosVentana(Comando::Aceptar | Comando::Cancelar);
     if (!sesion_->PermiteCambios()) {
-        estado.habilitadas &= ~OrdenesVentana(Orden::Nuevo | Orden::Modificar | Orden::Borrar);
+        estado.habilitados &=
+            ~ComandosVentana(Comando::Nuevo | Comando::Modificar | Comando::Borrar);
     }
     return estado;
 }
@@ -78,55 +80,55 @@ void VentanaEditor::Abierto(const std::function<void(VentanaEditor&)>& dialogo) 
     ado_.Dialogo().Avisar(u"Comando no disponible"_s, foundation::Icono::Informacion);
 }
 
-void VentanaEditor::Ejecutar(OrdenVentana orden) {
+void VentanaEditor::Ejecutar(ComandoVentana comando) {
     PanelDetalle* const panel = PanelActivo();
-    switch (orden) {
-        case Orden::Aceptar:
+    switch (comando) {
+        case Comando::Aceptar:
             if (TomarCeldas()) sesion_->Guardar();
             break;
-        case Orden::Cancelar:
+        case Comando::Cancelar:
             // The first time it only leaves the cell that is being written into.
             if (panel != nullptr && panel->CerrarCelda(false)) return;
             sesion_->Cancelar();
             break;
-        case Orden::Borrar:
+        case Comando::Borrar:
             sesion_->Borrar();
             break;
-        case Orden::Nuevo:
+        case Comando::Nuevo:
             sesion_->Nuevo();
             break;
-        case Orden::Modificar:
+        case Comando::Modificar:
             sesion_->Modificar();
             break;
-        case Orden::Primero:
+        case Comando::Primero:
             sesion_->Mover(u"PRIMERO"_s);
             break;
-        case Orden::Anterior:
+        case Comando::Anterior:
             sesion_->Mover(u"ANTERIOR"_s);
             break;
-        case Orden::Siguiente:
+        case Comando::Siguiente:
             sesion_->Mover(u"SIGUIENTE"_s);
             break;
-        case Orden::Ultimo:
+        case Comando::Ultimo:
             sesion_->Mover(u"ULTIMO"_s);
             break;
-        case Orden::Buscar:
+        case Comando::Buscar:
             Abierto(dialogos_.buscar);
             break;
-        case Orden::Filtro:
+        case Comando::Filtro:
             Abierto(dialogos_.consulta);
             break;
-        case Orden::Imprimir:
-        case Orden::Preview:
+        case Comando::Imprimir:
+        case Comando::Preview:
             Abierto({});
             break;
-        case Orden::SpreadNuevo:
+        case Comando::SpreadNuevo:
             if (panel != nullptr) panel->Nuevo();
             return;
-        case Orden::SpreadModificar:
+        case Comando::SpreadModificar:
             if (panel != nullptr) panel->Modificar();
             return;
-        case Orden::SpreadBorrar:
+        case Comando::SpreadBorrar:
             if (panel != nullptr) panel->Borrar();
             return;
     }

@@ -33,7 +33,7 @@ public:
                                 DialogosDeEditor dialogos = {});
 
     EstadoVentana Estado() const override;
-    void Ejecutar(OrdenVentana orden) override;
+    void Ejecutar(ComandoVentana comando) override;
     void Activada() override;
 
     catalog::EditorSesion& Sesion() { return *sesion_; }
