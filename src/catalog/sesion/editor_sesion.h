@@ -90,7 +90,6 @@ private:
     bool Objetar(const ObjecionDeCampo& objecion);
     void CargarDetalles();
     void Pasar(Estado estado);
-    QString CondicionClave() const { return def_->ColumnaClave().toString() + u'=' + Clave(); }
     bool Releer();
     bool BuscarClave(const QString& clave);
     /// Reads the table again and finds the row; tells when it is not there any more.
@@ -98,7 +97,6 @@ private:
 
     // editor_sesion_guardar.cpp
     bool GuardarAlta();
-    bool GuardarCambio();
     bool SigueComoEstaba();
 
     const EditorDef* def_;

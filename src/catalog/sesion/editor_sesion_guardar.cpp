@@ -25,6 +25,10 @@ bool TieneEnSitio(std::span<const DetalleSesion> detalles) {
     });
 }
 
+QString CondicionDe(const EditorDef& def, const QString& clave) {
+    return def.ColumnaClave().toString() + u'=' + clave;
+}
+
 /// The key of a new row: "" for one that the database numbers. Nothing after the failure was told.
 std::optional<QString> ClaveNueva(const EditorDef& def, foundation::ClsAdo& ado) {
     if (def.consulta_clave.isEmpty()) return QString();
@@ -57,7 +61,17 @@ bool EditorSesion::Guardar() {
         }
     }
     const bool alta = estado_ == Estado::Alta;
-    if (!(alta ? GuardarAlta() : GuardarCambio())) return false;
+    if (alta) {
+        if (!GuardarAlta()) return false;
+    } else {
+        if (!SigueComoEstaba()) return false;
+        if (!ado_.Modificar(conjunto_, def_->tabla.toString(), campos_.Asignaciones(*conjunto_),
+                            CondicionDe(*def_, Clave()))) {
+            ContarFallo(ado_);
+            return false;
+        }
+        vista_.reset();
+    }
     const QString clave = Clave();
     const bool en_sitio = TieneEnSitio(detalles_);
     if (!en_sitio && !alta && !Reencontrar(clave)) return false;
@@ -97,7 +111,7 @@ bool EditorSesion::SigueComoEstaba() {
     if (!vista_) return true;
     data::RecordsetPtr ahora;
     if (!ado_.Consultar(ahora, u"SELECT * FROM "_s + def_->tabla.toString() + u" WHERE "_s +
-                                   CondicionClave())) {
+                                   CondicionDe(*def_, Clave()))) {
         ContarFallo(ado_);
         return false;
     }
@@ -120,17 +134,6 @@ bool EditorSesion::SigueComoEstaba() {
         return false;
     }
     vista_ = fila;
-    return true;
-}
-
-bool EditorSesion::GuardarCambio() {
-    if (!SigueComoEstaba()) return false;
-    if (!ado_.Modificar(conjunto_, def_->tabla.toString(), campos_.Asignaciones(*conjunto_),
-                        CondicionClave())) {
-        ContarFallo(ado_);
-        return false;
-    }
-    vista_.reset();
     return true;
 }
 
