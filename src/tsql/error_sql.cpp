@@ -294,4 +294,32 @@ ErrorSql CrearError(int nativo, const std::string& uno, const std::string& dos,
     return error;
 }
 
+ErrorSql SintaxisIncorrecta(const std::string& palabra, const std::string& lugar) {
+    return CrearError(102, palabra, lugar);
+}
+ErrorSql DemasiadoAnidado() { return CrearError(191); }
+ErrorSql ObjetoDesconocido(const std::string& nombre) { return CrearError(208, nombre); }
+ErrorSql VariableSinDeclarar(const std::string& nombre) { return CrearError(137, nombre); }
+ErrorSql ParametrosDeMenos(const std::string& marcas, const std::string& dados) {
+    return CrearError(8178, marcas, dados);
+}
+ErrorSql ParametrosDeMas(const std::string& funcion) { return CrearError(8144, funcion); }
+ErrorSql ParametroInvalido(const std::string& cual, const std::string& funcion) {
+    return CrearError(1023, cual, funcion);
+}
+ErrorSql ConversionImplicitaProhibida(const std::string& de, const std::string& a) {
+    return CrearError(257, de, a);
+}
+ErrorSql ConversionImposible(const std::string& de, const std::string& a) {
+    return CrearError(8114, de, a);
+}
+ErrorSql Desbordamiento(const std::string& de, const std::string& a) {
+    return CrearError(8115, de, a);
+}
+ErrorSql TextoRecortado() { return CrearError(8152); }
+ErrorSql ColumnaSinNulos(const std::string& columna, const std::string& tabla,
+                         const std::string& verbo) {
+    return CrearError(515, columna, tabla, verbo);
+}
+
 }  // namespace quimo::tsql

@@ -28,4 +28,19 @@ using Resultado = base::Result<T, ErrorSql>;
 ErrorSql CrearError(int nativo, const std::string& uno = {}, const std::string& dos = {},
                     const std::string& tres = {});
 
+// Errors by what they say.
+ErrorSql SintaxisIncorrecta(const std::string& palabra, const std::string& lugar = {});
+ErrorSql DemasiadoAnidado();
+ErrorSql ObjetoDesconocido(const std::string& nombre);
+ErrorSql VariableSinDeclarar(const std::string& nombre);
+ErrorSql ParametrosDeMenos(const std::string& marcas, const std::string& dados);
+ErrorSql ParametrosDeMas(const std::string& funcion);
+ErrorSql ParametroInvalido(const std::string& cual, const std::string& funcion);
+ErrorSql ConversionImplicitaProhibida(const std::string& de, const std::string& a);
+ErrorSql ConversionImposible(const std::string& de, const std::string& a);
+ErrorSql Desbordamiento(const std::string& de, const std::string& a);
+ErrorSql TextoRecortado();
+ErrorSql ColumnaSinNulos(const std::string& columna, const std::string& tabla,
+                         const std::string& verbo);
+
 }  // namespace quimo::tsql
