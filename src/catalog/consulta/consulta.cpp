@@ -6,24 +6,6 @@ using namespace Qt::StringLiterals;
 
 namespace quimo::catalog {
 
-namespace {
-
-/// Shows the busy pointer as long as it lives.
-class Ocupado {
-public:
-    explicit Ocupado(foundation::Dialogos& dialogos) : dialogos_(dialogos) {
-        dialogos_.Ocupado(true);
-    }
-    ~Ocupado() { dialogos_.Ocupado(false); }
-    Ocupado(const Ocupado&) = delete;
-    Ocupado& operator=(const Ocupado&) = delete;
-
-private:
-    foundation::Dialogos& dialogos_;
-};
-
-}  // namespace
-
 Consulta::Consulta(const FiltroDef& filtro, foundation::ClsAdo& ado) : filtro_(filtro), ado_(ado) {
     QStringList columnas;
     for (const ColumnaFiltro& columna : filtro_.columnas) {
@@ -86,7 +68,7 @@ bool Consulta::Ejecutar(const QString& sentencia) {
     data::RecordsetPtr filas;
     bool hecho = false;
     {
-        const Ocupado ocupado(ado_.Dialogo());
+        const foundation::PunteroOcupado ocupado(ado_.Dialogo());
         hecho = ado_.Consultar(filas, sentencia);
     }
     if (!hecho) {

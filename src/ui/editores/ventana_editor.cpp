@@ -2,7 +2,8 @@
 
 #include <QCloseEvent>
 #include <QFocusEvent>
-#include <QSettings>
+
+#include "ui/controles/ajustes.h"
 
 using namespace Qt::StringLiterals;
 
@@ -212,12 +213,10 @@ bool VentanaEditor::eventFilter(QObject* objeto, QEvent* evento) {
     return VentanaHija::eventFilter(objeto, evento);
 }
 
-QString VentanaEditor::ClaveDeTamano() const { return u"VENTANA/"_s + objectName(); }
-
 void VentanaEditor::showEvent(QShowEvent* evento) {
     VentanaHija::showEvent(evento);
     if (std::exchange(mostrada_, true)) return;
-    const QSize guardado = QSettings(u"QUIMO"_s, u"QUIMO"_s).value(ClaveDeTamano()).toSize();
+    const QSize guardado = Ajustes().Leer(Ajuste::Ventana, objectName()).toSize();
     QWidget* const marco = parentWidget();
     if (marco == nullptr || marco->parentWidget() == nullptr || guardado.isEmpty()) return;
     marco->resize(guardado.boundedTo(marco->parentWidget()->size()));
@@ -232,7 +231,7 @@ void VentanaEditor::closeEvent(QCloseEvent* evento) {
     }
     const QWidget* const marco = parentWidget();
     if (marco != nullptr && !marco->isMinimized() && !marco->isMaximized()) {
-        QSettings(u"QUIMO"_s, u"QUIMO"_s).setValue(ClaveDeTamano(), marco->size());
+        Ajustes().Guardar(Ajuste::Ventana, objectName(), marco->size());
     }
     for (const PanelDetalle* const panel : std::as_const(paneles_))
         panel->RecordarAnchos();

@@ -72,7 +72,6 @@ private:
     PanelDetalle* PanelActivo() const;
     void Abierto(const std::function<void(VentanaEditor&)>& dialogo);
     void DejarCaja(qsizetype campo);
-    QString ClaveDeTamano() const;
 
     std::unique_ptr<catalog::EditorSesion> sesion_;
     foundation::ClsAdo& ado_;

@@ -8,13 +8,13 @@
 #include <QMdiSubWindow>
 #include <QMenuBar>
 #include <QPointer>
-#include <QSettings>
 #include <QSortFilterProxyModel>
 #include <QStatusBar>
 #include <QTimer>
 #include <QTreeView>
 
 #include "base/check.h"
+#include "ui/controles/ajustes.h"
 #include "ui/controles/aspecto.h"
 #include "ui/controles/iconos.h"
 #include "ui/principal/teclado.h"
@@ -28,10 +28,6 @@ namespace {
 constexpr int kSegundoMs = 1000;
 constexpr QSize kTamanoInicial(1200, 680);
 constexpr QSize kTamanoArchivos(780, 480);
-
-QSettings Ajustes() { return QSettings(u"QUIMO"_s, u"QUIMO"_s); }
-QString ClaveTapiz() { return u"TAPIZ/TAPIZ"_s; }
-QString ClaveGeometria() { return u"VENTANA/MDIPrincipal"_s; }
 
 /// The files of the dialog with their dates written as everywhere else: Qt writes them as the
 /// machine's own language does.
@@ -65,7 +61,7 @@ MDIPrincipal::MDIPrincipal(const Contexto& contexto)
     CrearHerramientas();
     CrearBarraDeStatus();
     RegistrarPropias();
-    if (!restoreGeometry(Ajustes().value(ClaveGeometria()).toByteArray())) {
+    if (!restoreGeometry(Ajustes().Leer(Ajuste::Ventana, objectName()).toByteArray())) {
         resize(kTamanoInicial);
         setWindowState(Qt::WindowMaximized);
     }
@@ -247,16 +243,15 @@ void MDIPrincipal::CambiarTapiz() {
 }
 
 void MDIPrincipal::GuardarTapiz(const QString& archivo) {
-    QSettings ajustes = Ajustes();
-    ajustes.setValue(ClaveTapiz(), archivo);
-    ajustes.sync();
-    if (ajustes.status() == QSettings::NoError) return;
-    contexto_.dialogos.Avisar(u"No se pudo guardar el tapiz en "_s + ajustes.fileName(),
+    Ajustes ajustes;
+    ajustes.Guardar(Ajuste::Tapiz, {}, archivo);
+    if (ajustes.Escribir()) return;
+    contexto_.dialogos.Avisar(u"No se pudo guardar el tapiz en "_s + ajustes.Archivo(),
                               foundation::Icono::Exclamacion);
 }
 
 void MDIPrincipal::RecordarTapiz() {
-    const QString archivo = Ajustes().value(ClaveTapiz()).toString();
+    const QString archivo = Ajustes().Leer(Ajuste::Tapiz).toString();
     QString motivo;
     // A picture that is gone is no reason to stop anybody at the door.
     if (!area_->PonerTapiz(archivo, motivo)) {
@@ -283,7 +278,7 @@ void MDIPrincipal::closeEvent(QCloseEvent* evento) {
         evento->ignore();
         return;
     }
-    Ajustes().setValue(ClaveGeometria(), saveGeometry());
+    Ajustes().Guardar(Ajuste::Ventana, objectName(), saveGeometry());
     evento->accept();
     emit Cerrada();
 }
