@@ -11,7 +11,7 @@ Consulta::Consulta(const FiltroDef& filtro, foundation::ClsAdo& ado) : filtro_(f
     for (const ColumnaFiltro& columna : filtro_.columnas) {
         columnas << columna.columna.toString();
         columnas_.append({columna.titulo.toString(), columnas.last(), data::TipoSql::VarChar,
-                          CodigosDe(columna.expresion, columna.columna)});
+                          CodigosDe(columna)});
     }
     if (const auto todos = TiposDe(columnas)) {
         for (qsizetype i = 0; i < columnas_.size(); ++i)
@@ -59,7 +59,7 @@ base::Result<QString, CondicionMalEscrita> Consulta::Sentencia(
     }
     QStringList expresiones;
     for (const ColumnaFiltro& columna : filtro_.columnas)
-        expresiones << columna.expresion.toString();
+        expresiones << ExpresionDe(columna);
     return Unir(expresiones, textos);
 }
 

@@ -52,7 +52,7 @@ constexpr DetalleDef kDetalles[] = {{
 
 }  // namespace
 
-constexpr EditorDef kOpGpoModificadores = {
+constexpr EditorRevisado kOpGpoModificadores = Revisado({
     .nombre = u"OpGpoModificadores",
     .comando = u"mnuOpGpoModificadores",
     .titulo = u"Grupos de modificadores",
@@ -62,6 +62,6 @@ constexpr EditorDef kOpGpoModificadores = {
     .repetido = u"Ya existe el nombre del grupo de modificadores",
     .detalles = kDetalles,
     .filtro = {u"Grupo_Modificadores WHERE", kFiltro},
-};
+});
 
 }  // namespace quimo::catalog

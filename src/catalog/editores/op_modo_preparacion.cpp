@@ -18,7 +18,7 @@ constexpr ColumnaFiltro kFiltro[] = {
 
 }  // namespace
 
-constexpr EditorDef kOpModoPreparacion = {
+constexpr EditorRevisado kOpModoPreparacion = Revisado({
     .nombre = u"OpModoPreparacion",
     .comando = u"mnuOpModosDePreparacion",
     .titulo = u"Modos de preparación",
@@ -27,6 +27,6 @@ constexpr EditorDef kOpModoPreparacion = {
     .campos = kCampos,
     .repetido = u"Ya existe el modo de preparación",
     .filtro = {u"Modo_Preparacion WHERE", kFiltro},
-};
+});
 
 }  // namespace quimo::catalog

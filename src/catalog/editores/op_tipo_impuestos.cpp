@@ -59,7 +59,8 @@ constexpr ColumnaDetalle kColumnas[] = {
      .titulo = u"Porcentaje",
      .ancho_mm = 28,
      .cambiable = Cambiable::Siempre,
-     .decimales = 4},
+     .decimales = 4,
+     .exigida = true},
     {.tipo = Celda::Marca},
     {.tipo = Celda::Oculta},
 };
@@ -89,7 +90,7 @@ constexpr DetalleDef kDetalles[] = {{
 
 }  // namespace
 
-constexpr EditorDef kOpTipoImpuestos = {
+constexpr EditorRevisado kOpTipoImpuestos = Revisado({
     .nombre = u"OpTipoImpuestos",
     .comando = u"mnuOpTipoImpuesto",
     .titulo = u"Tipos de impuesto",
@@ -102,6 +103,6 @@ constexpr EditorDef kOpTipoImpuestos = {
                u"PorcentajeXTipo_Impuesto.ID_Tipo_Impuesto",
                kFiltro},
     .revisar = &RevisarPorcentajes,
-};
+});
 
 }  // namespace quimo::catalog

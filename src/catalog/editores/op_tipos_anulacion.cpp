@@ -18,7 +18,7 @@ constexpr ColumnaFiltro kFiltro[] = {
 
 }  // namespace
 
-constexpr EditorDef kOpTiposAnulacion = {
+constexpr EditorRevisado kOpTiposAnulacion = Revisado({
     .nombre = u"OpTiposAnulacion",
     .comando = u"mnuOpTiposAnulacion",
     .titulo = u"Tipos de anulación",
@@ -26,6 +26,6 @@ constexpr EditorDef kOpTiposAnulacion = {
     .campos = kCampos,
     .repetido = u"Ya existe el nombre del tipo de anulación",
     .filtro = {u"Tipos_Anulacion WHERE", kFiltro},
-};
+});
 
 }  // namespace quimo::catalog

@@ -19,7 +19,7 @@ constexpr ColumnaFiltro kFiltro[] = {
 
 }  // namespace
 
-constexpr EditorDef kUtlMensajes = {
+constexpr EditorRevisado kUtlMensajes = Revisado({
     .nombre = u"UtlMensajes",
     .comando = u"mnuUtlMensajes",
     .titulo = u"Mensajes",
@@ -27,6 +27,6 @@ constexpr EditorDef kUtlMensajes = {
     .campos = kCampos,
     .repetido = u"Ya existe el mensaje",
     .filtro = {u"Mensajes WHERE", kFiltro},
-};
+});
 
 }  // namespace quimo::catalog

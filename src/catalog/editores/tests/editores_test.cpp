@@ -299,9 +299,11 @@ TEST_P(TodosTest, TablaVacia) {
     EXPECT_EQ(sesion->Clave() + sesion->Campos().Valor(1), QString());
 }
 
-INSTANTIATE_TEST_SUITE_P(Catalogos, TodosTest, testing::Range(0, 11), [](const auto& caso) {
-    return Editores()[static_cast<std::size_t>(caso.param)]->nombre.toString().toStdString();
-});
+INSTANTIATE_TEST_SUITE_P(
+    Catalogos, TodosTest, testing::Range(0, static_cast<int>(Editores().size())),
+    [](const auto& caso) {
+        return Editores()[static_cast<std::size_t>(caso.param)]->nombre.toString().toStdString();
+    });
 
 }  // namespace
 }  // namespace quimo::catalog
