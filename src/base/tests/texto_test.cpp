@@ -13,7 +13,6 @@ struct CasoUtf8 {
 };
 
 TEST(Texto, LoMalFormadoSonBytesSueltos) {
-    using namespace std::string_view_literals;
     const CasoUtf8 casos[] = {
         {"a\xC3\xB1z", U"a\u00F1z"},
         {"\xE2\x82\xAC", U"\u20AC"},
