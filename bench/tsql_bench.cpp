@@ -64,12 +64,14 @@ void Traducir(const tsql::Sentencia& sentencia, const tsql::Entorno& entorno) {
     };
     if (const auto* consulta = std::get_if<tsql::Seleccionar>(&sentencia.que))
         exigir(tsql::TraducirConsulta(*consulta->consulta, entorno));
-    if (const auto* insertar = std::get_if<tsql::Insertar>(&sentencia.que))
+    else if (const auto* insertar = std::get_if<tsql::Insertar>(&sentencia.que))
         exigir(tsql::TraducirInsertar(*insertar, entorno));
-    if (const auto* actualizar = std::get_if<tsql::Actualizar>(&sentencia.que))
+    else if (const auto* actualizar = std::get_if<tsql::Actualizar>(&sentencia.que))
         exigir(tsql::TraducirActualizar(*actualizar, entorno));
-    if (const auto* borrar = std::get_if<tsql::Borrar>(&sentencia.que))
+    else if (const auto* borrar = std::get_if<tsql::Borrar>(&sentencia.que))
         exigir(tsql::TraducirBorrar(*borrar, entorno));
+    else
+        qFatal("a statement of another kind");
 }
 
 void PrimeraVez(benchmark::State& estado) {

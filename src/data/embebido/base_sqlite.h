@@ -42,7 +42,6 @@ public:
     Valor Leer(int columna) const;
     std::int64_t Entero(int columna) const;
     std::string Texto(int columna) const;
-    sqlite3_stmt* get() const { return sentencia_; }
 
 private:
     sqlite3_stmt* sentencia_ = nullptr;

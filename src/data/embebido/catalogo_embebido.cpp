@@ -223,13 +223,16 @@ Hecho CatalogoEmbebido::CargarRestricciones(std::map<std::int64_t, Tabla>& tabla
 Hecho CatalogoEmbebido::CargarModulos(Foto& foto) {
     QUIMO_TRY(Preparada filas, base_.Preparar("SELECT clave,texto FROM _quimo_modulos"));
     return base_.CadaFila(filas, [&]() -> Hecho {
-        QUIMO_TRY(const tsql::Lote lote,
-                  tsql::LeerLote(filas.Texto(1), tsql::Constantes::EnElArbol));
-        const auto* modulo = std::get_if<tsql::CrearModulo>(&lote.sentencias.at(0)->que);
-        QUIMO_CHECK(modulo != nullptr);
-        foto.modulos[filas.Texto(0)] = std::make_shared<const tsql::CrearModulo>(*modulo);
+        QUIMO_TRY(foto.modulos[filas.Texto(0)], LeerModulo(filas.Texto(1)));
         return {};
     });
+}
+
+Resultado<tsql::ModuloPtr> CatalogoEmbebido::LeerModulo(const std::string& texto) {
+    QUIMO_TRY(const tsql::Lote lote, tsql::LeerLote(texto, tsql::Constantes::EnElArbol));
+    const auto* modulo = std::get_if<tsql::CrearModulo>(&lote.sentencias.at(0)->que);
+    QUIMO_CHECK(modulo != nullptr);
+    return std::make_shared<const tsql::CrearModulo>(*modulo);
 }
 
 tsql::TablaPtr CatalogoEmbebido::BuscarTabla(const tsql::NombreObjeto& nombre) const {
@@ -356,10 +359,7 @@ Hecho CatalogoEmbebido::GuardarModulo(const tsql::CrearModulo& modulo) {
     if (const int codigo = filas.Paso(); codigo != SQLITE_DONE) return base_.Fallo(codigo);
     ++version_modulos_;
     // Read again: what is kept has its constants in the tree.
-    QUIMO_TRY(const tsql::Lote lote, tsql::LeerLote(modulo.texto, tsql::Constantes::EnElArbol));
-    const auto* guardado = std::get_if<tsql::CrearModulo>(&lote.sentencias.at(0)->que);
-    QUIMO_CHECK(guardado != nullptr);
-    foto_.modulos[clave] = std::make_shared<const tsql::CrearModulo>(*guardado);
+    QUIMO_TRY(foto_.modulos[clave], LeerModulo(modulo.texto));
     return Avanzar();
 }
 

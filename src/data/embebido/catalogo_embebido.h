@@ -36,7 +36,6 @@ public:
     /// Grows with every change of a definition.
     std::int64_t Version() const { return version_; }
     std::int64_t VersionModulos() const { return version_modulos_; }
-    void Cambiar() { ++version_; }
 
     /// Everything known, to come back to when a transaction is rolled back.
     struct Foto {
@@ -58,6 +57,9 @@ public:
     /// Last number given in an identity column; the one before the seed when there is none.
     Resultado<std::int64_t> UltimoNumero(const tsql::Tabla& tabla);
     Hecho GuardarNumero(const tsql::Tabla& tabla, std::int64_t numero);
+
+    /// What the text of a CREATE or ALTER defines, with its constants in the tree.
+    static Resultado<tsql::ModuloPtr> LeerModulo(const std::string& texto);
 
 private:
     Hecho Cargar();

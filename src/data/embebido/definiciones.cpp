@@ -245,9 +245,7 @@ Hecho Definiciones::Crear(const tsql::CrearModulo& crear) {
         return NombreOcupado(crear.nombre.objeto);
     }
     if (crear.clase == tsql::CrearModulo::Clase::Vista) {
-        QUIMO_TRY(const tsql::Lote lote, tsql::LeerLote(crear.texto, tsql::Constantes::EnElArbol));
-        const auto* modulo = std::get_if<tsql::CrearModulo>(&lote.sentencias.at(0)->que);
-        QUIMO_CHECK(modulo != nullptr);
+        QUIMO_TRY(const tsql::ModuloPtr modulo, CatalogoEmbebido::LeerModulo(crear.texto));
         tsql::Fuente fuente;
         fuente.clase = tsql::Fuente::Clase::Derivada;
         fuente.alias = crear.nombre.objeto;

@@ -43,6 +43,11 @@ private:
     Hecho SinReferencias(const std::function<Hecho()>& trabajo);
 
     Hecho AgregarColumnas(const tsql::Tabla& vieja, const tsql::CambiarTabla& cambiar);
+    Resultado<bool> TieneFilas(const tsql::Tabla& tabla);
+    Resultado<std::string> ValorPorDefecto(const tsql::ColumnaTabla& columna);
+    Hecho AgregarRestricciones(const tsql::Tabla& vieja, const tsql::CambiarTabla& cambiar);
+    Resultado<bool> SumarRestricciones(tsql::Tabla& tabla, const tsql::CambiarTabla& cambiar) const;
+    Hecho GuardarConIndices(const tsql::Tabla& vieja, const tsql::Tabla& nueva);
     Hecho CambiarColumna(const tsql::Tabla& vieja, const tsql::CambiarTabla& cambiar);
     Hecho QuitarColumnas(const tsql::Tabla& vieja, const tsql::CambiarTabla& cambiar);
     Hecho QuitarRestricciones(const tsql::Tabla& vieja, const tsql::CambiarTabla& cambiar);

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <span>
 
 #include <sqlite3.h>
 
@@ -22,24 +23,47 @@ bool Nombra(const std::vector<std::string>& nombres, const std::string& nombre) 
                        [&](const std::string& otro) { return MismoNombre(otro, nombre); });
 }
 
+/// A value must stand in it that nobody computes.
+bool EsObligatoria(const tsql::ColumnaTabla& columna) {
+    return !columna.admite_nulos && columna.calculada.empty();
+}
+
 }  // namespace
 
 Hecho Definiciones::Cambiar(const CambiarTabla& cambiar) {
     using Clase = CambiarTabla::Clase;
     const auto hallada = sesion_.Catalogo().BuscarTabla(cambiar.tabla);
     if (!hallada || hallada->del_sistema) return CambioSinTabla(cambiar.tabla.Completo());
-    if (cambiar.clase == Clase::AgregarColumnas) return AgregarColumnas(*hallada, cambiar);
-    if (cambiar.clase == Clase::CambiarColumna) return CambiarColumna(*hallada, cambiar);
-    if (cambiar.clase == Clase::QuitarColumna) return QuitarColumnas(*hallada, cambiar);
-    if (cambiar.clase == Clase::QuitarRestriccion) return QuitarRestricciones(*hallada, cambiar);
-    Tabla nueva = *hallada;
+    switch (cambiar.clase) {
+        case Clase::AgregarColumnas:
+            return AgregarColumnas(*hallada, cambiar);
+        case Clase::CambiarColumna:
+            return CambiarColumna(*hallada, cambiar);
+        case Clase::QuitarColumna:
+            return QuitarColumnas(*hallada, cambiar);
+        case Clase::QuitarRestriccion:
+            return QuitarRestricciones(*hallada, cambiar);
+        case Clase::AgregarRestricciones:
+            break;
+    }
+    return AgregarRestricciones(*hallada, cambiar);
+}
+
+/// Adds them to a definition. Whether the engine's table must be made anew for them.
+Resultado<bool> Definiciones::SumarRestricciones(Tabla& tabla, const CambiarTabla& cambiar) const {
     bool rehacer = false;
     for (const RestriccionDef& def : cambiar.restricciones) {
-        QUIMO_TRY_VOID(AgregarRestriccion(nueva, def));
+        QUIMO_TRY_VOID(AgregarRestriccion(tabla, def));
         rehacer = rehacer || def.clase == RestriccionDef::Clase::Foranea ||
                   def.clase == RestriccionDef::Clase::Comprobacion ||
                   def.clase == RestriccionDef::Clase::Primaria;
     }
+    return rehacer;
+}
+
+Hecho Definiciones::AgregarRestricciones(const Tabla& vieja, const CambiarTabla& cambiar) {
+    Tabla nueva = vieja;
+    QUIMO_TRY(const bool rehacer, SumarRestricciones(nueva, cambiar));
     for (const RestriccionDef& def : cambiar.restricciones) {
         if (def.clase != RestriccionDef::Clase::Primaria) continue;
         for (const int cual : nueva.Primaria()->columnas) {
@@ -48,13 +72,18 @@ Hecho Definiciones::Cambiar(const CambiarTabla& cambiar) {
             }
         }
     }
-    if (rehacer) return Rehacer(*hallada, nueva);
+    if (rehacer) return Rehacer(vieja, nueva);
     QUIMO_TRY(PuntoDeSentencia punto, PuntoDeSentencia::Abrir(sesion_));
-    for (std::size_t i = hallada->indices.size(); i < nueva.indices.size(); ++i) {
+    QUIMO_TRY_VOID(GuardarConIndices(vieja, nueva));
+    return punto.Confirmar();
+}
+
+/// Makes the indexes that are new, and keeps the definition.
+Hecho Definiciones::GuardarConIndices(const Tabla& vieja, const Tabla& nueva) {
+    for (std::size_t i = vieja.indices.size(); i < nueva.indices.size(); ++i) {
         QUIMO_TRY_VOID(CrearIndiceEnMotor(nueva, nueva.indices[i]));
     }
-    QUIMO_TRY_VOID(sesion_.Catalogo().Guardar(nueva));
-    return punto.Confirmar();
+    return sesion_.Catalogo().Guardar(nueva);
 }
 
 /// New columns take their default in the rows that there are when they cannot be NULL.
@@ -63,72 +92,56 @@ Hecho Definiciones::AgregarColumnas(const Tabla& vieja, const CambiarTabla& camb
     for (const tsql::ColumnaDef& def : cambiar.columnas) {
         QUIMO_TRY_VOID(AgregarColumna(nueva, def));
     }
-    bool rehacer = false;
-    for (const RestriccionDef& def : cambiar.restricciones) {
-        QUIMO_TRY_VOID(AgregarRestriccion(nueva, def));
-        rehacer = rehacer || def.clase == RestriccionDef::Clase::Foranea ||
-                  def.clase == RestriccionDef::Clase::Comprobacion ||
-                  def.clase == RestriccionDef::Clase::Primaria;
-    }
+    QUIMO_TRY(bool rehacer, SumarRestricciones(nueva, cambiar));
     QUIMO_TRY_VOID(Calcular(nueva));
-    QUIMO_TRY(Preparada filas, sesion_.Base().Preparar("SELECT 1 FROM " + vieja.sql + " LIMIT 1"));
-    const int codigo = filas.Paso();
-    if (codigo != SQLITE_ROW && codigo != SQLITE_DONE) return sesion_.Base().Fallo(codigo);
-    const bool con_filas = codigo == SQLITE_ROW;
-    filas.Reiniciar();
-    for (std::size_t i = vieja.columnas.size(); i < nueva.columnas.size(); ++i) {
-        const auto& columna = nueva.columnas[i];
-        if (columna.persistida) rehacer = true;
-        const bool obligatoria = !columna.admite_nulos && columna.calculada.empty();
-        if (!obligatoria) continue;
-        if (columna.identidad || (con_filas && columna.defecto.empty())) {
+    QUIMO_TRY(const bool con_filas, TieneFilas(vieja));
+    const std::span nuevas = std::span(nueva.columnas).subspan(vieja.columnas.size());
+    for (const auto& columna : nuevas) {
+        rehacer = rehacer || columna.persistida;
+        const bool sin_valor = columna.identidad || (con_filas && columna.defecto.empty());
+        if (EsObligatoria(columna) && sin_valor)
             return ColumnaNuevaSinValor(columna.nombre, vieja.nombre);
-        }
     }
     if (rehacer) {
-        if (con_filas) {
-            for (std::size_t i = vieja.columnas.size(); i < nueva.columnas.size(); ++i) {
-                const auto& columna = nueva.columnas[i];
-                if (!columna.admite_nulos && columna.calculada.empty()) {
-                    return ColumnaNuevaSinValor(columna.nombre, vieja.nombre);
-                }
-            }
-        }
+        // The rows are taken over as they are: none would get the new column's default.
+        const auto obligatoria = std::find_if(nuevas.begin(), nuevas.end(), EsObligatoria);
+        if (con_filas && obligatoria != nuevas.end())
+            return ColumnaNuevaSinValor(obligatoria->nombre, vieja.nombre);
         return Rehacer(vieja, nueva);
     }
     QUIMO_TRY(PuntoDeSentencia punto, PuntoDeSentencia::Abrir(sesion_));
     for (std::size_t i = vieja.columnas.size(); i < nueva.columnas.size(); ++i) {
-        const auto& columna = nueva.columnas[i];
         QUIMO_TRY(std::string sql, ColumnaSql(nueva, i));
-        if (!columna.admite_nulos && columna.calculada.empty()) {
-            QUIMO_TRY(const tsql::ExprPtr expr, tsql::LeerExpresion(columna.defecto));
-            tsql::Insertar una;
-            una.filas.push_back({expr});
-            Tabla sola;
-            sola.nombre = nueva.nombre;
-            sola.columnas = {columna};
-            const tsql::Entorno entorno = Entorno();
-            QUIMO_TRY(const tsql::Plan plan, TraducirValor(*expr, entorno));
-            QUIMO_TRY(Preparada valor,
-                      sesion_.Base().Preparar(
-                          "SELECT quote(q_cv((" + plan.sql + ")," +
-                          std::to_string(tsql::Empaquetar(plan.columnas[0].tipo)) + "," +
-                          std::to_string(tsql::Empaquetar(columna.tipo)) + ",0))"));
-            int lugar = 0;
-            for (const tsql::Ranura& ranura : plan.ranuras) {
-                valor.Ligar(++lugar, sesion_.Global(ranura.nombre));
-            }
-            if (valor.Paso() != SQLITE_ROW)
-                return sesion_.Base().Fallo(sesion_.Base().CodigoExtendido());
-            sql += " DEFAULT " + valor.Texto(0);
+        if (EsObligatoria(nueva.columnas[i])) {
+            QUIMO_TRY(const std::string valor, ValorPorDefecto(nueva.columnas[i]));
+            sql += " DEFAULT " + valor;
         }
         QUIMO_TRY_VOID(sesion_.Base().Correr("ALTER TABLE " + vieja.sql + " ADD COLUMN " + sql));
     }
-    for (std::size_t i = vieja.indices.size(); i < nueva.indices.size(); ++i) {
-        QUIMO_TRY_VOID(CrearIndiceEnMotor(nueva, nueva.indices[i]));
-    }
-    QUIMO_TRY_VOID(sesion_.Catalogo().Guardar(nueva));
+    QUIMO_TRY_VOID(GuardarConIndices(vieja, nueva));
     return punto.Confirmar();
+}
+
+Resultado<bool> Definiciones::TieneFilas(const Tabla& tabla) {
+    QUIMO_TRY(Preparada filas, sesion_.Base().Preparar("SELECT 1 FROM " + tabla.sql + " LIMIT 1"));
+    const int codigo = filas.Paso();
+    if (codigo != SQLITE_ROW && codigo != SQLITE_DONE) return sesion_.Base().Fallo(codigo);
+    return codigo == SQLITE_ROW;
+}
+
+/// What a column's default is worth now, as the engine writes values.
+Resultado<std::string> Definiciones::ValorPorDefecto(const tsql::ColumnaTabla& columna) {
+    QUIMO_TRY(const tsql::ExprPtr expr, tsql::LeerExpresion(columna.defecto));
+    QUIMO_TRY(const tsql::Plan plan, TraducirValor(*expr, Entorno()));
+    QUIMO_TRY(Preparada valor, sesion_.Base().Preparar(
+                                   "SELECT quote(q_cv((" + plan.sql + ")," +
+                                   std::to_string(tsql::Empaquetar(plan.columnas[0].tipo)) + "," +
+                                   std::to_string(tsql::Empaquetar(columna.tipo)) + ",0))"));
+    int lugar = 0;
+    for (const tsql::Ranura& ranura : plan.ranuras)
+        valor.Ligar(++lugar, sesion_.Global(ranura.nombre));
+    if (valor.Paso() != SQLITE_ROW) return sesion_.Base().Fallo(sesion_.Base().CodigoExtendido());
+    return valor.Texto(0);
 }
 
 Hecho Definiciones::CambiarColumna(const Tabla& vieja, const CambiarTabla& cambiar) {

@@ -217,12 +217,7 @@ Hecho Definiciones::Rehacer(const Tabla& vieja, const Tabla& nueva) {
         }
         const auto copiada = sesion_.Base().Correr("INSERT INTO " + interina + "(" + columnas +
                                                    ") SELECT " + valores + " FROM " + vieja.sql);
-        if (!copiada) {
-            if (!sesion_.Contexto().error) return copiada;
-            const ErrorSql error = *sesion_.Contexto().error;
-            sesion_.Contexto().error.reset();
-            return error;
-        }
+        if (!copiada) return sesion_.Fallo(sesion_.Base().CodigoExtendido());
         QUIMO_TRY_VOID(sesion_.Base().Correr("DROP TABLE " + vieja.sql + ";ALTER TABLE " +
                                              interina + " RENAME TO " +
                                              EntreComillas(nueva.nombre)));

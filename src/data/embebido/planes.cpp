@@ -15,16 +15,13 @@ namespace {
 /// Gives a prepared statement back, whatever way its run ended.
 class Uso {
 public:
-    explicit Uso(PlanListo& listo) : listo_(listo) { listo_.en_uso = true; }
+    explicit Uso(PlanListo& listo) : sentencia_(listo.sentencia) {}
     Uso(const Uso&) = delete;
     Uso& operator=(const Uso&) = delete;
-    ~Uso() {
-        listo_.sentencia.Reiniciar();
-        listo_.en_uso = false;
-    }
+    ~Uso() { sentencia_.Reiniciar(); }
 
 private:
-    PlanListo& listo_;
+    Preparada& sentencia_;
 };
 
 }  // namespace
@@ -115,11 +112,6 @@ Hecho Planes::Ligar(PlanListo& listo, Marco& marco) {
     return {};
 }
 
-ErrorSql Planes::FalloDe(int codigo) {
-    if (sesion_.Contexto().error) return *std::exchange(sesion_.Contexto().error, std::nullopt);
-    return sesion_.Base().Fallo(codigo);
-}
-
 Resultado<ValorConTipo> Planes::Evaluar(const tsql::Expr& expr, Marco& marco) {
     QUIMO_TRY(PlanListo* const listo, Preparar(&expr, marco, [&](const tsql::Entorno& e) {
                   return TraducirValor(expr, e);
@@ -127,7 +119,7 @@ Resultado<ValorConTipo> Planes::Evaluar(const tsql::Expr& expr, Marco& marco) {
     QUIMO_TRY_VOID(Ligar(*listo, marco));
     const Uso uso(*listo);
     const int codigo = listo->sentencia.Paso();
-    if (codigo != SQLITE_ROW) return FalloDe(codigo);
+    if (codigo != SQLITE_ROW) return sesion_.Fallo(codigo);
     const tsql::Tipo tipo = listo->plan.columnas[0].tipo;
     QUIMO_TRY(const Valor valor, tsql::Normalizar(listo->sentencia.Leer(0), tipo));
     // A sum may have left its type's range.
@@ -154,7 +146,7 @@ Hecho Planes::Leer(PlanListo& listo, Marco& marco, Salida& salida) {
         QUIMO_TRY_VOID(conjunto.Agregar(
             [&](std::size_t i) { return listo.sentencia.Leer(static_cast<int>(i)); }));
     }
-    if (codigo != SQLITE_DONE) return FalloDe(codigo);
+    if (codigo != SQLITE_DONE) return sesion_.Fallo(codigo);
     sesion_.Estado().filas = filas;
     conjunto.Entregar();
     return {};
@@ -176,7 +168,7 @@ Hecho Planes::LeerVariables(PlanListo& listo, Marco& marco) {
                       tipo.EsExacto() ? Convertir(valor, tipo, tipo) : Resultado<Valor>(valor));
         }
     }
-    if (codigo != SQLITE_DONE) return FalloDe(codigo);
+    if (codigo != SQLITE_DONE) return sesion_.Fallo(codigo);
     sesion_.Estado().filas = filas;
     return {};
 }
@@ -196,7 +188,8 @@ Resultado<std::int64_t> Planes::EscribirSinNumerar(PlanListo& listo, const std::
     };
     if (paso() == SQLITE_DONE) return sesion_.Base().Cambios();
     int codigo = sesion_.Base().CodigoExtendido();
-    if (sesion_.Contexto().error || (codigo & 0xFF) != SQLITE_CONSTRAINT) return FalloDe(codigo);
+    if (sesion_.Contexto().error || (codigo & 0xFF) != SQLITE_CONSTRAINT)
+        return sesion_.Fallo(codigo);
     const bool repetida = codigo != SQLITE_CONSTRAINT_NOTNULL &&
                           codigo != SQLITE_CONSTRAINT_CHECK &&
                           codigo != SQLITE_CONSTRAINT_FOREIGNKEY;

@@ -43,7 +43,6 @@ public:
 
 private:
     bool Vigente(const PlanListo& listo) const;
-    ErrorSql FalloDe(int codigo);
     Hecho LeerVariables(PlanListo& listo, Marco& marco);
     Resultado<std::int64_t> EscribirSinNumerar(PlanListo& listo, const std::string& verbo,
                                                Marco& marco);

@@ -120,7 +120,10 @@ Hecho Sesion::Guardar(const std::string& nombre) {
     return {};
 }
 
-std::int64_t Sesion::Ahora() const { return tsql::RedondearFecha(AMilisegundos(reloj_.Ahora())); }
+ErrorSql Sesion::Fallo(int codigo) {
+    if (contexto_.error) return *std::exchange(contexto_.error, std::nullopt);
+    return base_.Fallo(codigo);
+}
 
 Valor Sesion::Global(const std::string& nombre) const {
     if (nombre == "@@ROWCOUNT" || nombre == "ROWCOUNT_BIG") return Valor::De(estado_.filas);
@@ -133,7 +136,7 @@ Valor Sesion::Global(const std::string& nombre) const {
         return estado_.identidad ? Valor::De(*estado_.identidad) : Valor{};
     }
     if (nombre == "GETDATE" || nombre == "SYSDATETIME") {
-        if (!hora_) hora_ = Ahora();
+        if (!hora_) hora_ = tsql::RedondearFecha(AMilisegundos(reloj_.Ahora()));
         return Valor::De(*hora_);
     }
     if (nombre == "RAND") {

@@ -41,6 +41,9 @@ public:
     CatalogoEmbebido& Catalogo() { return catalogo_; }
     ContextoFunciones& Contexto() { return contexto_; }
     EstadoSesion& Estado() { return estado_; }
+    /// The failure behind a result code of a statement: what a function of ours said in it, or what
+    /// the engine says.
+    ErrorSql Fallo(int codigo);
     Candados& Cerrojos() { return candados_; }
     TextosLeidos& Textos() { return textos_; }
     const std::string& NombreBase() const { return nombre_base_; }
@@ -61,7 +64,6 @@ public:
 
     /// Value of @@ROWCOUNT, GETDATE and the other slots that the session fills.
     Valor Global(const std::string& nombre) const;
-    std::int64_t Ahora() const;
     /// GETDATE tells one time while one statement runs: a new one from here on.
     void SoltarHora() { hora_.reset(); }
 

@@ -19,7 +19,6 @@ struct PlanListo {
     std::int64_t version = 0;
     std::int64_t version_modulos = 0;
     std::int64_t opciones = 0;
-    bool en_uso = false;
 };
 
 /// A text that was read, with the plans of its statements. Kept for the next text of its form.

@@ -46,9 +46,9 @@ ValorConTipo DeFecha(const QDateTime& fecha) {
     return {tsql::TipoFecha(), Valor::De(tsql::RedondearFecha(AMilisegundos(fecha)))};
 }
 
-}  // namespace
-
 TipoSql ATipoSql(Clase clase) { return kTipos[static_cast<std::size_t>(clase)]; }
+
+}  // namespace
 
 Columna AColumna(const tsql::ColumnaSalida& columna) {
     return {AQString(columna.nombre), ATipoSql(columna.tipo.clase), columna.tipo.longitud,

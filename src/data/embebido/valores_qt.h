@@ -16,7 +16,6 @@ struct ValorConTipo {
 };
 
 Columna AColumna(const tsql::ColumnaSalida& columna);
-TipoSql ATipoSql(tsql::Clase clase);
 
 /// What the engine handed over, as the interface tells values. Fails when a number has left the
 /// range of its type.
