@@ -23,19 +23,20 @@ constexpr DefOpcion kOpcionesCerrar[] = {
 
 constexpr DefOpcion kOpcionesUsuario[] = {{u"nombre", u"NOMBRE"}};
 
-constexpr DefOrden kOrdenes[] = {
+constexpr DefComando kComandos[] = {
     {u"crear", u"SERVIDOR BASE", 2, 2, kOpcionesCrear,
      u"crea las tablas y los procedimientos en una base vacía y ejecuta ARCHIVO (una sentencia por "
      u"línea)",
-     OrdenCrear},
+     ComandoCrear},
     {u"sql", u"SERVIDOR BASE", 2, 2, kOpcionesSql,
-     u"ejecuta T-SQL en una sesión; con --lineas, una sentencia por línea de la entrada", OrdenSql},
+     u"ejecuta T-SQL en una sesión; con --lineas, una sentencia por línea de la entrada",
+     ComandoSql},
     {u"cerrar", u"SERVIDOR BASE", 2, 2, kOpcionesCerrar,
      u"hace el proceso de fin de día; con --red, las carpetas de las terminales están montadas en "
      u"CARPETA; sin ella, se llega a ellas por la red. --continuar sigue con un cierre que no "
      u"terminó y --descartar lo deja; --omitir cierra sin una terminal; --traer copia después las "
      u"ventas de un archivo, y --enviar manda otra vez su base a una terminal",
-     OrdenCerrar},
+     ComandoCerrar},
     {u"revisar-base",
      u"SERVIDOR BASE",
      2,
@@ -43,14 +44,14 @@ constexpr DefOrden kOrdenes[] = {
      {},
      u"revisa la base central: lo dañado en ella, un cierre que no terminó y las ventas "
      u"incompletas",
-     OrdenRevisarBase},
+     ComandoRevisarBase},
     {u"plantilla",
      u"ARCHIVO",
      1,
      1,
      {},
      u"escribe una base de terminal vacía con todas sus tablas",
-     OrdenPlantilla},
+     ComandoPlantilla},
     {u"mdb",
      u"tablas|volcar|verificar ARCHIVO [TABLA] | reparar ARCHIVO DESTINO",
      2,
@@ -58,40 +59,40 @@ constexpr DefOrden kOrdenes[] = {
      {},
      u"lista, vuelca como JSON o verifica una base de terminal, o escribe una copia sana de una "
      u"dañada",
-     OrdenMdb},
+     ComandoMdb},
     {u"clave",
      u"ARCHIVO",
      1,
      1,
      {},
      u"crea un archivo con una clave nueva para cifrar las contraseñas",
-     OrdenClave},
+     ComandoClave},
     {u"usuario", u"SERVIDOR BASE USUARIO", 3, 3, kOpcionesUsuario,
-     u"da de alta al primer administrador; la contraseña se lee de la entrada", OrdenUsuario},
+     u"da de alta al primer administrador; la contraseña se lee de la entrada", ComandoUsuario},
     {u"demo",
      u"CARPETA",
      1,
      1,
      {},
      u"prepara un restaurante de demostración, o deja que sus terminales vendan otro día",
-     OrdenDemo},
+     ComandoDemo},
 };
 
-QString Uso(const DefOrden& orden) {
-    QString texto = u"  quimoctl "_s + QString::fromUtf16(orden.nombre) + u' ' +
-                    QString::fromUtf16(orden.palabras);
-    for (const DefOpcion& opcion : orden.opciones) {
+QString Uso(const DefComando& comando) {
+    QString texto = u"  quimoctl "_s + QString::fromUtf16(comando.nombre) + u' ' +
+                    QString::fromUtf16(comando.palabras);
+    for (const DefOpcion& opcion : comando.opciones) {
         texto += u" [--"_s + QString::fromUtf16(opcion.nombre);
         if (opcion.valor != nullptr) texto += u' ' + QString::fromUtf16(opcion.valor);
         texto += u']';
     }
-    return texto + u"\n      "_s + QString::fromUtf16(orden.descripcion);
+    return texto + u"\n      "_s + QString::fromUtf16(comando.descripcion);
 }
 
 QString UsoGeneral() {
     QStringList lineas = {u"Uso:"_s};
-    for (const DefOrden& orden : kOrdenes)
-        lineas << Uso(orden);
+    for (const DefComando& comando : kComandos)
+        lineas << Uso(comando);
     return lineas.join(u'\n');
 }
 
@@ -101,7 +102,7 @@ Estado MalUso(const QString& por_que, const QString& uso) {
 }
 
 /// Splits words and options; an empty text, or what is wrong with them.
-QString Leer(const DefOrden& orden, const QStringList& resto, Argumentos& leidos) {
+QString Leer(const DefComando& comando, const QStringList& resto, Argumentos& leidos) {
     for (qsizetype i = 0; i < resto.size(); ++i) {
         const QString& palabra = resto[i];
         if (!palabra.startsWith(u"--"_s)) {
@@ -110,9 +111,9 @@ QString Leer(const DefOrden& orden, const QStringList& resto, Argumentos& leidos
         }
         const QString nombre = palabra.mid(2).section(u'=', 0, 0);
         const auto opcion = std::find_if(
-            orden.opciones.begin(), orden.opciones.end(),
+            comando.opciones.begin(), comando.opciones.end(),
             [&](const DefOpcion& def) { return nombre == QString::fromUtf16(def.nombre); });
-        if (opcion == orden.opciones.end()) return u"Opción desconocida: "_s + palabra;
+        if (opcion == comando.opciones.end()) return u"Opción desconocida: "_s + palabra;
         if (leidos.Hay(nombre) && !opcion->repetible)
             return u"La opción --"_s + nombre + u" está repetida."_s;
         const bool con_igual = palabra.contains(u'=');
@@ -127,33 +128,34 @@ QString Leer(const DefOrden& orden, const QStringList& resto, Argumentos& leidos
             return u"Falta el valor de la opción --"_s + nombre + u'.';
         }
     }
-    if (leidos.palabras.size() < orden.palabras_min) return u"Faltan argumentos."_s;
-    if (leidos.palabras.size() > orden.palabras_max) {
-        return u"Sobra el argumento '"_s + leidos.palabras[orden.palabras_max] + u"'."_s;
+    if (leidos.palabras.size() < comando.palabras_min) return u"Faltan argumentos."_s;
+    if (leidos.palabras.size() > comando.palabras_max) {
+        return u"Sobra el argumento '"_s + leidos.palabras[comando.palabras_max] + u"'."_s;
     }
     return {};
 }
 
 }  // namespace
 
-std::span<const DefOrden> Ordenes() { return kOrdenes; }
+std::span<const DefComando> Comandos() { return kComandos; }
 
-Estado EjecutarOrden(const QStringList& argumentos, const Entorno& entorno) {
-    if (argumentos.isEmpty()) return MalUso(u"Falta la orden."_s, UsoGeneral());
+Estado EjecutarComando(const QStringList& argumentos, const Entorno& entorno) {
+    if (argumentos.isEmpty()) return MalUso(u"Falta el comando."_s, UsoGeneral());
     if (argumentos.first() == u"--ayuda"_s || argumentos.first() == u"--help"_s) {
         Escribir(UsoGeneral());
         return kHecho;
     }
-    const auto* const orden = std::find_if(
-        std::begin(kOrdenes), std::end(kOrdenes),
-        [&](const DefOrden& def) { return argumentos.first() == QString::fromUtf16(def.nombre); });
-    if (orden == std::end(kOrdenes)) {
-        return MalUso(u"Orden desconocida: "_s + argumentos.first(), UsoGeneral());
+    const auto* const comando =
+        std::find_if(std::begin(kComandos), std::end(kComandos), [&](const DefComando& def) {
+            return argumentos.first() == QString::fromUtf16(def.nombre);
+        });
+    if (comando == std::end(kComandos)) {
+        return MalUso(u"Comando desconocido: "_s + argumentos.first(), UsoGeneral());
     }
     Argumentos leidos;
-    const QString error = Leer(*orden, argumentos.mid(1), leidos);
-    if (!error.isEmpty()) return MalUso(error, u"Uso:\n"_s + Uso(*orden));
-    return orden->ejecutar(leidos, entorno);
+    const QString error = Leer(*comando, argumentos.mid(1), leidos);
+    if (!error.isEmpty()) return MalUso(error, u"Uso:\n"_s + Uso(*comando));
+    return comando->ejecutar(leidos, entorno);
 }
 
 }  // namespace quimo::app

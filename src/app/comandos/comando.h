@@ -44,7 +44,7 @@ struct Entorno {
 };
 
 /// One command of quimoctl.
-struct DefOrden {
+struct DefComando {
     const char16_t* nombre = u"";
     const char16_t* palabras = u"";  ///< as the usage text shows them
     int palabras_min = 0;
@@ -55,19 +55,19 @@ struct DefOrden {
 };
 
 /// All commands, in the order of the usage text.
-std::span<const DefOrden> Ordenes();
+std::span<const DefComando> Comandos();
 
-Estado OrdenCrear(const Argumentos& argumentos, const Entorno& entorno);
-Estado OrdenSql(const Argumentos& argumentos, const Entorno& entorno);
-Estado OrdenCerrar(const Argumentos& argumentos, const Entorno& entorno);
-Estado OrdenPlantilla(const Argumentos& argumentos, const Entorno& entorno);
-Estado OrdenMdb(const Argumentos& argumentos, const Entorno& entorno);
-Estado OrdenClave(const Argumentos& argumentos, const Entorno& entorno);
-Estado OrdenUsuario(const Argumentos& argumentos, const Entorno& entorno);
-Estado OrdenRevisarBase(const Argumentos& argumentos, const Entorno& entorno);
-Estado OrdenDemo(const Argumentos& argumentos, const Entorno& entorno);
+Estado ComandoCrear(const Argumentos& argumentos, const Entorno& entorno);
+Estado ComandoSql(const Argumentos& argumentos, const Entorno& entorno);
+Estado ComandoCerrar(const Argumentos& argumentos, const Entorno& entorno);
+Estado ComandoPlantilla(const Argumentos& argumentos, const Entorno& entorno);
+Estado ComandoMdb(const Argumentos& argumentos, const Entorno& entorno);
+Estado ComandoClave(const Argumentos& argumentos, const Entorno& entorno);
+Estado ComandoUsuario(const Argumentos& argumentos, const Entorno& entorno);
+Estado ComandoRevisarBase(const Argumentos& argumentos, const Entorno& entorno);
+Estado ComandoDemo(const Argumentos& argumentos, const Entorno& entorno);
 
 /// Finds the command, reads its words and options and runs it.
-Estado EjecutarOrden(const QStringList& argumentos, const Entorno& entorno);
+Estado EjecutarComando(const QStringList& argumentos, const Entorno& entorno);
 
 }  // namespace quimo::app

@@ -118,7 +118,7 @@ Estado Terminal(const Argumentos& argumentos, TrabajoTerminal& trabajo, foundati
 
 }  // namespace
 
-Estado OrdenCerrar(const Argumentos& argumentos, const Entorno& entorno) {
+Estado ComandoCerrar(const Argumentos& argumentos, const Entorno& entorno) {
     const auto ante_falla = AnteFalla(argumentos.Opcion(u"ante-falla"_s, u"abortar"_s));
     const QString contradiccion = ante_falla
                                       ? Contradiccion(argumentos)

@@ -47,16 +47,12 @@ private:
 
 }  // namespace
 
-Estado OrdenCrear(const Argumentos& argumentos, const Entorno& entorno) {
+Estado ComandoCrear(const Argumentos& argumentos, const Entorno& entorno) {
     QString datos;
     if (argumentos.Hay(u"sql"_s)) {
-        QFile archivo(argumentos.Opcion(u"sql"_s));
-        if (!archivo.open(QIODevice::ReadOnly)) {
-            EscribirError(u"No se puede leer el archivo "_s + archivo.fileName() + u": "_s +
-                          archivo.errorString());
-            return kFallo;
-        }
-        datos = QString::fromUtf8(archivo.readAll());
+        const auto leidos = LeerTexto(argumentos.Opcion(u"sql"_s));
+        if (!leidos) return kFallo;
+        datos = *leidos;
     }
     BaseNuevaEnDisco en_disco(argumentos.palabras[0], argumentos.palabras[1]);
     const auto sesion = AbrirSesion(argumentos, entorno, foundation::SiFalta::Crear, QString());

@@ -3,13 +3,10 @@
 
 namespace quimo::app {
 
-Estado OrdenDemo(const Argumentos& argumentos, const Entorno& entorno) {
+Estado ComandoDemo(const Argumentos& argumentos, const Entorno& entorno) {
     DialogosConsola dialogos;
     const auto resumen = demo::PrepararDemo(argumentos.palabras[0], dialogos, entorno.reloj);
-    if (!resumen) {
-        EscribirError(QString::fromStdString(resumen.error().mensaje));
-        return kFallo;
-    }
+    if (!resumen) return Fallar(resumen.error());
     for (const QString& linea : demo::Lineas(*resumen))
         Escribir(linea);
     return kHecho;

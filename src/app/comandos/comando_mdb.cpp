@@ -15,11 +15,6 @@ namespace quimo::app {
 
 namespace {
 
-Estado Fallar(const base::Error& error) {
-    EscribirError(QString::fromStdString(error.mensaje));
-    return kFallo;
-}
-
 Estado Tablas(const jet::BaseDatos& base) {
     const auto nombres = base.Tablas();
     if (!nombres) return Fallar(nombres.error());
@@ -75,7 +70,7 @@ QString Lineas(const jet::TablaReparada& tabla) {
 Estado Reparar(const QString& origen, const QString& destino) {
     if (jet::MirarLdb(origen.toStdString()) == jet::EstadoLdb::EnUso) {
         EscribirError(u"El archivo está en uso: "_s + origen +
-                      u". Cierre el programa que lo tiene abierto y repita la orden."_s);
+                      u". Cierre el programa que lo tiene abierto y repita el comando."_s);
         return kFallo;
     }
     const auto informe = jet::Reparar(origen.toStdString(), destino.toStdString());
@@ -100,7 +95,7 @@ Estado Reparar(const QString& origen, const QString& destino) {
 
 }  // namespace
 
-Estado OrdenMdb(const Argumentos& argumentos, const Entorno& /*entorno*/) {
+Estado ComandoMdb(const Argumentos& argumentos, const Entorno& /*entorno*/) {
     const QString& accion = argumentos.palabras[0];
     const bool una_tabla = argumentos.palabras.size() > 2;
     if (accion == u"reparar"_s && una_tabla) {
@@ -120,7 +115,7 @@ Estado OrdenMdb(const Argumentos& argumentos, const Entorno& /*entorno*/) {
     return Verificar(*base);
 }
 
-Estado OrdenPlantilla(const Argumentos& argumentos, const Entorno& /*entorno*/) {
+Estado ComandoPlantilla(const Argumentos& argumentos, const Entorno& /*entorno*/) {
     const QString& archivo = argumentos.palabras[0];
     const auto escrita = dayclose::EscribirPlantilla(archivo.toStdString());
     if (!escrita) return Fallar(escrita.error());

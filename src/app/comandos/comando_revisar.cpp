@@ -16,7 +16,7 @@ const QString kRestaurar =
 
 }  // namespace
 
-Estado OrdenRevisarBase(const Argumentos& argumentos, const Entorno& entorno) {
+Estado ComandoRevisarBase(const Argumentos& argumentos, const Entorno& entorno) {
     const auto sesion = AbrirSesion(argumentos, entorno, foundation::SiFalta::Fallar, QString());
     if (sesion == nullptr) {
         if (QFileInfo(argumentos.palabras[1]).isFile()) {

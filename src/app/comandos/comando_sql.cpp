@@ -1,8 +1,6 @@
 #include <iostream>
 #include <string>
 
-#include <QFile>
-
 #include "app/comandos/consola.h"
 #include "app/comandos/formato_sql.h"
 #include "data/esquema.h"
@@ -43,7 +41,7 @@ Estado Mostrar(const data::RespuestaSql& respuesta, FormatoSql formato) {
 
 }  // namespace
 
-Estado OrdenSql(const Argumentos& argumentos, const Entorno& entorno) {
+Estado ComandoSql(const Argumentos& argumentos, const Entorno& entorno) {
     const auto formato = FormatoDeTexto(argumentos.Opcion(u"formato"_s, u"tabla"_s));
     if (!formato) {
         EscribirError(u"El formato debe ser tabla, csv o json."_s);
@@ -58,13 +56,9 @@ Estado OrdenSql(const Argumentos& argumentos, const Entorno& entorno) {
     }
     QString texto = argumentos.Opcion(u"consulta"_s);
     if (argumentos.Hay(u"archivo"_s)) {
-        QFile archivo(argumentos.Opcion(u"archivo"_s));
-        if (!archivo.open(QIODevice::ReadOnly)) {
-            EscribirError(u"No se puede leer el archivo "_s + archivo.fileName() + u": "_s +
-                          archivo.errorString());
-            return kFallo;
-        }
-        texto = QString::fromUtf8(archivo.readAll());
+        const auto leido = LeerTexto(argumentos.Opcion(u"archivo"_s));
+        if (!leido) return kFallo;
+        texto = *leido;
     }
     const auto sesion = AbrirSesion(argumentos, entorno, foundation::SiFalta::Fallar, QString());
     if (sesion == nullptr) return kFallo;

@@ -72,31 +72,23 @@ base::Result<QString> ContrasenaGuardada() {
 
 }  // namespace
 
-Estado OrdenUsuario(const Argumentos& argumentos, const Entorno& entorno) {
+Estado ComandoUsuario(const Argumentos& argumentos, const Entorno& entorno) {
     const auto guardada = ContrasenaGuardada();
-    if (!guardada) {
-        EscribirError(QString::fromStdString(guardada.error().mensaje));
-        return kFallo;
-    }
+    if (!guardada) return Fallar(guardada.error());
     const auto sesion = AbrirSesion(argumentos, entorno, foundation::SiFalta::Fallar, QString());
     if (sesion == nullptr) return kFallo;
     const QString& usuario = argumentos.palabras[2];
     const auto creado = CrearAdministrador(
         sesion->ado->Conexion(), {usuario, argumentos.Opcion(u"nombre"_s, usuario), *guardada});
-    if (!creado) {
-        EscribirError(QString::fromStdString(creado.error().mensaje));
-        return kFallo;
-    }
+    if (!creado) return Fallar(creado.error());
     Escribir(u"Administrador dado de alta: "_s + usuario);
     return kHecho;
 }
 
-Estado OrdenClave(const Argumentos& argumentos, const Entorno& /*entorno*/) {
+Estado ComandoClave(const Argumentos& argumentos, const Entorno& /*entorno*/) {
     const QString& archivo = argumentos.palabras[0];
-    if (const auto creada = security::CrearArchivoClave(archivo); !creada) {
-        EscribirError(QString::fromStdString(creada.error().mensaje));
-        return kFallo;
-    }
+    if (const auto creada = security::CrearArchivoClave(archivo); !creada)
+        return Fallar(creada.error());
     Escribir(u"Clave creada en "_s + archivo +
              u". Guarde una copia: sin ella nadie puede entrar.\nUso: QUIMO_CLAVE_ARCHIVO="_s +
              archivo);

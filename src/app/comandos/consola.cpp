@@ -4,6 +4,8 @@
 #include <cerrno>
 #include <cstdio>
 
+#include <QFile>
+
 using namespace Qt::StringLiterals;
 
 namespace quimo::app {
@@ -29,6 +31,18 @@ void Escribir(const QString& linea) {
 }
 bool SalidaCerrada() { return salida_cerrada; }
 void EscribirError(const QString& linea) { static_cast<void>(EscribirEn(stderr, linea)); }
+
+Estado Fallar(const base::Error& error) {
+    EscribirError(QString::fromStdString(error.mensaje));
+    return kFallo;
+}
+
+std::optional<QString> LeerTexto(const QString& archivo) {
+    QFile texto(archivo);
+    if (texto.open(QIODevice::ReadOnly)) return QString::fromUtf8(texto.readAll());
+    EscribirError(u"No se puede leer el archivo "_s + archivo + u": "_s + texto.errorString());
+    return std::nullopt;
+}
 
 QString TablaDeTexto(const QStringList& titulos, const QVector<QStringList>& filas,
                      const QVector<bool>& a_la_derecha) {

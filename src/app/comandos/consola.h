@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 
 #include <QString>
 #include <QStringList>
@@ -19,6 +20,10 @@ void Escribir(const QString& linea);
 bool SalidaCerrada();
 /// One line on standard error.
 void EscribirError(const QString& linea);
+/// Tells a failure, which is the command's.
+Estado Fallar(const base::Error& error);
+/// A whole file of UTF-8 text; nothing after telling why it cannot be read.
+std::optional<QString> LeerTexto(const QString& archivo);
 
 /// Rows of cells as a text table: columns as wide as their widest cell, the named ones to the
 /// right.

@@ -7,5 +7,5 @@ int main(int argc, char* argv[]) {
     QCoreApplication::setApplicationName(QStringLiteral("quimoctl"));
     QCoreApplication::setApplicationVersion(QStringLiteral(QUIMO_VERSION));
     const quimo::data::RelojSistema reloj;
-    return quimo::app::EjecutarOrden(QCoreApplication::arguments().mid(1), {reloj});
+    return quimo::app::EjecutarComando(QCoreApplication::arguments().mid(1), {reloj});
 }

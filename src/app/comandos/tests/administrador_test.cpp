@@ -48,7 +48,7 @@ protected:
     security::CifradoRc4 cifrado_;
 };
 
-TEST_F(AdministradorTest, EntersWithEveryRightAndIsTheOnlyOne) {
+TEST_F(AdministradorTest, EntraConTodosLosPermisosYEsElUnico) {
     // A right that is there already keeps its key.
     ASSERT_TRUE(demo::Ejecutar(ado_.Conexion(), u"INSERT INTO Permisos VALUES (5,'ADMIN',1)"_s));
     ASSERT_TRUE(Crear(u"jefa"_s, u"Ñandú 1"_s));
@@ -64,7 +64,7 @@ TEST_F(AdministradorTest, EntersWithEveryRightAndIsTheOnlyOne) {
     EXPECT_EQ(Filas(u"Empleado"_s), 1);
 }
 
-TEST_F(AdministradorTest, WhatIsRefusedLeavesNothing) {
+TEST_F(AdministradorTest, LoQueSeNiegaNoDejaNada) {
     ASSERT_TRUE(demo::Ejecutar(ado_.Conexion(),
                                u"INSERT INTO Empleado (ID_Empleado,Usuario,Nombre_Empleado,"
                                "Contraseña) VALUES (3,'ana','Ana',?)"_s,
