@@ -12,7 +12,7 @@
 #include "tsql/lectura/lotes.h"
 #include "tsql/lectura/parser.h"
 
-namespace quimo::foundation {
+namespace quimo::data {
 
 namespace {
 
@@ -24,7 +24,7 @@ QString Leer(const QString& archivo) {
     return QString::fromUtf8(f.readAll());
 }
 
-class RelojBanco final : public data::Reloj {
+class RelojBanco final : public Reloj {
 public:
     QDateTime Ahora() const override { return {QDate(2026, 11, 14), QTime(21, 36), Qt::UTC}; }
 };
@@ -90,9 +90,8 @@ void LaSiguiente(benchmark::State& estado) {
     Banco& banco = Unico();
     const std::string& texto = banco.sentencias[static_cast<std::size_t>(estado.range(0))];
     for ([[maybe_unused]] const auto vuelta : estado) {
-        auto listo = banco.sesion->Leer(texto, {});
+        const auto listo = banco.sesion->Textos().Leer(texto, {});
         if (!listo) qFatal("%s", listo.error().mensaje.c_str());
-        (*listo)->en_uso = false;
     }
     estado.SetLabel(texto.substr(0, 48));
 }
@@ -102,6 +101,6 @@ void LaSiguiente(benchmark::State& estado) {
 BENCHMARK(PrimeraVez)->DenseRange(0, 12)->Unit(benchmark::kMicrosecond);
 BENCHMARK(LaSiguiente)->DenseRange(0, 12)->Unit(benchmark::kMicrosecond);
 
-}  // namespace quimo::foundation
+}  // namespace quimo::data
 
 BENCHMARK_MAIN();

@@ -3,6 +3,7 @@
 #include <QStringBuilder>
 
 #include "data/conexion_vigilada.h"
+#include "data/fallos.h"
 #include "data/valores.h"
 
 using namespace Qt::StringLiterals;
@@ -13,10 +14,7 @@ namespace {
 
 constexpr qint64 kErrorPropio = 1;
 
-data::FalloSql Cerrada() {
-    return {data::FalloSql::kConexionCerrada,
-            {data::ErrorProveedor{u"08003"_s, 0, u"ClsAdo"_s, u"La conexión está cerrada."_s}}};
-}
+data::FalloSql Cerrada() { return data::ConexionCerrada(u"ClsAdo"); }
 
 QString TextoDe(const Cambio& cambio) {
     if (cambio.clase == Cambio::Clase::Insertar) {

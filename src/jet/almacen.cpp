@@ -32,25 +32,12 @@ Error ErrorDeTamano(const std::string& ruta, std::uint64_t largo) {
                                         std::to_string(largo) + " bytes."};
 }
 
-std::int64_t Nanosegundos(const timespec& t) {
-    return static_cast<std::int64_t>(t.tv_sec) * 1000000000 + t.tv_nsec;
-}
-
 }  // namespace
 
-Descriptor& Descriptor::operator=(Descriptor&& otro) noexcept {
-    if (this != &otro) {
-        if (fd_ >= 0) ::close(fd_);
-        fd_ = otro.Soltar();
-    }
-    return *this;
+HuellaArchivo HuellaArchivo::De(const struct stat& datos) {
+    const std::int64_t segundos = datos.st_mtim.tv_sec;
+    return {datos.st_dev, datos.st_ino, segundos * 1000000000 + datos.st_mtim.tv_nsec};
 }
-
-Descriptor::~Descriptor() {
-    if (fd_ >= 0) ::close(fd_);
-}
-
-int Descriptor::Soltar() { return std::exchange(fd_, -1); }
 
 Result<std::unique_ptr<Almacen>> Almacen::DeArchivo(const std::string& ruta, Acceso acceso) {
     std::unique_ptr<Almacen> almacen(new Almacen());
@@ -59,7 +46,7 @@ Result<std::unique_ptr<Almacen>> Almacen::DeArchivo(const std::string& ruta, Acc
     if (fallo) return ErrorDeSistema(fallo.value(), "No se encuentra el archivo", ruta);
     const int banderas = acceso == Acceso::Escritura ? O_RDWR : O_RDONLY;
     almacen->archivo_ =
-        Descriptor(::open(almacen->ruta_.c_str(), banderas | O_CLOEXEC | O_NONBLOCK));
+        base::Descriptor(::open(almacen->ruta_.c_str(), banderas | O_CLOEXEC | O_NONBLOCK));
     const int fd = almacen->archivo_.Fd();
     struct stat datos {};
     if (fd < 0 || ::fstat(fd, &datos) != 0) {
@@ -77,9 +64,7 @@ Result<std::unique_ptr<Almacen>> Almacen::DeArchivo(const std::string& ruta, Acc
     const std::uint64_t paginas = largo / kTamPagina;
     if (paginas == 0 || paginas > kPaginasMax) return ErrorDeTamano(ruta, largo);
     almacen->sobrante_ = static_cast<std::size_t>(largo % kTamPagina);
-    almacen->dispositivo_ = datos.st_dev;
-    almacen->inodo_ = datos.st_ino;
-    almacen->modificado_ns_ = Nanosegundos(datos.st_mtim);
+    almacen->huella_ = HuellaArchivo::De(datos);
     almacen->entradas_.resize(paginas);
     return almacen;
 }

@@ -10,8 +10,15 @@
 #include <string_view>
 #include <vector>
 
+#include "base/descriptor.h"
 #include "base/result.h"
 #include "jet/formato.h"
+
+struct stat;
+
+namespace quimo::base {
+class Reemplazo;
+}  // namespace quimo::base
 
 namespace quimo::jet {
 
@@ -20,21 +27,14 @@ using base::Result;
 
 struct Catalogo;
 
-/// Closes a file descriptor when it goes.
-class Descriptor {
-public:
-    Descriptor() = default;
-    explicit Descriptor(int fd) : fd_(fd) {}
-    Descriptor(Descriptor&& otro) noexcept : fd_(otro.Soltar()) {}
-    Descriptor& operator=(Descriptor&& otro) noexcept;
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor();
-    int Fd() const { return fd_; }
-    int Soltar();
-
-private:
-    int fd_ = -1;
+/// By what a file is told from another one that somebody put under its name, and from itself as it
+/// was before somebody wrote into it.
+struct HuellaArchivo {
+    static HuellaArchivo De(const struct stat& datos);
+    std::uint64_t dispositivo = 0;
+    std::uint64_t inodo = 0;
+    std::int64_t modificado_ns = 0;
+    bool operator==(const HuellaArchivo&) const = default;
 };
 
 /// The pages of one file. They are read when asked for; a page that was changed lives in memory
@@ -109,16 +109,14 @@ private:
     void Terminar();
     void Deshacer();
     Result<void> Extraer(std::uint32_t numero, std::uint8_t* destino) const;
-    Result<void> Copiar(int fd) const;
+    Result<void> Copiar(base::Reemplazo& nuevo) const;
     Result<void> ComprobarDestino(const std::string& ruta) const;
-    Result<void> Sustituir(const std::string& temporal, const std::string& ruta);
+    Result<void> Sustituir(base::Reemplazo& nuevo);
 
     std::string ruta_;
     bool debe_ser_nuevo_ = false;
-    Descriptor archivo_;
-    std::uint64_t dispositivo_ = 0;
-    std::uint64_t inodo_ = 0;
-    std::int64_t modificado_ns_ = 0;
+    base::Descriptor archivo_;
+    HuellaArchivo huella_;
 
     std::size_t sobrante_ = 0;
     std::vector<Entrada> entradas_;

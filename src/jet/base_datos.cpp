@@ -110,7 +110,7 @@ EstadoLdb MirarLdb(const std::string& ruta_mdb) {
     for (const char* extension : {".ldb", ".LDB"}) {
         std::filesystem::path ldb = base;
         ldb.replace_extension(extension);
-        const Descriptor fd(::open(ldb.c_str(), O_RDONLY | O_CLOEXEC));
+        const base::Descriptor fd(::open(ldb.c_str(), O_RDONLY | O_CLOEXEC));
         if (fd.Fd() < 0 && (errno == ENOENT || errno == ENOTDIR)) continue;
         if (fd.Fd() < 0) return EstadoLdb::EnUso;
         struct flock candado {};

@@ -18,32 +18,6 @@ namespace quimo::jet {
 enum class Modo { Lectura, Escritura };
 enum class Sistema { No, Si };  ///< whether system tables are listed too
 
-/// How a database or a column sorts its texts: a language and the version of its rules.
-struct OrdenTexto {
-    int lcid = 0;
-    int version = 0;
-
-    /// Keys of that order can be computed. The only one is General (0x0409, version 0).
-    bool SeEscribe() const { return *this == OrdenTexto{0x0409, 0}; }
-    /// "español tradicional (0x040A)".
-    std::string Nombre() const;
-    bool operator==(const OrdenTexto&) const = default;
-};
-
-/// A relationship as MSysRelationships describes it: rows of `tabla` name rows of `referida`.
-struct Relacion {
-    std::string nombre;
-    std::string tabla;
-    std::string referida;
-    std::vector<std::pair<std::string, std::string>> columnas;  ///< of tabla, of referida
-    std::uint32_t banderas = 0;
-
-    /// The file asks its writers to keep it. Otherwise it only joins tables in queries.
-    bool Exigida() const { return (banderas & 0x00000002U) == 0; }
-    bool ActualizaEnCascada() const { return (banderas & 0x00000100U) != 0; }
-    bool BorraEnCascada() const { return (banderas & 0x00001000U) != 0; }
-};
-
 /// An open Jet 4 database (.mdb of Access 2000 to 2003). The file itself is never written to:
 /// changes stay in memory until Guardar replaces it by a new file. Paths are UTF-8. One thread at a
 /// time.

@@ -10,9 +10,9 @@
 
 #include "base/result.h"
 #include "jet/almacen.h"
-#include "jet/base_datos.h"
+#include "jet/definicion.h"
 #include "jet/esquema.h"
-#include "jet/tabla.h"
+#include "jet/tipos_fila.h"
 
 /// The tables of a database are rows of MSysObjects.
 namespace quimo::jet {

@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <string>
 
-#include "jet/base_datos.h"
+#include "base/texto.h"
 #include "jet/fila.h"
 #include "jet/texto.h"
 
@@ -68,7 +68,7 @@ Error SinPeso(const Esquema& esquema, std::size_t columna, char32_t letra) {
     std::string visible = "\uFFFD";
     if (letra < 0xD800 || letra > 0xDFFF) {
         visible.clear();
-        AgregarUtf8(visible, letra);
+        base::AgregarCaracter(visible, letra);
     }
     return {Error::Codigo::NoSoportado,
             "La letra «" + visible + "» (" + codigo.data() + ") no se puede usar en " +

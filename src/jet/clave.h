@@ -7,7 +7,7 @@
 
 #include "base/result.h"
 #include "jet/esquema.h"
-#include "jet/tabla.h"
+#include "jet/tipos_fila.h"
 
 /// Index keys: bytes that sort as the values do.
 namespace quimo::jet {

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace quimo::jet {
@@ -56,6 +57,32 @@ struct DefTabla {
     std::string nombre;
     std::vector<DefColumna> columnas;  ///< in their natural order, which is the order of row values
     std::vector<DefIndice> indices;
+};
+
+/// How a database or a column sorts its texts: a language and the version of its rules.
+struct OrdenTexto {
+    int lcid = 0;
+    int version = 0;
+
+    /// Keys of that order can be computed. The only one is General (0x0409, version 0).
+    bool SeEscribe() const { return *this == OrdenTexto{0x0409, 0}; }
+    /// "español tradicional (0x040A)".
+    std::string Nombre() const;
+    bool operator==(const OrdenTexto&) const = default;
+};
+
+/// A relationship as MSysRelationships describes it: rows of `tabla` name rows of `referida`.
+struct Relacion {
+    std::string nombre;
+    std::string tabla;
+    std::string referida;
+    std::vector<std::pair<std::string, std::string>> columnas;  ///< of tabla, of referida
+    std::uint32_t banderas = 0;
+
+    /// The file asks its writers to keep it. Otherwise it only joins tables in queries.
+    bool Exigida() const { return (banderas & 0x00000002U) == 0; }
+    bool ActualizaEnCascada() const { return (banderas & 0x00000100U) != 0; }
+    bool BorraEnCascada() const { return (banderas & 0x00001000U) != 0; }
 };
 
 }  // namespace quimo::jet

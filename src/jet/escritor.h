@@ -9,7 +9,7 @@
 #include "jet/almacen.h"
 #include "jet/esquema.h"
 #include "jet/fila.h"
-#include "jet/tabla.h"
+#include "jet/tipos_fila.h"
 
 namespace quimo::jet {
 

@@ -13,7 +13,7 @@
 #include "jet/esquema.h"
 #include "jet/largos.h"
 #include "jet/pagina_datos.h"
-#include "jet/tabla.h"
+#include "jet/tipos_fila.h"
 
 /// The bytes of a row, and the values in them.
 namespace quimo::jet {

@@ -15,9 +15,12 @@
 #include <unistd.h>
 
 #include "base/check.h"
+#include "base/reemplazo.h"
 #include "jet/almacen.h"
 
 namespace quimo::jet {
+
+using base::Reemplazo;
 
 namespace {
 
@@ -33,20 +36,9 @@ Error ErrorAlGuardar(int numero, const std::string& ruta) {
             std::strerror(numero)};
 }
 
-/// Removes the partial file unless it was put in place.
-class ArchivoTemporal {
-public:
-    explicit ArchivoTemporal(std::string ruta) : ruta_(std::move(ruta)) {}
-    ~ArchivoTemporal() {
-        if (!ruta_.empty()) ::unlink(ruta_.c_str());
-    }
-    ArchivoTemporal(const ArchivoTemporal&) = delete;
-    ArchivoTemporal& operator=(const ArchivoTemporal&) = delete;
-    void Colocado() { ruta_.clear(); }
-
-private:
-    std::string ruta_;
-};
+Error YaExiste(const std::string& ruta) {
+    return {Error::Codigo::Restriccion, "El archivo " + ruta + " ya existe."};
+}
 
 /// The process that a temporary file's name belongs to: "NAME.PID-N.tmp", where NAME has the
 /// extension of what is saved. Nothing for any other name.
@@ -76,48 +68,30 @@ void BarrerTemporales(const std::filesystem::path& guardado) {
          i.increment(fallo)) {
         const auto proceso = ProcesoDe(i->path().filename().string(), guardado);
         if (!proceso || ::kill(*proceso, 0) == 0 || errno != ESRCH) continue;
-        const Descriptor fd(
+        const base::Descriptor fd(
             ::open(i->path().c_str(), O_RDWR | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK));
         if (fd.Fd() >= 0 && ::flock(fd.Fd(), LOCK_EX | LOCK_NB) == 0) ::unlink(i->path().c_str());
     }
 }
 
 /// Creates a file of a name nobody has, beside `ruta`, locked from the first moment on.
-Result<std::pair<Descriptor, std::string>> AbrirTemporal(const std::string& ruta) {
+Result<Reemplazo> CrearTemporal(const std::string& ruta) {
     BarrerTemporales(ruta);
     for (int i = 0; i < kNombresTemporalesMax; ++i) {
-        const std::string nombre =
-            ruta + "." + std::to_string(::getpid()) + "-" + std::to_string(i) + ".tmp";
-        const int fd = ::open(nombre.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-        if (fd >= 0) {
-            ::flock(fd, LOCK_EX | LOCK_NB);  // ours alone until the rename; kept for the next save
-            return std::pair(Descriptor(fd), nombre);
+        auto nuevo = Reemplazo::Crear(
+            ruta, ruta + "." + std::to_string(::getpid()) + "-" + std::to_string(i) + ".tmp",
+            Reemplazo::Restos::Respetar, 0666);
+        if (nuevo) {
+            ::flock(nuevo->Fd(), LOCK_EX | LOCK_NB);  // ours alone, and kept for the next save
+            return std::move(nuevo).value();
         }
-        if (errno != EEXIST) return ErrorAlGuardar(errno, ruta);
+        if (nuevo.error().error != EEXIST) return ErrorAlGuardar(nuevo.error().error, ruta);
     }
     return ErrorAlGuardar(EEXIST, ruta);
 }
 
-Result<void> EscribirTodo(int fd, const std::uint8_t* datos, std::size_t largo,
-                          const std::string& ruta) {
-    while (largo > 0) {
-        const ssize_t n = ::write(fd, datos, largo);
-        if (n < 0 && errno == EINTR) continue;
-        if (n <= 0) return ErrorAlGuardar(n < 0 ? errno : ENOSPC, ruta);
-        datos += n;
-        largo -= static_cast<std::size_t>(n);
-    }
-    return {};
-}
-
-Result<void> SincronizarCarpeta(const std::string& ruta) {
-    std::string carpeta = std::filesystem::path(ruta).parent_path().string();
-    if (carpeta.empty()) carpeta = ".";
-    const Descriptor fd(::open(carpeta.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    // Network file systems refuse to sync a folder; there the server decides.
-    if (fd.Fd() < 0 || (::fsync(fd.Fd()) != 0 && errno != EINVAL && errno != ENOTSUP)) {
-        return ErrorAlGuardar(errno, ruta);
-    }
+Result<void> Traducido(const Result<void, base::FalloSistema>& hecho, const std::string& ruta) {
+    if (!hecho) return ErrorAlGuardar(hecho.error().error, ruta);
     return {};
 }
 
@@ -131,13 +105,13 @@ Result<void> Almacen::Extraer(std::uint32_t numero, std::uint8_t* destino) const
     return {};
 }
 
-Result<void> Almacen::Copiar(int fd) const {
+Result<void> Almacen::Copiar(Reemplazo& nuevo) const {
     std::vector<std::uint8_t> bloque;
     for (std::uint32_t n = 0; n < Paginas(); ++n) {
         bloque.resize(bloque.size() + kTamPagina);
         QUIMO_TRY_VOID(Extraer(n, bloque.data() + bloque.size() - kTamPagina));
         if (bloque.size() < kBloque && n + 1 < Paginas()) continue;
-        QUIMO_TRY_VOID(EscribirTodo(fd, bloque.data(), bloque.size(), ruta_));
+        QUIMO_TRY_VOID(Traducido(nuevo.Escribir(bloque.data(), bloque.size()), nuevo.Destino()));
         bloque.clear();
     }
     return {};
@@ -147,32 +121,21 @@ Result<void> Almacen::ComprobarDestino(const std::string& ruta) const {
     struct stat datos {};
     const bool existe = ::stat(ruta.c_str(), &datos) == 0;
     if (debe_ser_nuevo_ && ruta == ruta_ && existe) {
-        return Error{Error::Codigo::Restriccion, "El archivo " + ruta + " ya existe."};
+        return YaExiste(ruta);
     }
     if (archivo_.Fd() < 0 || ruta != ruta_) return {};
-    struct timespec modificado = datos.st_mtim;
-    const std::int64_t ns =
-        static_cast<std::int64_t>(modificado.tv_sec) * 1000000000 + modificado.tv_nsec;
-    if (!existe || datos.st_dev != dispositivo_ || datos.st_ino != inodo_ || ns != modificado_ns_) {
+    if (!existe || HuellaArchivo::De(datos) != huella_) {
         return Error{Error::Codigo::Bloqueado,
                      "Otro programa cambió el archivo " + ruta + " mientras estaba abierto."};
     }
     return {};
 }
 
-Result<void> Almacen::Sustituir(const std::string& temporal, const std::string& ruta) {
-    if (debe_ser_nuevo_ && ruta == ruta_) {
-        // A link, unlike a rename, never replaces what somebody made in between.
-        if (::link(temporal.c_str(), ruta.c_str()) == 0) {
-            ::unlink(temporal.c_str());
-            return {};
-        }
-        if (errno == EEXIST) {
-            return Error{Error::Codigo::Restriccion, "El archivo " + ruta + " ya existe."};
-        }
-    }
-    if (::rename(temporal.c_str(), ruta.c_str()) != 0) return ErrorAlGuardar(errno, ruta);
-    return {};
+Result<void> Almacen::Sustituir(Reemplazo& nuevo) {
+    const bool debe_faltar = debe_ser_nuevo_ && nuevo.Destino() == ruta_;
+    const auto hecho = debe_faltar ? nuevo.ColocarSiFalta() : nuevo.Colocar();
+    if (debe_faltar && !hecho && hecho.error().error == EEXIST) return YaExiste(nuevo.Destino());
+    return Traducido(hecho, nuevo.Destino());
 }
 
 Result<void> Almacen::GuardarEn(const std::string& ruta_pedida) {
@@ -181,28 +144,22 @@ Result<void> Almacen::GuardarEn(const std::string& ruta_pedida) {
     std::string ruta = std::filesystem::canonical(ruta_pedida, fallo).string();
     if (fallo) ruta = ruta_pedida;  // it is to be made
     QUIMO_TRY_VOID(ComprobarDestino(ruta));
-    QUIMO_TRY(auto nuevo, AbrirTemporal(ruta));
-    ArchivoTemporal temporal(nuevo.second);
-    const int fd = nuevo.first.Fd();
+    QUIMO_TRY(Reemplazo nuevo, CrearTemporal(ruta));
     struct stat viejo {};
-    if (::stat(ruta.c_str(), &viejo) == 0 && ::fchmod(fd, viejo.st_mode & 07777) != 0) {
+    if (::stat(ruta.c_str(), &viejo) == 0 && ::fchmod(nuevo.Fd(), viejo.st_mode & 07777) != 0) {
         return ErrorAlGuardar(errno, ruta);
     }
-    QUIMO_TRY_VOID(Copiar(fd));
-    if (::fsync(fd) != 0) return ErrorAlGuardar(errno, ruta);
+    QUIMO_TRY_VOID(Copiar(nuevo));
+    QUIMO_TRY_VOID(Traducido(nuevo.Asegurar(), ruta));
     struct stat datos {};
-    if (::fstat(fd, &datos) != 0) return ErrorAlGuardar(errno, ruta);
-    QUIMO_TRY_VOID(Sustituir(nuevo.second, ruta));
-    temporal.Colocado();
+    if (::fstat(nuevo.Fd(), &datos) != 0) return ErrorAlGuardar(errno, ruta);
+    QUIMO_TRY_VOID(Sustituir(nuevo));
 
     std::filesystem::path absoluta = std::filesystem::canonical(ruta, fallo);
     ruta_ = fallo ? ruta : absoluta.string();
     debe_ser_nuevo_ = false;
-    archivo_ = std::move(nuevo.first);
-    dispositivo_ = datos.st_dev;
-    inodo_ = datos.st_ino;
-    modificado_ns_ =
-        static_cast<std::int64_t>(datos.st_mtim.tv_sec) * 1000000000 + datos.st_mtim.tv_nsec;
+    archivo_ = nuevo.SoltarArchivo();
+    huella_ = HuellaArchivo::De(datos);
     limpias_.clear();
     for (std::uint32_t n = 0; n < Paginas(); ++n) {
         entradas_[n].sucia = false;
@@ -210,8 +167,8 @@ Result<void> Almacen::GuardarEn(const std::string& ruta_pedida) {
     }
     hay_cambios_ = false;
     aviso_.reset();
-    if (auto asegurada = SincronizarCarpeta(ruta_); !asegurada) {
-        aviso_ = std::move(asegurada).error();
+    if (const auto asegurada = base::AsegurarNombre(ruta_); !asegurada) {
+        aviso_ = ErrorAlGuardar(asegurada.error().error, ruta_);
         aviso_->mensaje =
             "El archivo " + ruta_ +
             " quedó guardado, pero el sistema no asegura su carpeta: tras un corte de "

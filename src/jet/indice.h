@@ -10,7 +10,7 @@
 #include "jet/almacen.h"
 #include "jet/esquema.h"
 #include "jet/pagina_indice.h"
-#include "jet/tabla.h"
+#include "jet/tipos_fila.h"
 
 namespace quimo::jet {
 

@@ -14,7 +14,7 @@
 #include "jet/catalogo.h"
 #include "jet/esquema.h"
 #include "jet/pagina_datos.h"
-#include "jet/tabla.h"
+#include "jet/tipos_fila.h"
 
 /// Reading a file of which parts are damaged or lost. Nothing here ends at the first error.
 namespace quimo::jet {

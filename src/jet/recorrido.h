@@ -9,7 +9,7 @@
 #include "jet/esquema.h"
 #include "jet/fila.h"
 #include "jet/pagina_datos.h"
-#include "jet/tabla.h"
+#include "jet/tipos_fila.h"
 
 namespace quimo::jet {
 

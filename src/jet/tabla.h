@@ -1,6 +1,5 @@
 #pragma once
 
-#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -13,6 +12,7 @@
 
 #include "base/result.h"
 #include "jet/definicion.h"
+#include "jet/tipos_fila.h"
 #include "jet/valor.h"
 
 namespace quimo::jet {
@@ -24,22 +24,6 @@ struct Nucleo;   // what all objects of one open database share
 struct Esquema;  // a parsed table definition
 class LectorIndice;
 class RecorridoPaginas;
-
-/// A row's identity. It does not change as long as the row exists, whatever is written to it.
-struct IdFila {
-    std::uint32_t pagina = 0;
-    std::uint8_t fila = 0;
-    auto operator<=>(const IdFila&) const = default;  // NOLINT(modernize-use-nullptr)
-};
-
-/// The values of a row, one per column in the order of DefTabla::columnas.
-using Fila = std::vector<Valor>;
-
-/// A new value for one column of a row.
-struct Cambio {
-    std::size_t columna = 0;
-    Valor valor;
-};
 
 /// Meets every row of a table once, in the order of the file. The row under the cursor may be
 /// changed or deleted, and the walk goes on; a row inserted meanwhile may be met or not. At the end

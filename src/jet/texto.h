@@ -10,9 +10,6 @@ std::string AUtf8(std::u16string_view texto);
 /// UTF-8 to UTF-16. What is not valid UTF-8 becomes U+FFFD, byte by byte.
 std::u16string AUtf16(std::string_view texto);
 
-/// Appends one character, which must not be a surrogate.
-void AgregarUtf8(std::string& destino, char32_t caracter);
-
 constexpr bool EsSustitutaAlta(char16_t c) { return c >= 0xD800 && c <= 0xDBFF; }
 constexpr bool EsSustitutaBaja(char16_t c) { return c >= 0xDC00 && c <= 0xDFFF; }
 /// The character of a pair of surrogates.
@@ -21,8 +18,7 @@ constexpr char32_t UnirSustitutas(char16_t alta, char16_t baja) {
            static_cast<char32_t>(baja - 0xDC00);
 }
 
-/// Whether two names (UTF-8) are the same to the file: without case, also for accented letters of
-/// Windows-1252.
+/// Whether two names (UTF-8) are the same to the file: without case, also for accented letters.
 bool MismoNombre(std::string_view a, std::string_view b);
 /// A name in the form in which equal names are equal strings.
 std::string Plegado(std::string_view nombre);

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "base/texto.h"
 #include "jet/fila.h"
 #include "jet/tabla.h"
 #include "jet/texto.h"
@@ -69,11 +70,11 @@ void AgregarTramo(std::string& salida, std::u16string_view texto, std::size_t& i
 bool AgregarAmplio(std::string& salida, std::u16string_view texto, std::size_t& i) {
     const char16_t c = texto[i++];
     if (EsSustitutaAlta(c) && i < texto.size() && EsSustitutaBaja(texto[i])) {
-        AgregarUtf8(salida, UnirSustitutas(c, texto[i++]));
+        base::AgregarCaracter(salida, UnirSustitutas(c, texto[i++]));
         return true;
     }
     if (EsSustitutaAlta(c) || EsSustitutaBaja(c)) return false;
-    AgregarUtf8(salida, c);
+    base::AgregarCaracter(salida, c);
     return true;
 }
 
@@ -220,7 +221,7 @@ bool AgregarCsv(std::string& salida, const Valor& valor) {
             salida += "\"\"";
             ++i;
         } else if (!AgregarAmplio(salida, *texto, i)) {
-            AgregarUtf8(salida, kReemplazo);
+            base::AgregarCaracter(salida, kReemplazo);
         }
     }
     if (comillas) salida.push_back('"');

@@ -3,7 +3,6 @@
 #include <array>
 #include <cerrno>
 
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -11,6 +10,7 @@
 #include <QFile>
 #include <QRandomGenerator>
 
+#include "base/reemplazo.h"
 #include "security/pagina_codigos.h"
 
 using namespace Qt::StringLiterals;
@@ -18,6 +18,8 @@ using namespace Qt::StringLiterals;
 namespace quimo::security {
 
 using base::Error;
+using base::FalloSistema;
+using base::Reemplazo;
 using base::Result;
 
 namespace {
@@ -43,6 +45,21 @@ Result<QString> Comprobada(const QString& clave, const QString& de_donde) {
 Error ErrorDeArchivo(const QString& archivo, const QString& motivo) {
     return Malo(Error::Codigo::Archivo,
                 u"No se puede usar el archivo de clave "_s + archivo + u": "_s + motivo);
+}
+
+/// All of it or nothing, and for good: whoever loses a key that was used loses the passwords.
+Result<void, FalloSistema> CrearDurable(const std::string& archivo, const QByteArray& contenido) {
+    // A name of its own, and never somebody else's file: it holds the key.
+    QUIMO_TRY(Reemplazo nuevo,
+              Reemplazo::Crear(archivo, archivo + '.' + std::to_string(getpid()) + ".tmp",
+                               Reemplazo::Restos::Respetar, S_IRUSR | S_IWUSR));
+    QUIMO_TRY_VOID(
+        nuevo.Escribir(contenido.constData(), static_cast<std::size_t>(contenido.size())));
+    QUIMO_TRY_VOID(nuevo.Asegurar());
+    QUIMO_TRY_VOID(nuevo.ColocarSiFalta());
+    auto asegurado = base::AsegurarNombre(archivo);
+    if (!asegurado) unlink(archivo.c_str());
+    return asegurado;
 }
 
 }  // namespace
@@ -79,18 +96,10 @@ Result<void> CrearArchivoClave(const QString& archivo) {
     QRandomGenerator::system()->fillRange(azar.data(), static_cast<qsizetype>(azar.size()));
     const QByteArray linea =
         QByteArray(reinterpret_cast<const char*>(azar.data()), sizeof(azar)).toBase64() + '\n';
-    const int descriptor = open(QFile::encodeName(archivo).constData(),
-                                O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR);
-    if (descriptor < 0) {
-        return ErrorDeArchivo(archivo, errno == EEXIST ? u"ya existe."_s : qt_error_string(errno));
-    }
-    QFile salida;
-    if (!salida.open(descriptor, QIODevice::WriteOnly, QFileDevice::AutoCloseHandle) ||
-        salida.write(linea) != linea.size() || !salida.flush()) {
-        QFile::remove(archivo);
-        return ErrorDeArchivo(archivo, salida.errorString());
-    }
-    return {};
+    const auto creado = CrearDurable(QFile::encodeName(archivo).toStdString(), linea);
+    if (creado) return {};
+    const int error = creado.error().error;
+    return ErrorDeArchivo(archivo, error == EEXIST ? u"ya existe."_s : qt_error_string(error));
 }
 
 }  // namespace quimo::security

@@ -328,23 +328,24 @@ TEST_F(EscritorioTest, EveryCommandFollowsTheRightsOfTheUser) {
         }
         Iniciar({u"embebido"_s, base_});
         ASSERT_TRUE(Entrar(u"ana"_s, u"Secreto €"_s).isEmpty());
-        QHash<QString, bool> esperadas;
-        for (const auto& orden : foundation::HabilitarOrdenes(u'|' + permisos.join(u'|') + u'|')) {
-            esperadas.insert(orden.orden, orden.habilitada);
+        QHash<QString, bool> esperados;
+        for (const auto& [comando, habilitado] :
+             foundation::HabilitarComandos(u'|' + permisos.join(u'|') + u'|')) {
+            esperados.insert(comando->nombre.toString(), habilitado);
         }
-        int ordenes = 0;
+        int comandos = 0;
         for (const QAction* const accion : Principal()->findChildren<QAction*>()) {
             const QString nombre = accion->objectName();
             if (!nombre.startsWith(u"mnu"_s, Qt::CaseInsensitive)) continue;
-            ++ordenes;
+            ++comandos;
             // Those for a child window wait for one.
             const bool de_hija = nombre == u"mnuEdReg"_s || nombre.startsWith(u"mnuSpr"_s) ||
                                  nombre == u"mnuArImprimir"_s || nombre == u"mnuArcPreview"_s;
             EXPECT_EQ(accion->isEnabled(),
-                      nombre == u"mnuSpread"_s || esperadas.value(nombre, !de_hija))
+                      nombre == u"mnuSpread"_s || esperados.value(nombre, !de_hija))
                 << nombre.toStdString() << " with " << permisos.join(u' ').toStdString();
         }
-        EXPECT_GT(ordenes, 80);
+        EXPECT_GT(comandos, 80);
     }
 }
 

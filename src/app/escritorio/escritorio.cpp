@@ -88,7 +88,7 @@ void Escritorio::AbrirPrincipal() {
 
 void Escritorio::RegistrarEditores() {
     for (const catalog::EditorDef* const def : catalog::Editores()) {
-        principal_->RegistrarVentana(def->orden.toString(), [this, def] {
+        principal_->RegistrarVentana(def->comando.toString(), [this, def] {
             return ui::VentanaEditor::Abrir(*def, *ado_, ui::DialogosDeBusqueda(*ado_));
         });
     }

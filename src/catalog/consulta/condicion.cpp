@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include <QRegularExpression>
-
 #include "data/valores.h"
 
 using namespace Qt::StringLiterals;
@@ -214,23 +212,26 @@ QString NombreDe(Operador operador) {
     return {};
 }
 
-QVector<CodigoMostrado> CodigosDe(QStringView expresion, QStringView columna) {
-    static const QRegularExpression kCaso(u"^\\s*CASE\\s+([\\w.]+)\\s+(WHEN\\b.*)\\bEND\\b"_s,
-                                          QRegularExpression::CaseInsensitiveOption);
-    static const QRegularExpression kRama(u"\\b(?:WHEN\\s+'([^']*)'\\s+THEN|ELSE)\\s+'([^']*)'"_s,
-                                          QRegularExpression::CaseInsensitiveOption);
-    const QRegularExpressionMatch caso = kCaso.match(expresion.toString());
-    if (!caso.hasMatch() ||
-        caso.capturedView(1).compare(columna.trimmed(), Qt::CaseInsensitive) != 0) {
-        return {};
-    }
+QVector<CodigoMostrado> CodigosDe(const ColumnaFiltro& columna) {
     QVector<CodigoMostrado> codigos;
-    auto ramas = kRama.globalMatch(caso.captured(2));
-    while (ramas.hasNext()) {
-        const QRegularExpressionMatch rama = ramas.next();
-        codigos.append({rama.captured(1), rama.captured(2)});
-    }
+    for (const ItemCodigo& item : columna.codigos)
+        codigos.append({item.codigo.toString(), item.texto.toString()});
+    if (columna.otro == OtroCodigo::ElUltimo) codigos.last().codigo.clear();
     return codigos;
+}
+
+QString ExpresionDe(const ColumnaFiltro& columna) {
+    if (columna.codigos.empty()) return columna.expresion.toString();
+    const auto entre_comillas = [](const QString& texto) {
+        return u'\'' + data::DuplicaApostrofes(texto) + u'\'';
+    };
+    QString caso = u"CASE "_s + columna.columna.toString();
+    for (const CodigoMostrado& uno : CodigosDe(columna)) {
+        caso += uno.codigo.isEmpty() ? u" ELSE "_s
+                                     : u" WHEN "_s + entre_comillas(uno.codigo) + u" THEN "_s;
+        caso += entre_comillas(uno.texto);
+    }
+    return caso + u" END AS "_s + columna.expresion.toString();
 }
 
 QVector<Operador> ColumnaFiltrable::Operadores() const {

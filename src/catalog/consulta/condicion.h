@@ -4,6 +4,7 @@
 #include <QString>
 #include <QVector>
 
+#include "catalog/declaracion/filtro_def.h"
 #include "data/valores_escritos.h"
 
 namespace quimo::catalog {
@@ -28,9 +29,12 @@ struct CodigoMostrado {
     QString texto;
 };
 
-/// The codes that a shown expression "CASE columna WHEN 'E' THEN 'Efectivo' ... END" translates;
-/// none for anything else.
-QVector<CodigoMostrado> CodigosDe(QStringView expresion, QStringView columna);
+/// The codes of a filter's column as a condition translates them; none when it has no list.
+QVector<CodigoMostrado> CodigosDe(const ColumnaFiltro& columna);
+
+/// What a select list shows of a filter's column: its expression or, of one with codes,
+/// "CASE columna WHEN 'E' THEN 'Efectivo' ... END AS expresion".
+QString ExpresionDe(const ColumnaFiltro& columna);
 
 /// A column on which rows can be filtered.
 struct ColumnaFiltrable {

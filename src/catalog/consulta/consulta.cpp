@@ -6,30 +6,12 @@ using namespace Qt::StringLiterals;
 
 namespace quimo::catalog {
 
-namespace {
-
-/// Shows the busy pointer as long as it lives.
-class Ocupado {
-public:
-    explicit Ocupado(foundation::Dialogos& dialogos) : dialogos_(dialogos) {
-        dialogos_.Ocupado(true);
-    }
-    ~Ocupado() { dialogos_.Ocupado(false); }
-    Ocupado(const Ocupado&) = delete;
-    Ocupado& operator=(const Ocupado&) = delete;
-
-private:
-    foundation::Dialogos& dialogos_;
-};
-
-}  // namespace
-
 Consulta::Consulta(const FiltroDef& filtro, foundation::ClsAdo& ado) : filtro_(filtro), ado_(ado) {
     QStringList columnas;
     for (const ColumnaFiltro& columna : filtro_.columnas) {
         columnas << columna.columna.toString();
         columnas_.append({columna.titulo.toString(), columnas.last(), data::TipoSql::VarChar,
-                          CodigosDe(columna.expresion, columna.columna)});
+                          CodigosDe(columna)});
     }
     if (const auto todos = TiposDe(columnas)) {
         for (qsizetype i = 0; i < columnas_.size(); ++i)
@@ -77,7 +59,7 @@ base::Result<QString, CondicionMalEscrita> Consulta::Sentencia(
     }
     QStringList expresiones;
     for (const ColumnaFiltro& columna : filtro_.columnas)
-        expresiones << columna.expresion.toString();
+        expresiones << ExpresionDe(columna);
     return Unir(expresiones, textos);
 }
 
@@ -86,7 +68,7 @@ bool Consulta::Ejecutar(const QString& sentencia) {
     data::RecordsetPtr filas;
     bool hecho = false;
     {
-        const Ocupado ocupado(ado_.Dialogo());
+        const foundation::PunteroOcupado ocupado(ado_.Dialogo());
         hecho = ado_.Consultar(filas, sentencia);
     }
     if (!hecho) {

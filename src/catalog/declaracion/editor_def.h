@@ -7,6 +7,7 @@
 #include <QStringView>
 #include <QVariant>
 
+#include "catalog/declaracion/declaracion_mala.h"
 #include "catalog/declaracion/filtro_def.h"
 
 namespace quimo::catalog {
@@ -20,12 +21,6 @@ enum class TipoCampo : std::uint8_t {
     Casilla,  ///< a check box: 1 or 0
     Codigo,   ///< a combo box of fixed texts, each with a letter, mirrored by a hidden box
     Lista,    ///< a combo box filled by a query, mirrored by a hidden box with the chosen key
-};
-
-/// An entry of a fixed list: what is read and the letter that is stored.
-struct ItemCodigo {
-    QStringView texto = {};
-    QStringView codigo = {};
 };
 
 /// How a list's entry for NULL is told apart when an existing row is written.
@@ -71,7 +66,8 @@ struct CampoDef {
     const PartesDef* partes = nullptr;
 
     /// Tested by Save with the catalogue's own words.
-    constexpr CampoDef Obligatorio(QStringView de_que) const {
+    consteval CampoDef Obligatorio(QStringView de_que) const {
+        if (de_que.isEmpty()) declaracion_mala::CampoObligatorioSinTexto();
         CampoDef otro = *this;
         otro.falta = de_que;
         return otro;
@@ -163,6 +159,7 @@ struct ColumnaDetalle {
     Cambiable cambiable = Cambiable::No;
     QStringView inicial = {};  ///< of a new row, and of a number that is emptied
     int decimales = 2;
+    bool exigida = false;  ///< the editor's `revisar` refuses a row in which it is empty
 };
 
 /// Takes the record's own key instead of a cell.
@@ -207,10 +204,11 @@ struct DetalleDef {
     bool alta_solo_al_final = false;  ///< a row is added only from the last one
 };
 
-/// A catalogue: everything that its editor is. See docs/editores.md.
+/// A catalogue: everything that its editor is. Declared through Revisado() (revisado.h), which lets
+/// no mistake compile. See docs/editores.md.
 struct EditorDef {
-    QStringView nombre = {};  ///< the window's name
-    QStringView orden = {};   ///< the menu command that opens it
+    QStringView nombre = {};   ///< the window's name
+    QStringView comando = {};  ///< the menu command that opens it
     QStringView titulo = {};
     QStringView tabla = {};
     /// Reads the next key into its first column; empty when the database numbers the rows.

@@ -2,8 +2,8 @@
 
 namespace quimo::catalog {
 
-std::span<const EditorDef* const> Editores() {
-    static constexpr const EditorDef* kEditores[] = {
+std::span<const EditorRevisado* const> Editores() {
+    static constexpr const EditorRevisado* kEditores[] = {
         &kOpCategoria,       &kOpGpoModificadores, &kOpMenu,      &kOpTipoModificador,
         &kOpModoPreparacion, &kOpProductos,        &kOpSubmenu,   &kOpTiposAnulacion,
         &kOpTipoImpuestos,   &kOpTipoPago,         &kUtlMensajes,

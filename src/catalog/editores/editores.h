@@ -2,24 +2,24 @@
 
 #include <span>
 
-#include "catalog/declaracion/editor_def.h"
+#include "catalog/declaracion/revisado.h"
 
 namespace quimo::catalog {
 
 // One file each in editores/.
-extern const EditorDef kOpCategoria;
-extern const EditorDef kOpGpoModificadores;
-extern const EditorDef kOpMenu;
-extern const EditorDef kOpModoPreparacion;
-extern const EditorDef kOpProductos;
-extern const EditorDef kOpSubmenu;
-extern const EditorDef kOpTipoImpuestos;
-extern const EditorDef kOpTipoModificador;
-extern const EditorDef kOpTipoPago;
-extern const EditorDef kOpTiposAnulacion;
-extern const EditorDef kUtlMensajes;
+extern const EditorRevisado kOpCategoria;
+extern const EditorRevisado kOpGpoModificadores;
+extern const EditorRevisado kOpMenu;
+extern const EditorRevisado kOpModoPreparacion;
+extern const EditorRevisado kOpProductos;
+extern const EditorRevisado kOpSubmenu;
+extern const EditorRevisado kOpTipoImpuestos;
+extern const EditorRevisado kOpTipoModificador;
+extern const EditorRevisado kOpTipoPago;
+extern const EditorRevisado kOpTiposAnulacion;
+extern const EditorRevisado kUtlMensajes;
 
 /// Every catalogue editor, each with the menu command that opens it.
-std::span<const EditorDef* const> Editores();
+std::span<const EditorRevisado* const> Editores();
 
 }  // namespace quimo::catalog

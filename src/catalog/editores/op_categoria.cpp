@@ -16,17 +16,14 @@ constexpr CampoDef kCampos[] = {
 constexpr ColumnaFiltro kFiltro[] = {
     {u"Id Categoria", u"ID_Categoria", u"ID_Categoria"},
     {u"Nombre", u"Nombre_Categoria", u"Nombre_Categoria"},
-    {u"Tipo",
-     u"CASE Tipo_Categoria WHEN 'V' THEN 'Ventas' WHEN 'S' THEN 'Sugestivo' WHEN 'R' THEN 'Retail' "
-     u"WHEN 'N' THEN 'Sin Ventas' END AS Tipo",
-     u"Tipo_Categoria"},
+    {u"Tipo", u"Tipo", u"Tipo_Categoria", kTipos},
 };
 
 }  // namespace
 
-constexpr EditorDef kOpCategoria = {
+constexpr EditorRevisado kOpCategoria = Revisado({
     .nombre = u"OpCategoria",
-    .orden = u"mnuOpCategorias",
+    .comando = u"mnuOpCategorias",
     .titulo = u"Categorías",
     .tabla = u"Categoria",
     .consulta_clave =
@@ -35,6 +32,6 @@ constexpr EditorDef kOpCategoria = {
     .campos = kCampos,
     .repetido = u"Ya existe el nombre de la categoría",
     .filtro = {u"Categoria WHERE", kFiltro},
-};
+});
 
 }  // namespace quimo::catalog

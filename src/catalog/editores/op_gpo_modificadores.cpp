@@ -52,9 +52,9 @@ constexpr DetalleDef kDetalles[] = {{
 
 }  // namespace
 
-constexpr EditorDef kOpGpoModificadores = {
+constexpr EditorRevisado kOpGpoModificadores = Revisado({
     .nombre = u"OpGpoModificadores",
-    .orden = u"mnuOpGpoModificadores",
+    .comando = u"mnuOpGpoModificadores",
     .titulo = u"Grupos de modificadores",
     .tabla = u"Grupo_Modificadores",
     .consulta_clave = u"SELECT MAX(ID_Grupo_Modificadores)+1 AS Clave FROM Grupo_Modificadores",
@@ -62,6 +62,6 @@ constexpr EditorDef kOpGpoModificadores = {
     .repetido = u"Ya existe el nombre del grupo de modificadores",
     .detalles = kDetalles,
     .filtro = {u"Grupo_Modificadores WHERE", kFiltro},
-};
+});
 
 }  // namespace quimo::catalog

@@ -21,18 +21,17 @@ constexpr ColumnaFiltro kFiltro[] = {
 
 }  // namespace
 
-constexpr EditorDef kOpMenu = {
+constexpr EditorRevisado kOpMenu = Revisado({
     .nombre = u"OpMenu",
-    .orden = u"mnuOpMenu",
+    .comando = u"mnuOpMenu",
     .titulo = u"Menús",
     .tabla = u"Menu",
-    // The next number of the modifier groups, not of the menus: on purpose.
-    .consulta_clave =
-        u"SELECT CASE ISNULL(MAX(ID_Grupo_Modificadores),0) WHEN 0 THEN 1 ELSE "
-        u"MAX(ID_Grupo_Modificadores)+1 END AS Clave FROM Grupo_Modificadores",
+    // The next number of the modifier groups, not of the menus: docs/decisions/0003.
+    .consulta_clave = u"SELECT CASE ISNULL(MAX(ID_Grupo_Modificadores),0) WHEN 0 THEN 1 ELSE "
+                      u"MAX(ID_Grupo_Modificadores)+1 END AS Clave FROM Grupo_Modificadores",
     .campos = kCampos,
     .repetido = u"Ya existe el nombre del menu",
     .filtro = {u"Menu WHERE", kFiltro},
-};
+});
 
 }  // namespace quimo::catalog

@@ -18,15 +18,15 @@ constexpr ColumnaFiltro kFiltro[] = {
 
 }  // namespace
 
-constexpr EditorDef kOpModoPreparacion = {
+constexpr EditorRevisado kOpModoPreparacion = Revisado({
     .nombre = u"OpModoPreparacion",
-    .orden = u"mnuOpModosDePreparacion",
+    .comando = u"mnuOpModosDePreparacion",
     .titulo = u"Modos de preparación",
     .tabla = u"Modo_Preparacion",
     .consulta_clave = u"SELECT MAX(ID_Modo_Preparacion)+1 AS Clave FROM Modo_Preparacion",
     .campos = kCampos,
     .repetido = u"Ya existe el modo de preparación",
     .filtro = {u"Modo_Preparacion WHERE", kFiltro},
-};
+});
 
 }  // namespace quimo::catalog

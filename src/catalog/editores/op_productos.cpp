@@ -75,10 +75,7 @@ constexpr ColumnaFiltro kFiltro[] = {
     {u"Especial", u"Especial", u"Especial"},
     {u"Grupo Impresora", u"Nombre_Grupo_Impresoras", u"Nombre_Grupo_Impresoras"},
     {u"Grupo Modificador", u"Nombre_Grupo_Modificadores", u"Nombre_Grupo_Modificadores"},
-    {u"Estado",
-     u"CASE Estado WHEN 'A' THEN 'Activo' WHEN 'S' THEN 'Sin existencia' WHEN 'B' THEN 'Bloqueado' "
-     u"WHEN 'D' THEN 'Descontinuado' END AS Estado",
-     u"Estado"},
+    {u"Estado", u"Estado", u"Estado", kEstados},
     {u"Paquete", u"Paquete", u"Paquete"},
 };
 
@@ -148,14 +145,13 @@ constexpr DetalleDef kDetalles[] = {
 
 }  // namespace
 
-constexpr EditorDef kOpProductos = {
+constexpr EditorRevisado kOpProductos = Revisado({
     .nombre = u"OpProductos",
-    .orden = u"mnuOpProductos",
+    .comando = u"mnuOpProductos",
     .titulo = u"Productos",
     .tabla = u"Producto",
-    .consulta_clave =
-        u"SELECT CASE ISNULL(MAX(ID_Producto),0) WHEN 0 THEN 1 ELSE "
-        u"MAX(ID_Producto)+1 END AS Clave FROM Producto",
+    .consulta_clave = u"SELECT CASE ISNULL(MAX(ID_Producto),0) WHEN 0 THEN 1 ELSE "
+                      u"MAX(ID_Producto)+1 END AS Clave FROM Producto",
     .clave_sin_fila = u"1",
     .campos = kCampos,
     .repetido = u"Ya existe el producto",
@@ -165,6 +161,6 @@ constexpr EditorDef kOpProductos = {
                u"Producto.ID_Grupo_Modificadores=Grupo_Modificadores.ID_Grupo_Modificadores AND "
                u"Producto.ID_Grupo_Impresoras=Grupo_Impresoras.ID_Grupo_Impresoras ",
                kFiltro},
-};
+});
 
 }  // namespace quimo::catalog

@@ -77,19 +77,18 @@ constexpr DetalleDef kDetalles[] = {
 
 }  // namespace
 
-constexpr EditorDef kOpSubmenu = {
+constexpr EditorRevisado kOpSubmenu = Revisado({
     .nombre = u"OpSubmenu",
-    .orden = u"mnuOPSubMenu",
+    .comando = u"mnuOPSubMenu",
     .titulo = u"Submenús",
     .tabla = u"SubMenu",
-    .consulta_clave =
-        u"SELECT CASE ISNULL(MAX(ID_Submenu),0) WHEN 0 THEN 1 ELSE "
-        u"MAX(ID_Submenu)+1 END AS Clave FROM Submenu",
+    .consulta_clave = u"SELECT CASE ISNULL(MAX(ID_Submenu),0) WHEN 0 THEN 1 ELSE "
+                      u"MAX(ID_Submenu)+1 END AS Clave FROM Submenu",
     .clave_sin_fila = u"1",
     .campos = kCampos,
     .repetido = u"Ya existe el nombre del submenu",
     .detalles = kDetalles,
     .filtro = {u"SubMenu WHERE", kFiltro},
-};
+});
 
 }  // namespace quimo::catalog

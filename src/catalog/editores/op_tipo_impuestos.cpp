@@ -59,7 +59,8 @@ constexpr ColumnaDetalle kColumnas[] = {
      .titulo = u"Porcentaje",
      .ancho_mm = 28,
      .cambiable = Cambiable::Siempre,
-     .decimales = 4},
+     .decimales = 4,
+     .exigida = true},
     {.tipo = Celda::Marca},
     {.tipo = Celda::Oculta},
 };
@@ -89,9 +90,9 @@ constexpr DetalleDef kDetalles[] = {{
 
 }  // namespace
 
-constexpr EditorDef kOpTipoImpuestos = {
+constexpr EditorRevisado kOpTipoImpuestos = Revisado({
     .nombre = u"OpTipoImpuestos",
-    .orden = u"mnuOpTipoImpuesto",
+    .comando = u"mnuOpTipoImpuesto",
     .titulo = u"Tipos de impuesto",
     .tabla = u"Tipos_Impuesto",
     .consulta_clave = u"SELECT MAX(ID_Tipo_Impuesto)+1 AS Clave FROM Tipos_Impuesto",
@@ -102,6 +103,6 @@ constexpr EditorDef kOpTipoImpuestos = {
                u"PorcentajeXTipo_Impuesto.ID_Tipo_Impuesto",
                kFiltro},
     .revisar = &RevisarPorcentajes,
-};
+});
 
 }  // namespace quimo::catalog

@@ -51,25 +51,22 @@ constexpr CampoDef kCampos[] = {
 constexpr ColumnaFiltro kFiltro[] = {
     {u"Id Modificador", u"ID_Tipo_Modificador", u"ID_Tipo_Modificador"},
     {u"Nombre", u"Nombre_Tipo_Modificador", u"Nombre_Tipo_Modificador"},
-    {u"Estado",
-     u"CASE Estado_Modificador WHEN 'A' THEN 'Activo' WHEN 'S' THEN 'Suspendido' WHEN 'D' THEN "
-     u"'Descontinuado' END AS Estado_Modificador",
-     u"Estado_Modificador"},
+    {u"Estado", u"Estado_Modificador", u"Estado_Modificador", kEstados},
     {u"Precio", u"Precio_Tipo_Modificador", u"Precio_Tipo_Modificador"},
 };
 
 }  // namespace
 
-constexpr EditorDef kOpTipoModificador = {
+constexpr EditorRevisado kOpTipoModificador = Revisado({
     .nombre = u"OpTipoModificador",
-    .orden = u"mnuOpModificadores",
+    .comando = u"mnuOpModificadores",
     .titulo = u"Modificadores",
     .tabla = u"Tipo_Modificador",
     .consulta_clave = u"SELECT MAX(ID_Tipo_Modificador)+1 AS Clave FROM Tipo_Modificador",
     .campos = kCampos,
-    // The text of the payment types, word for word: on purpose.
+    // The text of the payment types, word for word: docs/decisions/0003.
     .repetido = u"Ya existe el nombre del tipo de pago",
     .filtro = {u"Tipo_Modificador WHERE", kFiltro},
-};
+});
 
 }  // namespace quimo::catalog

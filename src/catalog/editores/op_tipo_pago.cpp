@@ -19,23 +19,20 @@ constexpr CampoDef kCampos[] = {
 constexpr ColumnaFiltro kFiltro[] = {
     {u"Id Tipo", u"ID_Tipo_Pago", u"ID_Tipo_Pago"},
     {u"Nombre", u"Nombre_Tipo_Pago", u"Nombre_Tipo_Pago"},
-    {u"Clase",
-     u"CASE Clase WHEN 'E' THEN 'Efectivo' WHEN 'T' THEN 'Tarjeta Crédito' WHEN 'D' THEN 'Débito' "
-     u"WHEN 'C' THEN 'Cheque' ELSE 'Otro' END AS Clase",
-     u"Clase"},
+    {u"Clase", u"Clase", u"Clase", kClases, OtroCodigo::ElUltimo},
     {u"Abrir Gaveta", u"Abrir_Gaveta", u"Abrir_Gaveta"},
 };
 
 }  // namespace
 
-constexpr EditorDef kOpTipoPago = {
+constexpr EditorRevisado kOpTipoPago = Revisado({
     .nombre = u"OpTipoPago",
-    .orden = u"mnuOpTipoPago",
+    .comando = u"mnuOpTipoPago",
     .titulo = u"Tipos de pago",
     .tabla = u"Tipo_Pago",
     .campos = kCampos,
     .repetido = u"Ya existe el nombre del tipo de pago",
     .filtro = {u"Tipo_Pago WHERE", kFiltro},
-};
+});
 
 }  // namespace quimo::catalog

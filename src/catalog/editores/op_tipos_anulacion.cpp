@@ -18,14 +18,14 @@ constexpr ColumnaFiltro kFiltro[] = {
 
 }  // namespace
 
-constexpr EditorDef kOpTiposAnulacion = {
+constexpr EditorRevisado kOpTiposAnulacion = Revisado({
     .nombre = u"OpTiposAnulacion",
-    .orden = u"mnuOpTiposAnulacion",
+    .comando = u"mnuOpTiposAnulacion",
     .titulo = u"Tipos de anulación",
     .tabla = u"Tipos_Anulacion",
     .campos = kCampos,
     .repetido = u"Ya existe el nombre del tipo de anulación",
     .filtro = {u"Tipos_Anulacion WHERE", kFiltro},
-};
+});
 
 }  // namespace quimo::catalog

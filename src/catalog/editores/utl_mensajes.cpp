@@ -6,7 +6,7 @@ namespace {
 
 constexpr CampoDef kCampos[] = {
     Clave(u"txtId", u"ID_Mensaje"),
-    // The text of a message is missed as if it were a name: on purpose.
+    // The text of a message is missed as if it were a name: docs/decisions/0003.
     Texto(u"TxtMensaje", u"Mensaje", u"Mensaje").Obligatorio(u"de Nombre"),
     Casilla(u"chkActivo", u"Mensaje_Activo", u"Activo").Inicial(u"1"),
 };
@@ -19,14 +19,14 @@ constexpr ColumnaFiltro kFiltro[] = {
 
 }  // namespace
 
-constexpr EditorDef kUtlMensajes = {
+constexpr EditorRevisado kUtlMensajes = Revisado({
     .nombre = u"UtlMensajes",
-    .orden = u"mnuUtlMensajes",
+    .comando = u"mnuUtlMensajes",
     .titulo = u"Mensajes",
     .tabla = u"Mensajes",
     .campos = kCampos,
     .repetido = u"Ya existe el mensaje",
     .filtro = {u"Mensajes WHERE", kFiltro},
-};
+});
 
 }  // namespace quimo::catalog

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "catalog/sesion/valor_columna.h"
 #include "data/valores.h"
 
 using namespace Qt::StringLiterals;
@@ -14,9 +13,7 @@ using foundation::Icono;
 using foundation::Respuesta;
 
 EditorSesion::EditorSesion(const EditorDef& def, foundation::ClsAdo& ado)
-    : def_(&def), ado_(ado), elegidos_(Campos(), -1), listas_(Campos()) {
-    for (qsizetype i = 0; i < Campos(); ++i)
-        valores_ << QString();
+    : def_(&def), ado_(ado), campos_(def) {
     for (const DetalleDef& detalle : def.detalles)
         detalles_.emplace_back(detalle, ado);
 }
@@ -36,7 +33,10 @@ bool EditorSesion::Abrir() {
         ContarFallo(ado_);
         return false;
     }
-    if (!CargarListas()) return false;
+    if (!campos_.CargarListas(ado_)) return false;
+    for (DetalleSesion& detalle : detalles_) {
+        if (!detalle.CargarLista()) return false;
+    }
     if (conjunto_->Vacio()) {
         // The grids learn their columns even while there is nothing to show.
         for (DetalleSesion& detalle : detalles_) {
@@ -47,21 +47,6 @@ bool EditorSesion::Abrir() {
     return true;
 }
 
-bool EditorSesion::CargarListas() {
-    for (qsizetype i = 0; i < Campos(); ++i) {
-        const ListaDef* const lista = Campo(i).lista;
-        if (lista == nullptr) continue;
-        auto entradas = foundation::LlenaCombo(ado_, lista->consulta.toString());
-        if (!entradas) return ado_.Reportar(std::move(entradas).error());
-        listas_[i] = *std::move(entradas);
-        if (!lista->ninguno.isEmpty()) {
-            listas_[i].append({lista->ninguno.toString(), lista->dato_ninguno});
-        }
-    }
-    return std::all_of(detalles_.begin(), detalles_.end(),
-                       [](DetalleSesion& detalle) { return detalle.CargarLista(); });
-}
-
 void EditorSesion::LigarCampos(bool ligar) {
     ligados_ = ligar;
     if (ligar) MostrarActual();
@@ -69,58 +54,8 @@ void EditorSesion::LigarCampos(bool ligar) {
 
 void EditorSesion::MostrarActual() {
     if (!ligados_) return;
-    const bool hay = conjunto_ != nullptr && conjunto_->HayActual();
-    for (qsizetype i = 0; i < Campos(); ++i) {
-        if (Campo(i).columna.isEmpty()) continue;
-        QVariant guardado;
-        if (hay) {
-            auto leido = conjunto_->Campo(Campo(i).columna.toString());
-            if (leido) guardado = *std::move(leido);
-        }
-        MostrarCampo(i, guardado);
-        if (!hay) elegidos_[i] = -1;
-    }
+    campos_.Mostrar(conjunto_);
     CargarDetalles();
-}
-
-void EditorSesion::MostrarCampo(qsizetype campo, const QVariant& guardado) {
-    const CampoDef& def = Campo(campo);
-    QString texto = data::TextoDeValor(guardado);
-    if (def.tipo == TipoCampo::Casilla) texto = texto == u"1"_s ? u"1"_s : u"0"_s;
-    if (def.mascara != nullptr) texto = def.mascara->mostrar(guardado);
-    valores_[campo] = texto;
-    if (def.partes != nullptr) def.partes->partir(texto, valores_[campo], valores_[campo + 1]);
-    ElegirPorValor(campo);
-}
-
-int EditorSesion::EntradaDe(qsizetype campo, const QString& valor) const {
-    const CampoDef& def = Campo(campo);
-    if (def.tipo == TipoCampo::Codigo) {
-        const auto hallado =
-            std::find_if(def.codigos.begin(), def.codigos.end(),
-                         [&](const ItemCodigo& item) { return item.codigo == valor; });
-        return hallado == def.codigos.end() ? -1 : static_cast<int>(hallado - def.codigos.begin());
-    }
-    if (def.tipo != TipoCampo::Lista) return -1;
-    const auto& lista = listas_[campo];
-    if (valor.isEmpty() && !def.lista->ninguno.isEmpty()) return static_cast<int>(lista.size()) - 1;
-    int entrada = -1;
-    for (int i = 0; i < lista.size(); ++i) {
-        if (QString::number(lista[i].dato) == valor) entrada = i;
-    }
-    return entrada;
-}
-
-void EditorSesion::ElegirPorValor(qsizetype campo) {
-    elegidos_[campo] = EntradaDe(campo, valores_[campo]);
-}
-
-QString EditorSesion::Visible(qsizetype campo, const QVariant& guardado) const {
-    const CampoDef& def = Campo(campo);
-    if (def.mascara != nullptr) return def.mascara->mostrar(guardado);
-    const QString valor = data::TextoDeValor(guardado);
-    if (def.tipo != TipoCampo::Codigo && def.tipo != TipoCampo::Lista) return valor;
-    return Entradas(campo).value(EntradaDe(campo, valor));
 }
 
 void EditorSesion::CargarDetalles() {
@@ -133,17 +68,18 @@ void EditorSesion::CargarDetalles() {
     }
 }
 
-void EditorSesion::Empezar(Estado estado) {
-    estado_ = estado;
-    al_empezar_ = valores_;
-    foco_ = Campo(1).control.toString();
+bool EditorSesion::Objetar(const ObjecionDeCampo& objecion) {
+    foco_ = objecion.control;
+    Avisar(objecion.texto);
+    return false;
 }
 
-void EditorSesion::Terminar() {
-    estado_ = Estado::Consulta;
+void EditorSesion::Pasar(Estado estado) {
+    estado_ = estado;
+    al_empezar_ = campos_.Valores();
     vista_.reset();
     vieja_ = false;
-    foco_ = Campo(1).control.toString();
+    foco_ = campos_.Def(1).control.toString();
 }
 
 void EditorSesion::Nuevo() {
@@ -154,15 +90,10 @@ void EditorSesion::Nuevo() {
         ado_.Reportar(std::move(agregado).error());
         return;
     }
-    for (qsizetype i = 0; i < Campos(); ++i) {
-        valores_[i] = Campo(i).inicial.toString();
-        ElegirPorValor(i);
-        // Nothing chosen yet is not the same as the entry for NULL.
-        if (Campo(i).tipo == TipoCampo::Lista) elegidos_[i] = -1;
-    }
+    campos_.PonerIniciales();
     for (DetalleSesion& detalle : detalles_)
         detalle.Vaciar();
-    Empezar(Estado::Alta);
+    Pasar(Estado::Alta);
 }
 
 void EditorSesion::Modificar() {
@@ -172,9 +103,9 @@ void EditorSesion::Modificar() {
     for (DetalleSesion& detalle : detalles_) {
         if (!detalle.Cargado() && !detalle.Cargar(Clave())) return;
     }
-    vista_ = conjunto_->Filas().value(conjunto_->Bookmark() ? *conjunto_->Bookmark() - 1 : -1);
     LigarCampos(false);
-    Empezar(Estado::Modificacion);
+    Pasar(Estado::Modificacion);
+    vista_ = conjunto_->Filas().value(conjunto_->Bookmark() ? *conjunto_->Bookmark() - 1 : -1);
 }
 
 void EditorSesion::Cancelar() {
@@ -182,7 +113,7 @@ void EditorSesion::Cancelar() {
     const QString clave = Clave();
     const bool releer = vieja_;
     if (estado_ == Estado::Alta) conjunto_->CancelUpdate();
-    Terminar();
+    Pasar(Estado::Consulta);
     if (releer && Releer()) BuscarClave(clave);
     LigarCampos(true);
 }
@@ -250,7 +181,7 @@ QString EditorSesion::TextoTeclas() const {
 }
 
 bool EditorSesion::HayCambios() const {
-    return EnEdicion() && (valores_ != al_empezar_ ||
+    return EnEdicion() && (campos_.Valores() != al_empezar_ ||
                            std::any_of(detalles_.begin(), detalles_.end(),
                                        [](const DetalleSesion& d) { return d.Cambiado(); }));
 }
@@ -275,65 +206,22 @@ QString EditorSesion::TomarFoco() {
     return foco;
 }
 
-qsizetype EditorSesion::IndiceDe(QStringView control) const {
-    for (qsizetype i = 0; i < Campos(); ++i) {
-        if (Campo(i).control == control || Campo(i).oculto == control) return i;
-    }
-    return -1;
-}
-
 bool EditorSesion::Bloqueado(qsizetype campo) const {
-    return !EnEdicion() || Campo(campo).tipo == TipoCampo::Clave;
-}
-
-int EditorSesion::LargoMaximo(qsizetype campo) const {
-    const CampoDef& def = Campo(campo);
-    if (conjunto_ == nullptr || def.tipo != TipoCampo::Texto || def.columna.isEmpty()) return 0;
-    const qsizetype columna = conjunto_->IndiceDe(def.columna.toString());
-    return columna < 0 ? 0 : std::max(conjunto_->Columnas()[columna].longitud, 0);
+    return !EnEdicion() || campos_.Def(campo).tipo == TipoCampo::Clave;
 }
 
 void EditorSesion::Escribir(qsizetype campo, const QString& texto) {
-    if (Bloqueado(campo)) return;
-    valores_[campo] = Compuesto(texto);
-    if (!Campo(campo).oculto.isEmpty()) ElegirPorValor(campo);
-}
-
-bool EditorSesion::Dejar(qsizetype campo) {
-    const MascaraDef* const mascara = Campo(campo).mascara;
-    if (mascara == nullptr || Bloqueado(campo)) return true;
-    const QString reducido = mascara->reducir(valores_[campo]);
-    const QString objecion = mascara->objecion(reducido);
-    if (objecion.isEmpty()) {
-        valores_[campo] = mascara->mostrar(reducido);
-        return true;
-    }
-    valores_[campo].clear();
-    foco_ = Campo(campo).control.toString();
-    Avisar(objecion);
-    return false;
-}
-
-QStringList EditorSesion::Entradas(qsizetype campo) const {
-    QStringList textos;
-    for (const ItemCodigo& item : Campo(campo).codigos)
-        textos << item.texto.toString();
-    for (const foundation::EntradaCombo& entrada : listas_[campo])
-        textos << entrada.texto;
-    return textos;
+    if (!Bloqueado(campo)) campos_.Escribir(campo, texto);
 }
 
 void EditorSesion::Elegir(qsizetype campo, int entrada) {
-    if (Bloqueado(campo)) return;
-    const CampoDef& def = Campo(campo);
-    elegidos_[campo] = entrada;
-    valores_[campo].clear();
-    if (entrada < 0) return;
-    if (def.tipo == TipoCampo::Codigo) {
-        valores_[campo] = def.codigos[static_cast<std::size_t>(entrada)].codigo.toString();
-    } else if (!EsNulo(campo)) {
-        valores_[campo] = QString::number(listas_[campo].value(entrada).dato);
-    }
+    if (!Bloqueado(campo)) campos_.Elegir(campo, entrada);
+}
+
+bool EditorSesion::Dejar(qsizetype campo) {
+    if (Bloqueado(campo)) return true;
+    const auto objecion = campos_.Dejar(campo);
+    return !objecion || Objetar(*objecion);
 }
 
 }  // namespace quimo::catalog

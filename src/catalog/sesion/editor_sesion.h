@@ -7,6 +7,7 @@
 #include <QVector>
 
 #include "catalog/declaracion/editor_def.h"
+#include "catalog/sesion/campos_sesion.h"
 #include "catalog/sesion/detalle_sesion.h"
 #include "foundation/cls_ado.h"
 
@@ -55,9 +56,9 @@ public:
     /// The switch with which an editor lets nobody change rows. On by default.
     void PermitirCambios(bool permitir) { permite_cambios_ = permitir; }
     bool PermiteCambios() const { return permite_cambios_; }
-    qsizetype Registros() const { return conjunto_ == nullptr ? 0 : conjunto_->RecordCount(); }
     QString TextoRegistros() const {
-        return QStringLiteral("Registros: ") + QString::number(Registros());
+        const qsizetype cuantos = conjunto_ == nullptr ? 0 : conjunto_->RecordCount();
+        return QStringLiteral("Registros: ") + QString::number(cuantos);
     }
     /// The key hint of the state.
     QString TextoTeclas() const;
@@ -70,61 +71,33 @@ public:
 
     // Fields.
 
-    qsizetype IndiceDe(QStringView control) const;
-    const QString& Clave() const { return valores_.front(); }
-    const QString& Valor(qsizetype campo) const { return valores_[campo]; }
+    const CamposSesion& Campos() const { return campos_; }
+    const QString& Clave() const { return campos_.Valor(0); }
     bool Bloqueado(qsizetype campo) const;
-    /// Letters that the field takes; 0 without a limit.
-    int LargoMaximo(qsizetype campo) const;
     /// What the user wrote into a box. Nothing happens while the field is locked.
     void Escribir(qsizetype campo, const QString& texto);
+    /// The user chose an entry of a combo box. Nothing happens while the field is locked.
+    void Elegir(qsizetype campo, int entrada);
     /// The user leaves a box. False when the focus is to stay in it, after telling why.
     bool Dejar(qsizetype campo);
 
-    /// The entries of a combo box, and the one that is chosen (-1 without).
-    QStringList Entradas(qsizetype campo) const;
-    int Elegido(qsizetype campo) const { return elegidos_[campo]; }
-    /// What a field shows for a stored value: of a combo box the entry's text.
-    QString Visible(qsizetype campo, const QVariant& guardado) const;
-    void Elegir(qsizetype campo, int entrada);
-
     std::span<DetalleSesion> Detalles() { return detalles_; }
     std::span<const DetalleSesion> Detalles() const { return detalles_; }
-    /// Whether detail rows are to be shown as editable now.
-    bool DetallesAbiertos() const { return EnEdicion(); }
 
 private:
-    const CampoDef& Campo(qsizetype campo) const {
-        return def_->campos[static_cast<std::size_t>(campo)];
-    }
-    qsizetype Campos() const { return std::ssize(def_->campos); }
     void Servir();
     void Avisar(const QString& texto, foundation::Icono icono = foundation::Icono::Exclamacion);
-    bool CargarListas();
-    void MostrarCampo(qsizetype campo, const QVariant& guardado);
-    int EntradaDe(qsizetype campo, const QString& valor) const;
-    void ElegirPorValor(qsizetype campo);
+    bool Objetar(const ObjecionDeCampo& objecion);
     void CargarDetalles();
-    void Empezar(Estado estado);
-    void Terminar();
-    QString CondicionClave() const { return def_->ColumnaClave().toString() + u'=' + Clave(); }
+    void Pasar(Estado estado);
     bool Releer();
     bool BuscarClave(const QString& clave);
     /// Reads the table again and finds the row; tells when it is not there any more.
     bool Reencontrar(const QString& clave);
-    bool DetallesEnSitio() const;
 
     // editor_sesion_guardar.cpp
-    bool Obligatorios();
-    bool Validos();
-    QString TextoParaGuardar(qsizetype campo) const;
-    bool EsNulo(qsizetype campo) const;
-    QString Asignaciones() const;
-    bool PonerClaveNueva();
     bool GuardarAlta();
-    bool GuardarCambio();
     bool SigueComoEstaba();
-    bool GuardarDetalles();
 
     const EditorDef* def_;
     foundation::ClsAdo& ado_;
@@ -134,10 +107,8 @@ private:
     bool permite_cambios_ = true;
     bool vieja_ = false;  // somebody else changed or deleted the row that is shown
     qint32 posicion_ = 0;
-    QStringList valores_;
-    QStringList al_empezar_;
-    QVector<int> elegidos_;
-    QVector<QVector<foundation::EntradaCombo>> listas_;
+    CamposSesion campos_;
+    QStringList al_empezar_;           // what the fields held when the editing began
     std::optional<data::Fila> vista_;  // the row as it was when its editing began
     std::vector<DetalleSesion> detalles_;
     QString foco_;

@@ -5,6 +5,7 @@
 
 #include <sqlite3.h>
 
+#include "data/embebido/errores_motor.h"
 #include "tsql/valores/funciones.h"
 
 namespace quimo::data::embebido {
@@ -12,12 +13,6 @@ namespace quimo::data::embebido {
 namespace {
 
 constexpr int kEsperaMs = 10'000;
-
-ErrorSql NoAbre(const std::string& archivo, const std::string& motivo) {
-    ErrorSql error = tsql::CrearError(4060, archivo);
-    error.mensaje += " " + motivo;
-    return error;
-}
 
 bool CabeEn64(tsql::Int128 valor) { return valor == static_cast<std::int64_t>(valor); }
 
@@ -129,19 +124,19 @@ Hecho BaseSqlite::Abrir(const std::string& archivo, bool crear) {
         const std::string motivo =
             base_ != nullptr ? sqlite3_errmsg(base_) : sqlite3_errstr(codigo);
         Cerrar();
-        return NoAbre(archivo, motivo);
+        return BaseNoAbre(archivo, motivo);
     }
     sqlite3_extended_result_codes(base_, 1);
     sqlite3_busy_timeout(base_, kEsperaMs);
     if (sqlite3_db_readonly(base_, "main") == 1) {
         Cerrar();
-        return NoAbre(archivo, "attempt to write a readonly database");
+        return BaseNoAbre(archivo, "attempt to write a readonly database");
     }
     auto hecho = Configurar();
     if (!hecho) {
         const std::string motivo = hecho.error().mensaje;
         Cerrar();
-        return NoAbre(archivo, motivo);
+        return BaseNoAbre(archivo, motivo);
     }
     return {};
 }
@@ -211,38 +206,29 @@ ErrorSql BaseSqlite::Fallo(int codigo) {
     }
     const std::string mensaje = Mensaje();
     const auto dice = [&](const char* que) { return mensaje.find(que) != std::string::npos; };
-    if (primario == SQLITE_BUSY || primario == SQLITE_LOCKED) return tsql::CrearError(1222);
-    if (dice("integer overflow")) return tsql::CrearError(8115, "expression", "int");
+    if (primario == SQLITE_BUSY || primario == SQLITE_LOCKED) return BaseOcupada();
+    if (dice("integer overflow")) return tsql::Desbordamiento("expression", "int");
     if (dice("stack overflow") || dice("too large") || dice("too many") || dice("too complex") ||
         dice("at most")) {
-        return tsql::CrearError(191);
+        return tsql::DemasiadoAnidado();
     }
-    ErrorSql error;
-    error.sqlstate = "HY000";
-    error.mensaje = mensaje;
-    error.severidad = 17;
-    if (primario == SQLITE_FULL) {
-        error = tsql::CrearError(9002, archivo_);
-        error.severidad = 17;
-    } else if (primario == SQLITE_TOOBIG) {
-        error = tsql::CrearError(8152);
-    } else if (primario == SQLITE_NOMEM) {
-        error.nativo = 701;
-        error.mensaje = "There is insufficient system memory to run this query.";
-    } else if (primario == SQLITE_READONLY) {
-        error.nativo = 3906;
-        error.mensaje =
-            "Failed to update database \"" + archivo_ + "\" because the database is read-only.";
-    } else if (primario == SQLITE_CORRUPT || primario == SQLITE_NOTADB ||
-               primario == SQLITE_IOERR || primario == SQLITE_CANTOPEN) {
-        error.nativo = 823;
-        error.mensaje = "The operating system returned an error to the engine: " + mensaje + ".";
-        error.severidad = 24;
-    } else {
-        error.nativo = 8630;
-        error.mensaje = "Internal Query Processor Error: " + mensaje + ".";
+    switch (primario) {
+        case SQLITE_FULL:
+            return DiscoLleno(archivo_);
+        case SQLITE_TOOBIG:
+            return tsql::TextoRecortado();
+        case SQLITE_NOMEM:
+            return SinMemoria();
+        case SQLITE_READONLY:
+            return BaseSoloLectura(archivo_);
+        case SQLITE_CORRUPT:
+        case SQLITE_NOTADB:
+        case SQLITE_IOERR:
+        case SQLITE_CANTOPEN:
+            return FalloDeDisco(mensaje);
+        default:
+            return FalloInterno(mensaje);
     }
-    return error;
 }
 
 }  // namespace quimo::data::embebido

@@ -2,6 +2,7 @@
 
 #include <sqlite3.h>
 
+#include "data/embebido/errores_motor.h"
 #include "data/embebido/vistas_sistema.h"
 #include "tsql/lectura/parser.h"
 #include "tsql/valores/texto.h"
@@ -123,11 +124,7 @@ Hecho CatalogoEmbebido::Abrir() {
     if (hay.Entero(0) == 0) {
         QUIMO_TRY(Preparada otras, base_.Preparar("SELECT count(*) FROM sqlite_schema"));
         if (const int codigo = otras.Paso(); codigo != SQLITE_ROW) return base_.Fallo(codigo);
-        if (otras.Entero(0) > 0) {
-            ErrorSql error = tsql::CrearError(4060, "");
-            error.mensaje = "The file holds a database of another program.";
-            return error;
-        }
+        if (otras.Entero(0) > 0) return BaseDeOtroPrograma();
         hay.Reiniciar();
         otras.Reiniciar();
         QUIMO_TRY_VOID(base_.Correr("BEGIN IMMEDIATE;" + std::string(kTablas) + "COMMIT;"));

@@ -2,7 +2,9 @@
 
 #include <QFileInfo>
 
+#include "data/embebido/errores_motor.h"
 #include "data/embebido/interprete.h"
+#include "data/fallos.h"
 #include "tsql/valores/texto.h"
 
 namespace quimo::data {
@@ -12,18 +14,11 @@ namespace {
 using embebido::AFallo;
 using embebido::ErrorSql;
 using embebido::Interprete;
-using embebido::LoteListo;
 using embebido::Sesion;
 using embebido::Valor;
 using embebido::ValorConTipo;
 
-FalloSql Cerrada() {
-    FalloSql fallo;
-    fallo.numero = FalloSql::kConexionCerrada;
-    fallo.errores.append({QStringLiteral("08003"), 0, QStringLiteral("QUIMO embebido"),
-                          QStringLiteral("The connection is closed.")});
-    return fallo;
-}
+FalloSql Cerrada() { return ConexionCerrada(embebido::kOrigen); }
 
 class ConexionEmbebida final : public SqlConnection {
 public:
@@ -45,25 +40,16 @@ public:
             return respuesta;
         }
         std::vector<ValorConTipo> valores;
-        std::vector<tsql::Tipo> tipos;
         for (const QVariant& parametro : parametros) {
             auto valor = embebido::DeVariante(parametro);
             if (!valor) {
                 respuesta.fallo =
-                    AFallo(tsql::CrearError(257, parametro.typeName(), "sql_variant"));
+                    AFallo(tsql::ConversionImplicitaProhibida(parametro.typeName(), "sql_variant"));
                 return respuesta;
             }
-            tipos.push_back(valor->tipo);
             valores.push_back(*std::move(valor));
         }
-        Interprete interprete(sesion_, respuesta);
-        auto lote = sesion_.Leer(tsql.toStdString(), tipos);
-        if (!lote) {
-            interprete.Informar(lote.error());
-            return respuesta;
-        }
-        interprete.Correr(**lote, valores);
-        (*lote)->en_uso = false;
+        Interprete(sesion_, respuesta).Correr(tsql.toStdString(), valores);
         return respuesta;
     }
 
@@ -85,7 +71,7 @@ public:
         objeto.objeto = nombre.toStdString();
         if (objeto.objeto.starts_with("dbo.")) objeto.objeto.erase(0, 4);
         const auto tabla = sesion_.Catalogo().BuscarTabla(objeto);
-        if (!tabla) return AFallo(tsql::CrearError(208, nombre.toStdString()));
+        if (!tabla) return AFallo(tsql::ObjetoDesconocido(nombre.toStdString()));
         DefinicionTabla definicion;
         definicion.nombre = QString::fromStdString(tabla->nombre);
         for (const tsql::ColumnaTabla& columna : tabla->columnas) {

@@ -2,13 +2,13 @@
 
 #include <algorithm>
 
+#include "data/embebido/errores_motor.h"
 #include "tsql/valores/texto.h"
 
 namespace quimo::data::embebido {
 
 namespace {
 
-using tsql::CrearError;
 using tsql::EntreComillas;
 using tsql::Indice;
 using tsql::MismoNombre;
@@ -42,16 +42,10 @@ std::string Definiciones::NombreLibre(const Tabla& tabla, const std::string& pre
 }
 
 Hecho Definiciones::AgregarColumna(Tabla& tabla, const tsql::ColumnaDef& def) const {
-    if (tabla.Columna(def.nombre) >= 0) return CrearError(2705, def.nombre, tabla.nombre);
-    if (def.identidad && tabla.Identidad() != nullptr) return CrearError(2744, tabla.nombre);
+    if (tabla.Columna(def.nombre) >= 0) return ColumnaYaEsta(def.nombre, tabla.nombre);
+    if (def.identidad && tabla.Identidad() != nullptr) return DosIdentidades(tabla.nombre);
     if (def.identidad && (def.tipo.escala != 0 || !def.tipo.EsExacto() || def.tipo.EsMoneda())) {
-        ErrorSql error = CrearError(2744, tabla.nombre);
-        error.nativo = 2749;
-        error.mensaje =
-            "Identity column '" + def.nombre +
-            "' must be of data type int, bigint, smallint, tinyint, or decimal or numeric "
-            "with a scale of 0, unencrypted, and constrained to be nonnullable.";
-        return error;
+        return IdentidadDeTipoInvalido(def.nombre);
     }
     tsql::ColumnaTabla columna;
     columna.nombre = def.nombre;
@@ -84,9 +78,9 @@ Hecho Definiciones::AgregarRestriccion(Tabla& tabla, const RestriccionDef& def) 
     for (const std::string& columna : def.columnas) {
         if (tabla.Columna(columna) >= 0) continue;
         if (def.clase == RestriccionDef::Clase::Foranea) {
-            return CrearError(1769, def.nombre, columna, tabla.nombre);
+            return ForaneaSinColumna(def.nombre, columna, tabla.nombre);
         }
-        return CrearError(1911, columna);
+        return ColumnaFaltante(columna);
     }
     if (def.clase == RestriccionDef::Clase::Primaria || def.clase == RestriccionDef::Clase::Unica) {
         return AgregarClave(tabla, def);
@@ -100,12 +94,7 @@ Hecho Definiciones::AgregarRestriccion(Tabla& tabla, const RestriccionDef& def) 
         return {};
     }
     auto& columna = tabla.columnas[static_cast<std::size_t>(tabla.Columna(def.columnas[0]))];
-    if (!columna.defecto.empty()) {
-        ErrorSql error = CrearError(1750);
-        error.nativo = 1781;
-        error.mensaje = "Column already has a DEFAULT bound to it.";
-        return error;
-    }
+    if (!columna.defecto.empty()) return DosValoresPorDefecto();
     columna.defecto = def.texto;
     columna.nombre_defecto =
         def.nombre.empty() ? "DF_" + tabla.nombre + "_" + columna.nombre : def.nombre;
@@ -114,14 +103,14 @@ Hecho Definiciones::AgregarRestriccion(Tabla& tabla, const RestriccionDef& def) 
 
 Hecho Definiciones::AgregarClave(Tabla& tabla, const RestriccionDef& def) const {
     const bool primaria = def.clase == RestriccionDef::Clase::Primaria;
-    if (primaria && tabla.Primaria() != nullptr) return CrearError(8110, tabla.nombre);
+    if (primaria && tabla.Primaria() != nullptr) return DosClavesPrimarias(tabla.nombre);
     Indice indice;
     indice.clase = primaria ? Indice::Clase::Primaria : Indice::Clase::Unica;
     for (const std::string& nombre : def.columnas) {
         const int cual = tabla.Columna(nombre);
         if (std::find(indice.columnas.begin(), indice.columnas.end(), cual) !=
             indice.columnas.end()) {
-            return CrearError(2705, nombre, tabla.nombre);
+            return ColumnaYaEsta(nombre, tabla.nombre);
         }
         indice.columnas.push_back(cual);
     }
@@ -140,8 +129,7 @@ Hecho Definiciones::AgregarForanea(Tabla& tabla, const RestriccionDef& def) cons
         def.nombre.empty()
             ? NombreLibre(tabla, "FK_" + tabla.nombre + "_" + def.referencia.tabla.objeto)
             : def.nombre;
-    if (!misma && !hallada)
-        return CrearError(1767, foranea.nombre, def.referencia.tabla.Completo());
+    if (!misma && !hallada) return ForaneaSinTabla(foranea.nombre, def.referencia.tabla.Completo());
     const Tabla& madre = misma ? tabla : *hallada;
     foranea.tabla = madre.nombre;
     foranea.al_borrar = def.referencia.al_borrar;
@@ -152,7 +140,7 @@ Hecho Definiciones::AgregarForanea(Tabla& tabla, const RestriccionDef& def) cons
     }
     for (const std::string& nombre : def.referencia.columnas) {
         if (madre.Columna(nombre) < 0)
-            return CrearError(1770, foranea.nombre, nombre, madre.nombre);
+            return ForaneaSinColumnaReferida(foranea.nombre, nombre, madre.nombre);
         referidas.push_back(madre.Columna(nombre));
     }
     const bool hay_clave =
@@ -162,7 +150,7 @@ Hecho Definiciones::AgregarForanea(Tabla& tabla, const RestriccionDef& def) cons
                                        referidas.end());
         });
     if (!hay_clave || referidas.size() != foranea.columnas.size()) {
-        return CrearError(1776, madre.nombre, foranea.nombre);
+        return ForaneaSinClave(madre.nombre, foranea.nombre);
     }
     for (const int cual : referidas) {
         foranea.columnas_referidas.push_back(madre.columnas[static_cast<std::size_t>(cual)].nombre);
@@ -186,7 +174,7 @@ Hecho Definiciones::Definir(Tabla& tabla, const tsql::CrearTabla& crear) {
         for (const int cual : primaria->columnas) {
             auto& columna = tabla.columnas[static_cast<std::size_t>(cual)];
             const auto& def = crear.columnas[static_cast<std::size_t>(cual)];
-            if (def.admite_nulos.value_or(false)) return CrearError(8111, tabla.nombre);
+            if (def.admite_nulos.value_or(false)) return PrimariaConNulos(tabla.nombre);
             columna.admite_nulos = false;
         }
     }
@@ -209,11 +197,11 @@ Hecho Definiciones::Crear(const tsql::CrearTabla& crear, bool local) {
     tabla.id = sesion_.Catalogo().NuevoId();
     if (sesion_.Catalogo().BuscarTabla(crear.tabla) ||
         sesion_.Catalogo().BuscarModulo(crear.tabla)) {
-        return CrearError(2714, tabla.nombre);
+        return NombreOcupado(tabla.nombre);
     }
     const bool reservado = tsql::AMinusculas(tabla.nombre).starts_with("_quimo_") ||
                            tsql::AMinusculas(tabla.nombre).starts_with("sqlite_");
-    if (reservado) return CrearError(2714, tabla.nombre);
+    if (reservado) return NombreOcupado(tabla.nombre);
     tabla.sql = (tabla.temporal ? "temp." : "") + EntreComillas(tabla.nombre);
     QUIMO_TRY_VOID(Definir(tabla, crear));
     QUIMO_TRY_VOID(CrearEnMotor(tabla, tabla.sql));
@@ -226,23 +214,19 @@ Hecho Definiciones::Crear(const tsql::CrearTabla& crear, bool local) {
 Hecho Definiciones::Crear(const tsql::CrearIndice& crear) {
     QUIMO_TRY(PuntoDeSentencia punto, AbrirAlDia());
     const auto hallada = sesion_.Catalogo().BuscarTabla(crear.tabla);
-    if (!hallada || hallada->del_sistema) {
-        ErrorSql error = CrearError(4902, crear.tabla.Completo());
-        error.nativo = 1088;
-        return error;
-    }
+    if (!hallada || hallada->del_sistema) return IndiceSinTabla(crear.tabla.Completo());
     Tabla tabla = *hallada;
     Indice indice;
     indice.nombre = crear.nombre;
     indice.clase = crear.unico ? Indice::Clase::IndiceUnico : Indice::Clase::Indice;
     for (const Indice& otro : tabla.indices) {
         if (MismoNombre(otro.nombre, crear.nombre)) {
-            return CrearError(1913, crear.nombre, crear.tabla.Completo());
+            return IndiceYaEsta(crear.nombre, crear.tabla.Completo());
         }
     }
     for (const std::string& columna : crear.columnas) {
         const int cual = tabla.Columna(columna);
-        if (cual < 0) return CrearError(1911, columna);
+        if (cual < 0) return ColumnaFaltante(columna);
         indice.columnas.push_back(cual);
     }
     tabla.indices.push_back(indice);
@@ -255,10 +239,10 @@ Hecho Definiciones::Crear(const tsql::CrearModulo& crear) {
     QUIMO_TRY(PuntoDeSentencia punto, AbrirAlDia());
     const auto antes = sesion_.Catalogo().BuscarModulo(crear.nombre);
     if (crear.cambiar) {
-        if (!antes) return CrearError(208, crear.nombre.Completo());
-        if (antes->clase != crear.clase) return CrearError(2010, crear.nombre.Completo());
+        if (!antes) return tsql::ObjetoDesconocido(crear.nombre.Completo());
+        if (antes->clase != crear.clase) return ModuloDeOtraClase(crear.nombre.Completo());
     } else if (antes || sesion_.Catalogo().BuscarTabla(crear.nombre)) {
-        return CrearError(2714, crear.nombre.objeto);
+        return NombreOcupado(crear.nombre.objeto);
     }
     if (crear.clase == tsql::CrearModulo::Clase::Vista) {
         QUIMO_TRY(const tsql::Lote lote, tsql::LeerLote(crear.texto, tsql::Constantes::EnElArbol));
@@ -284,8 +268,8 @@ Hecho Definiciones::Crear(const tsql::CrearModulo& crear) {
 
 Hecho Definiciones::Truncar(const tsql::NombreObjeto& nombre) {
     const auto tabla = sesion_.Catalogo().BuscarTabla(nombre);
-    if (!tabla || tabla->del_sistema) return CrearError(4701, nombre.objeto);
-    if (sesion_.Catalogo().Referente(*tabla) != nullptr) return CrearError(4712, nombre.objeto);
+    if (!tabla || tabla->del_sistema) return VaciarSinTabla(nombre.objeto);
+    if (sesion_.Catalogo().Referente(*tabla) != nullptr) return VaciarTablaReferida(nombre.objeto);
     QUIMO_TRY(PuntoDeSentencia punto, PuntoDeSentencia::Abrir(sesion_));
     QUIMO_TRY_VOID(sesion_.Base().Correr("DELETE FROM " + tabla->sql));
     if (const auto* identidad = tabla->Identidad()) {
@@ -312,9 +296,10 @@ Hecho Definiciones::QuitarTabla(const tsql::NombreObjeto& nombre, bool si_existe
     const auto tabla = sesion_.Catalogo().BuscarTabla(nombre);
     if (!tabla || tabla->del_sistema) {
         if (si_existe) return {};
-        return CrearError(3701, "table", nombre.Completo());
+        return QuitarLoQueNoEsta("table", nombre.Completo());
     }
-    if (sesion_.Catalogo().Referente(*tabla) != nullptr) return CrearError(3726, nombre.Completo());
+    if (sesion_.Catalogo().Referente(*tabla) != nullptr)
+        return QuitarTablaReferida(nombre.Completo());
     if (MismoNombre(sesion_.Estado().identity_insert, tabla->nombre)) {
         sesion_.Estado().identity_insert.clear();
     }
@@ -333,11 +318,7 @@ Hecho Definiciones::QuitarIndice(const tsql::NombreObjeto& nombre, bool si_exist
         const Indice& indice = hallada->indices[i];
         if (!MismoNombre(indice.nombre, nombre.objeto)) continue;
         if (indice.clase == Indice::Clase::Primaria || indice.clase == Indice::Clase::Unica) {
-            ErrorSql error = CrearError(3701, "index", nombre.Completo());
-            error.nativo = 3723;
-            error.mensaje = "An explicit DROP INDEX is not allowed on index '" + nombre.Completo() +
-                            "'. It is being used for constraint enforcement.";
-            return error;
+            return QuitarIndiceDeRestriccion(nombre.Completo());
         }
         Tabla tabla = *hallada;
         tabla.indices.erase(tabla.indices.begin() + static_cast<std::ptrdiff_t>(i));
@@ -347,7 +328,7 @@ Hecho Definiciones::QuitarIndice(const tsql::NombreObjeto& nombre, bool si_exist
         return punto.Confirmar();
     }
     if (si_existe) return {};
-    return CrearError(3701, "index", nombre.Completo());
+    return QuitarLoQueNoEsta("index", nombre.Completo());
 }
 
 Hecho Definiciones::QuitarModulo(const tsql::NombreObjeto& nombre, const tsql::Quitar& quitar) {
@@ -358,7 +339,7 @@ Hecho Definiciones::QuitarModulo(const tsql::NombreObjeto& nombre, const tsql::Q
     const auto modulo = sesion_.Catalogo().BuscarModulo(nombre);
     if (!modulo || modulo->clase != clase) {
         if (quitar.si_existe) return {};
-        return CrearError(3701, tsql::AMinusculas(quitar.clase), nombre.Completo());
+        return QuitarLoQueNoEsta(tsql::AMinusculas(quitar.clase), nombre.Completo());
     }
     QUIMO_TRY(PuntoDeSentencia punto, PuntoDeSentencia::Abrir(sesion_));
     QUIMO_TRY_VOID(sesion_.Catalogo().BorrarModulo(nombre.objeto));

@@ -3,6 +3,7 @@
 #include <sqlite3.h>
 
 #include "data/embebido/definiciones.h"
+#include "data/embebido/errores_motor.h"
 #include "tsql/valores/texto.h"
 
 namespace quimo::data::embebido {
@@ -10,7 +11,6 @@ namespace quimo::data::embebido {
 namespace {
 
 using tsql::CambiarTabla;
-using tsql::CrearError;
 using tsql::EntreComillas;
 using tsql::Indice;
 using tsql::MismoNombre;
@@ -22,17 +22,12 @@ bool Nombra(const std::vector<std::string>& nombres, const std::string& nombre) 
                        [&](const std::string& otro) { return MismoNombre(otro, nombre); });
 }
 
-ErrorSql Depende(const std::string& clase, const std::string& cual, const std::string& columna) {
-    ErrorSql error = CrearError(5074, clase, cual, columna);
-    return error;
-}
-
 }  // namespace
 
 Hecho Definiciones::Cambiar(const CambiarTabla& cambiar) {
     using Clase = CambiarTabla::Clase;
     const auto hallada = sesion_.Catalogo().BuscarTabla(cambiar.tabla);
-    if (!hallada || hallada->del_sistema) return CrearError(4902, cambiar.tabla.Completo());
+    if (!hallada || hallada->del_sistema) return CambioSinTabla(cambiar.tabla.Completo());
     if (cambiar.clase == Clase::AgregarColumnas) return AgregarColumnas(*hallada, cambiar);
     if (cambiar.clase == Clase::CambiarColumna) return CambiarColumna(*hallada, cambiar);
     if (cambiar.clase == Clase::QuitarColumna) return QuitarColumnas(*hallada, cambiar);
@@ -49,7 +44,7 @@ Hecho Definiciones::Cambiar(const CambiarTabla& cambiar) {
         if (def.clase != RestriccionDef::Clase::Primaria) continue;
         for (const int cual : nueva.Primaria()->columnas) {
             if (nueva.columnas[static_cast<std::size_t>(cual)].admite_nulos) {
-                return CrearError(8111, nueva.nombre);
+                return PrimariaConNulos(nueva.nombre);
             }
         }
     }
@@ -87,7 +82,7 @@ Hecho Definiciones::AgregarColumnas(const Tabla& vieja, const CambiarTabla& camb
         const bool obligatoria = !columna.admite_nulos && columna.calculada.empty();
         if (!obligatoria) continue;
         if (columna.identidad || (con_filas && columna.defecto.empty())) {
-            return CrearError(4901, columna.nombre, vieja.nombre);
+            return ColumnaNuevaSinValor(columna.nombre, vieja.nombre);
         }
     }
     if (rehacer) {
@@ -95,7 +90,7 @@ Hecho Definiciones::AgregarColumnas(const Tabla& vieja, const CambiarTabla& camb
             for (std::size_t i = vieja.columnas.size(); i < nueva.columnas.size(); ++i) {
                 const auto& columna = nueva.columnas[i];
                 if (!columna.admite_nulos && columna.calculada.empty()) {
-                    return CrearError(4901, columna.nombre, vieja.nombre);
+                    return ColumnaNuevaSinValor(columna.nombre, vieja.nombre);
                 }
             }
         }
@@ -139,17 +134,16 @@ Hecho Definiciones::AgregarColumnas(const Tabla& vieja, const CambiarTabla& camb
 Hecho Definiciones::CambiarColumna(const Tabla& vieja, const CambiarTabla& cambiar) {
     const tsql::ColumnaDef& def = cambiar.columnas[0];
     const int cual = vieja.Columna(def.nombre);
-    if (cual < 0) return CrearError(4924, "ALTER COLUMN", def.nombre, vieja.nombre);
+    if (cual < 0) return CambioSinColumna("ALTER COLUMN", def.nombre, vieja.nombre);
     Tabla nueva = vieja;
     auto& columna = nueva.columnas[static_cast<std::size_t>(cual)];
-    if (!columna.calculada.empty())
-        return CrearError(4922, "ALTER TABLE ALTER COLUMN " + def.nombre);
+    if (!columna.calculada.empty()) return CambioImpedido("ALTER TABLE ALTER COLUMN " + def.nombre);
     columna.tipo = def.tipo;
     columna.admite_nulos = def.admite_nulos.value_or(true);
     if (vieja.Primaria() != nullptr) {
         const auto& clave = vieja.Primaria()->columnas;
         if (std::find(clave.begin(), clave.end(), cual) != clave.end() && columna.admite_nulos) {
-            return Depende("object", vieja.Primaria()->nombre, def.nombre);
+            return DependeDeColumna("object", vieja.Primaria()->nombre, def.nombre);
         }
     }
     return Rehacer(vieja, nueva);
@@ -159,23 +153,24 @@ Hecho Definiciones::QuitarColumnas(const Tabla& vieja, const CambiarTabla& cambi
     Tabla nueva = vieja;
     for (const std::string& nombre : cambiar.nombres) {
         const int cual = nueva.Columna(nombre);
-        if (cual < 0) return CrearError(4924, "DROP COLUMN", nombre, vieja.nombre);
+        if (cual < 0) return CambioSinColumna("DROP COLUMN", nombre, vieja.nombre);
         const auto& columna = nueva.columnas[static_cast<std::size_t>(cual)];
-        if (!columna.defecto.empty()) return Depende("object", columna.nombre_defecto, nombre);
+        if (!columna.defecto.empty())
+            return DependeDeColumna("object", columna.nombre_defecto, nombre);
         for (Indice& indice : nueva.indices) {
             for (int& c : indice.columnas) {
-                if (c == cual) return Depende("index", indice.nombre, nombre);
+                if (c == cual) return DependeDeColumna("index", indice.nombre, nombre);
                 if (c > cual) --c;
             }
         }
         for (const tsql::Foranea& f : nueva.foraneas) {
-            if (Nombra(f.columnas, nombre)) return Depende("object", f.nombre, nombre);
+            if (Nombra(f.columnas, nombre)) return DependeDeColumna("object", f.nombre, nombre);
         }
         for (const tsql::Comprobacion& c : nueva.comprobaciones) {
-            if (MismoNombre(c.columna, nombre)) return Depende("object", c.nombre, nombre);
+            if (MismoNombre(c.columna, nombre)) return DependeDeColumna("object", c.nombre, nombre);
         }
         nueva.columnas.erase(nueva.columnas.begin() + cual);
-        if (nueva.columnas.empty()) return CrearError(4922, "ALTER TABLE DROP COLUMN " + nombre);
+        if (nueva.columnas.empty()) return CambioImpedido("ALTER TABLE DROP COLUMN " + nombre);
     }
     return Rehacer(vieja, nueva);
 }
@@ -200,7 +195,7 @@ Hecho Definiciones::QuitarRestricciones(const Tabla& vieja, const CambiarTabla& 
             columna.nombre_defecto.clear();
             defecto = true;
         }
-        if (quitadas == 0 && !defecto) return CrearError(3728, nombre);
+        if (quitadas == 0 && !defecto) return RestriccionDesconocida(nombre);
         solo_defectos = solo_defectos && quitadas == 0;
     }
     if (!solo_defectos) return Rehacer(vieja, nueva);

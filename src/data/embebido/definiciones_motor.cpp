@@ -3,6 +3,7 @@
 #include <sqlite3.h>
 
 #include "data/embebido/definiciones.h"
+#include "data/embebido/errores_motor.h"
 #include "tsql/valores/texto.h"
 
 namespace quimo::data::embebido {
@@ -143,7 +144,7 @@ Hecho Definiciones::CrearIndiceEnMotor(const Tabla& tabla, const Indice& indice)
         if (hecho) continue;
         const bool repetida = (sesion_.Base().CodigoExtendido() & 0xFF) == SQLITE_CONSTRAINT;
         if (!repetida) return hecho.error();
-        return tsql::CrearError(1505, "dbo." + tabla.nombre, indice.nombre);
+        return IndiceConRepetidos("dbo." + tabla.nombre, indice.nombre);
     }
     return {};
 }
@@ -183,12 +184,7 @@ Hecho Definiciones::AsegurarClaves(const Tabla& tabla) {
 /// Runs work that takes tables away and puts them back without their references being watched.
 /// Only outside of a transaction can they be left unwatched.
 Hecho Definiciones::SinReferencias(const std::function<Hecho()>& trabajo) {
-    if (sesion_.Base().EnTransaccion()) {
-        ErrorSql error = tsql::CrearError(3726, "");
-        error.nativo = 226;
-        error.mensaje = "ALTER TABLE statement not allowed within multi-statement transaction.";
-        return error;
-    }
+    if (sesion_.Base().EnTransaccion()) return CambioEnTransaccion();
     QUIMO_TRY_VOID(sesion_.Base().Correr("PRAGMA foreign_keys=OFF;PRAGMA legacy_alter_table=ON"));
     auto hecho = trabajo();
     const auto puesto =
@@ -236,16 +232,7 @@ Hecho Definiciones::Rehacer(const Tabla& vieja, const Tabla& nueva) {
                   sesion_.Base().Preparar("PRAGMA foreign_key_check(" + nueva.sql + ")"));
         const int codigo = rotas.Paso();
         if (codigo != SQLITE_ROW && codigo != SQLITE_DONE) return sesion_.Base().Fallo(codigo);
-        if (codigo == SQLITE_ROW) {
-            ErrorSql error = tsql::CrearError(1750);
-            error.nativo = 547;
-            error.sqlstate = "23000";
-            error.mensaje =
-                "The ALTER TABLE statement conflicted with the FOREIGN KEY constraint of "
-                "table \"dbo." +
-                nueva.nombre + "\".";
-            return error;
-        }
+        if (codigo == SQLITE_ROW) return CambioRompeReferencias(nueva.nombre);
         rotas.Reiniciar();
         QUIMO_TRY_VOID(sesion_.Catalogo().Guardar(nueva));
         return punto.Confirmar();

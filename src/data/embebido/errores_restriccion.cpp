@@ -4,6 +4,7 @@
 
 #include <sqlite3.h>
 
+#include "data/embebido/errores_motor.h"
 #include "tsql/valores/texto.h"
 
 namespace quimo::data::embebido {
@@ -62,8 +63,8 @@ ErrorSql ErrorDeRestriccion::Explicar(int codigo, const std::function<int()>& re
 
 ErrorSql ErrorDeRestriccion::SinNulos(const std::string& mensaje) const {
     const auto columnas = Columnas(Tras(mensaje, "failed: "));
-    return tsql::CrearError(515, columnas.empty() ? "" : columnas[0],
-                            sesion_.NombreBase() + ".dbo." + tabla_->nombre, verbo_);
+    return tsql::ColumnaSinNulos(columnas.empty() ? "" : columnas[0],
+                                 sesion_.NombreBase() + ".dbo." + tabla_->nombre, verbo_);
 }
 
 ErrorSql ErrorDeRestriccion::Repetida(const std::string& mensaje) const {
@@ -80,28 +81,25 @@ ErrorSql ErrorDeRestriccion::Repetida(const std::string& mensaje) const {
             cual = &indice;
     }
     const std::string objeto = "dbo." + tabla_->nombre;
-    if (cual == nullptr) return tsql::CrearError(2627, "UNIQUE KEY", lista, objeto);
+    if (cual == nullptr) return ClaveRepetida("UNIQUE KEY", lista, objeto);
     if (cual->clase == Indice::Clase::IndiceUnico) {
-        return tsql::CrearError(2601, objeto, cual->nombre);
+        return IndiceUnicoRepetido(objeto, cual->nombre);
     }
     const bool primaria = cual->clase == Indice::Clase::Primaria;
-    return tsql::CrearError(2627, primaria ? "PRIMARY KEY" : "UNIQUE KEY", cual->nombre, objeto);
+    return ClaveRepetida(primaria ? "PRIMARY KEY" : "UNIQUE KEY", cual->nombre, objeto);
 }
 
-ErrorSql ErrorDeRestriccion::Texto547(const std::string& clase, const std::string& nombre,
-                                      const std::string& tabla,
-                                      const std::vector<std::string>& columnas) const {
-    ErrorSql error;
-    error.nativo = 547;
-    error.sqlstate = "23000";
+ErrorSql ErrorDeRestriccion::Conflicto(const std::string& clase, const std::string& nombre,
+                                       const std::string& tabla,
+                                       const std::vector<std::string>& columnas) const {
     // The wording with single quotes: the table's name is shown to the user as it stands here.
     const bool de_columna = columnas.size() == 1 && !columnas[0].empty();
-    error.mensaje = verbo_ + " statement conflicted with " + (de_columna ? "COLUMN " : "TABLE ") +
-                    clase + " constraint '" + nombre + "'. The conflict occurred in database '" +
-                    sesion_.NombreBase() + "', table '" + tabla + "'";
-    if (de_columna) error.mensaje += ", column '" + columnas[0] + "'";
-    error.mensaje += ".";
-    return error;
+    std::string mensaje = verbo_ + " statement conflicted with " +
+                          (de_columna ? "COLUMN " : "TABLE ") + clase + " constraint '" + nombre +
+                          "'. The conflict occurred in database '" + sesion_.NombreBase() +
+                          "', table '" + tabla + "'";
+    if (de_columna) mensaje += ", column '" + columnas[0] + "'";
+    return RestriccionIncumplida(mensaje + ".");
 }
 
 ErrorSql ErrorDeRestriccion::Comprobacion(const std::string& mensaje) const {
@@ -110,7 +108,7 @@ ErrorSql ErrorDeRestriccion::Comprobacion(const std::string& mensaje) const {
     for (const tsql::Comprobacion& c : tabla_->comprobaciones) {
         if (tsql::MismoNombre(c.nombre, nombre)) columnas = {c.columna};
     }
-    return Texto547("CHECK", nombre, tabla_->nombre, columnas);
+    return Conflicto("CHECK", nombre, tabla_->nombre, columnas);
 }
 
 /// Whether a row of the child names a row that the parent has not.
@@ -130,7 +128,7 @@ bool ErrorDeRestriccion::Viola(const Tabla& hija, const Foranea& foranea, const 
 
 ErrorSql ErrorDeRestriccion::Referencia(const std::function<int()>& repetir) {
     // The write is done again with references left for later, to see which of them is broken then.
-    ErrorSql hallado = Texto547("REFERENCE", "", tabla_->nombre, {});
+    ErrorSql hallado = Conflicto("REFERENCE", "", tabla_->nombre, {});
     {
         const auto punto = PuntoDeSentencia::Abrir(sesion_);
         if (!punto || !sesion_.Base().Correr("PRAGMA defer_foreign_keys=ON")) return hallado;
@@ -151,19 +149,19 @@ void ErrorDeRestriccion::Examinar(int codigo, ErrorSql& hallado) {
             if (encontrada || verbo_ == "DELETE" || madre == tablas.end()) continue;
             if (!Viola(*tabla_, foranea, *madre->second)) continue;
             encontrada = true;
-            hallado = Texto547("FOREIGN KEY", foranea.nombre, madre->second->nombre,
-                               foranea.columnas_referidas);
+            hallado = Conflicto("FOREIGN KEY", foranea.nombre, madre->second->nombre,
+                                foranea.columnas_referidas);
             if (madre->second == tabla_)
-                hallado = Texto547("FOREIGN KEY SAME TABLE", foranea.nombre, tabla_->nombre,
-                                   foranea.columnas_referidas);
+                hallado = Conflicto("FOREIGN KEY SAME TABLE", foranea.nombre, tabla_->nombre,
+                                    foranea.columnas_referidas);
         }
         for (const auto& [nombre, hija] : tablas) {
             for (const Foranea& foranea : hija->foraneas) {
                 if (encontrada || !tsql::MismoNombre(foranea.tabla, tabla_->nombre)) continue;
                 if (!Viola(*hija, foranea, *tabla_)) continue;
                 encontrada = true;
-                hallado = Texto547(hija == tabla_ ? "SAME TABLE REFERENCE" : "REFERENCE",
-                                   foranea.nombre, hija->nombre, foranea.columnas);
+                hallado = Conflicto(hija == tabla_ ? "SAME TABLE REFERENCE" : "REFERENCE",
+                                    foranea.nombre, hija->nombre, foranea.columnas);
             }
         }
     }

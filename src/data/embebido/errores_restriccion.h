@@ -22,8 +22,8 @@ private:
     ErrorSql Referencia(const std::function<int()>& repetir);
     void Examinar(int codigo, ErrorSql& hallado);
     bool Viola(const tsql::Tabla& hija, const tsql::Foranea& foranea, const tsql::Tabla& madre);
-    ErrorSql Texto547(const std::string& clase, const std::string& nombre, const std::string& tabla,
-                      const std::vector<std::string>& columnas) const;
+    ErrorSql Conflicto(const std::string& clase, const std::string& nombre,
+                       const std::string& tabla, const std::vector<std::string>& columnas) const;
 
     Sesion& sesion_;
     tsql::TablaPtr tabla_;

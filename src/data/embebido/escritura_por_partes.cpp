@@ -1,8 +1,9 @@
+#include "data/embebido/escritura_por_partes.h"
+
 #include <algorithm>
 
 #include <sqlite3.h>
 
-#include "data/embebido/interprete.h"
 #include "tsql/valores/texto.h"
 
 namespace quimo::data::embebido {
@@ -15,17 +16,16 @@ using tsql::Tabla;
 /// Values that no row of a restaurant holds, for the keys that are on their way.
 constexpr std::int64_t kDePaso = -4'000'000'000'000'000'000;
 
-struct FilaNueva {
-    std::int64_t fila = 0;
-    std::vector<Valor> valores;
-};
-
 bool EsClave(const Tabla& tabla, int columna) {
     return std::any_of(
         tabla.indices.begin(), tabla.indices.end(), [columna](const tsql::Indice& i) {
             return i.clase != tsql::Indice::Clase::Indice &&
                    std::find(i.columnas.begin(), i.columnas.end(), columna) != i.columnas.end();
         });
+}
+
+const tsql::Tipo& TipoDe(const Tabla& tabla, int columna) {
+    return tabla.columnas[static_cast<std::size_t>(columna)].tipo;
 }
 
 Valor DePaso(const tsql::Tipo& tipo, std::int64_t numero) {
@@ -44,75 +44,95 @@ std::string SqlDeFila(const Tabla& tabla, const std::vector<int>& columnas) {
 
 }  // namespace
 
-Resultado<bool> Interprete::SinPartes(int codigo) {
-    if ((codigo & 0xFF) == SQLITE_CONSTRAINT) return false;
-    return sesion_.Base().Fallo(codigo);
+EscrituraPorPartes::EscrituraPorPartes(Sesion& sesion, const tsql::Plan& plan)
+    : sesion_(sesion), plan_(plan) {
+    for (const int c : plan.columnas_escritas) {
+        if (EsClave(*plan.tabla, c)) claves_.push_back(c);
+    }
 }
 
-/// An UPDATE whose keys pass through values that other rows of it still hold (ID=ID+1): every key
-/// is first moved out of the way. False when keys repeat even so.
-Resultado<bool> Interprete::EscribirPorPartes(const PlanListo& listo, const Marco& marco) {
-    const Tabla& tabla = *listo.plan.tabla;
-    std::vector<int> claves;
-    for (const int c : listo.plan.columnas_escritas) {
-        if (EsClave(tabla, c)) claves.push_back(c);
-    }
+bool EscrituraPorPartes::Sirve() const {
+    const Tabla& tabla = *plan_.tabla;
     const bool con_referencias =
         !tabla.foraneas.empty() || sesion_.Catalogo().Referente(tabla) != nullptr;
-    const bool ancha = std::any_of(claves.begin(), claves.end(), [&](int c) {
-        const tsql::Tipo& tipo = tabla.columnas[static_cast<std::size_t>(c)].tipo;
+    const bool ancha = std::any_of(claves_.begin(), claves_.end(), [&](int c) {
+        const tsql::Tipo& tipo = TipoDe(tabla, c);
         return !tipo.EsTexto() && (tipo.EsAncho() || !(tipo.EsExacto() || tipo.EsFecha()));
     });
-    if (claves.empty() || ancha || con_referencias) return false;
+    return !claves_.empty() && !ancha && !con_referencias;
+}
 
-    std::vector<FilaNueva> filas;
-    {
-        PlanListo lectura;
-        lectura.plan.ranuras = listo.plan.ranuras;
-        QUIMO_TRY(lectura.sentencia, sesion_.Base().Preparar(listo.plan.sql_filas));
-        QUIMO_TRY_VOID(Ligar(lectura, marco));
-        QUIMO_TRY_VOID(sesion_.Base().CadaFila(lectura.sentencia, [&]() -> Hecho {
-            FilaNueva fila{lectura.sentencia.Entero(0), {}};
-            for (std::size_t i = 0; i < listo.plan.columnas_escritas.size(); ++i) {
-                fila.valores.push_back(lectura.sentencia.Leer(static_cast<int>(i) + 1));
-            }
-            filas.push_back(std::move(fila));
-            return {};
-        }));
-    }
-    if (filas.size() < 2) return false;
+Resultado<std::optional<std::int64_t>> EscrituraPorPartes::Escribir(Preparada lectura) {
+    const auto repetida = std::optional<std::int64_t>();
+    QUIMO_TRY(std::vector<FilaNueva> filas, LeerFilas(lectura));
+    lectura = Preparada();
+    if (filas.size() < 2) return repetida;
     QUIMO_TRY(PuntoDeSentencia punto, PuntoDeSentencia::Abrir(sesion_));
-    const int columna_fila = tabla.ColumnaFila();
-    const bool mueve_fila = std::find(claves.begin(), claves.end(), columna_fila) != claves.end();
-    QUIMO_TRY(Preparada apartar, sesion_.Base().Preparar(SqlDeFila(tabla, claves)));
-    QUIMO_TRY(Preparada escribir,
-              sesion_.Base().Preparar(SqlDeFila(tabla, listo.plan.columnas_escritas)));
+    QUIMO_TRY(const bool apartadas, Apartar(filas));
+    if (!apartadas) return repetida;
+    QUIMO_TRY(const bool escritas, EscribirFilas(filas));
+    if (!escritas) return repetida;
+    QUIMO_TRY_VOID(punto.Confirmar());
+    return std::optional<std::int64_t>(filas.size());
+}
+
+Resultado<std::vector<EscrituraPorPartes::FilaNueva>> EscrituraPorPartes::LeerFilas(
+    Preparada& lectura) {
+    std::vector<FilaNueva> filas;
+    QUIMO_TRY_VOID(sesion_.Base().CadaFila(lectura, [&]() -> Hecho {
+        FilaNueva fila{lectura.Entero(0), {}};
+        for (std::size_t i = 0; i < plan_.columnas_escritas.size(); ++i) {
+            fila.valores.push_back(lectura.Leer(static_cast<int>(i) + 1));
+        }
+        filas.push_back(std::move(fila));
+        return {};
+    }));
+    return filas;
+}
+
+/// Gives every row keys that none has, and notes the row's own number when that is one of them.
+Resultado<bool> EscrituraPorPartes::Apartar(std::vector<FilaNueva>& filas) {
+    const Tabla& tabla = *plan_.tabla;
+    const bool mueve_fila =
+        std::find(claves_.begin(), claves_.end(), tabla.ColumnaFila()) != claves_.end();
+    QUIMO_TRY(Preparada apartar, sesion_.Base().Preparar(SqlDeFila(tabla, claves_)));
     std::int64_t numero = 0;
     for (FilaNueva& fila : filas) {
         int lugar = 0;
         ++numero;
-        for (const int c : claves) {
-            apartar.Ligar(++lugar,
-                          DePaso(tabla.columnas[static_cast<std::size_t>(c)].tipo, numero));
-        }
+        for (const int c : claves_)
+            apartar.Ligar(++lugar, DePaso(TipoDe(tabla, c), numero));
         apartar.Ligar(++lugar, fila.fila);
-        if (const int codigo = apartar.Paso(); codigo != SQLITE_DONE) return SinPartes(codigo);
-        apartar.Reiniciar();
+        QUIMO_TRY(const bool hecha, Paso(apartar));
+        if (!hecha) return false;
         if (mueve_fila) fila.fila = kDePaso + numero;
     }
+    return true;
+}
+
+Resultado<bool> EscrituraPorPartes::EscribirFilas(const std::vector<FilaNueva>& filas) {
+    QUIMO_TRY(Preparada escribir,
+              sesion_.Base().Preparar(SqlDeFila(*plan_.tabla, plan_.columnas_escritas)));
     for (const FilaNueva& fila : filas) {
         int lugar = 0;
         for (const Valor& valor : fila.valores)
             escribir.Ligar(++lugar, valor);
         escribir.Ligar(++lugar, fila.fila);
-        if (const int codigo = escribir.Paso(); codigo != SQLITE_DONE) return SinPartes(codigo);
-        escribir.Reiniciar();
+        QUIMO_TRY(const bool hecha, Paso(escribir));
+        if (!hecha) return false;
     }
-    apartar = Preparada();
-    escribir = Preparada();
-    QUIMO_TRY_VOID(punto.Confirmar());
-    filas_por_partes_ = static_cast<std::int64_t>(filas.size());
     return true;
+}
+
+/// False when a constraint refuses it.
+Resultado<bool> EscrituraPorPartes::Paso(Preparada& sentencia) {
+    const int codigo = sentencia.Paso();
+    if (codigo == SQLITE_DONE) {
+        sentencia.Reiniciar();
+        return true;
+    }
+    if ((codigo & 0xFF) == SQLITE_CONSTRAINT) return false;
+    return sesion_.Base().Fallo(codigo);
 }
 
 }  // namespace quimo::data::embebido

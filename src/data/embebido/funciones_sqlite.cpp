@@ -4,6 +4,7 @@
 
 #include <sqlite3.h>
 
+#include "data/embebido/errores_motor.h"
 #include "tsql/valores/decimales.h"
 #include "tsql/valores/texto.h"
 
@@ -135,7 +136,7 @@ std::unique_ptr<Estado> Soltar(sqlite3_context* sitio) {
 void PasoUnico(sqlite3_context* sitio, int /*cuantos*/, sqlite3_value** valores) {
     Estado* estado = EstadoDe(sitio, true);
     if (estado == nullptr) return;
-    if (estado->hay) Fallar(sitio, Contexto(sitio), tsql::CrearError(512));
+    if (estado->hay) Fallar(sitio, Contexto(sitio), MasDeUnValor());
     estado->hay = true;
     estado->valor = DeMotor(valores[0]);
 }
@@ -160,7 +161,7 @@ void PasoSuma(sqlite3_context* sitio, int /*cuantos*/, sqlite3_value** valores) 
     estado->hay = true;
     if (__builtin_add_overflow(estado->suma, numero, &estado->suma) ||
         tsql::ContarCifras(estado->suma) > tsql::kDigitosMaximos) {
-        Fallar(sitio, Contexto(sitio), tsql::CrearError(8115, "expression", "numeric"));
+        Fallar(sitio, Contexto(sitio), tsql::Desbordamiento("expression", "numeric"));
     }
 }
 

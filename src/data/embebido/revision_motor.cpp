@@ -2,12 +2,11 @@
 
 #include <algorithm>
 
+#include "data/embebido/errores_motor.h"
+
 namespace quimo::data::embebido {
 
 namespace {
-
-constexpr int kOcupada = 1222;
-constexpr int kSinMemoria = 701;
 
 /// What the engine says of one table in one way, however often.
 struct Queja {
@@ -116,7 +115,7 @@ private:
     }
 
     static Hecho SiSePuedeSeguir(const ErrorSql& error) {
-        if (error.nativo == kOcupada || error.nativo == kSinMemoria) return error;
+        if (EsBaseOcupada(error) || EsSinMemoria(error)) return error;
         return {};
     }
 

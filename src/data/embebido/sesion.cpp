@@ -4,28 +4,11 @@
 
 #include <QFileInfo>
 
+#include "data/embebido/errores_motor.h"
 #include "tsql/valores/fechas.h"
 #include "tsql/valores/texto.h"
 
 namespace quimo::data::embebido {
-
-namespace {
-
-constexpr std::size_t kLotesRecordados = 512;
-
-ErrorSql SinTransaccion() {
-    ErrorSql error = tsql::CrearError(3903);
-    error.nativo = 628;
-    error.mensaje = "Cannot issue SAVE TRANSACTION when there is no active transaction.";
-    return error;
-}
-
-bool MismoValor(const Valor& a, const Valor& b) {
-    return a.forma == b.forma && a.exacto == b.exacto && a.texto == b.texto && !(a.real < b.real) &&
-           !(b.real < a.real);
-}
-
-}  // namespace
 
 std::int64_t AMilisegundos(const QDateTime& fecha) {
     const QDateTime origen(QDate(1900, 1, 1), QTime(0, 0), Qt::UTC);
@@ -46,19 +29,13 @@ Hecho Sesion::Abrir(const std::string& archivo, bool crear) {
     if (!hecho) {
         const ErrorSql causa = hecho.error();
         Cerrar();
-        if (causa.nativo == 1222) return causa;
-        ErrorSql error = tsql::CrearError(4060, archivo);
-        error.mensaje += " " + causa.mensaje;
-        return error;
+        return EsBaseOcupada(causa) ? causa : BaseNoAbre(archivo, causa.mensaje);
     }
     return {};
 }
 
 void Sesion::Cerrar() {
-    por_forma_.clear();
-    por_texto_.clear();
-    recordados_.clear();
-    modulos_.clear();
+    textos_.Olvidar();
     catalogo_.Cerrar();
     candados_.Cerrar();
     estado_.transacciones = 0;
@@ -93,7 +70,7 @@ void Sesion::Conciliar() {
 }
 
 Hecho Sesion::Confirmar() {
-    if (estado_.transacciones == 0) return tsql::CrearError(3902);
+    if (estado_.transacciones == 0) return SinTransaccionQueConfirmar();
     if (estado_.transacciones > 1) {
         --estado_.transacciones;
         return {};
@@ -112,7 +89,7 @@ Hecho Sesion::Confirmar() {
 }
 
 Hecho Sesion::Revertir(const std::string& nombre) {
-    if (estado_.transacciones == 0) return tsql::CrearError(3903);
+    if (estado_.transacciones == 0) return SinTransaccionQueRevertir();
     if (nombre.empty() || tsql::MismoNombre(nombre, nombre_externo_)) {
         auto hecho = base_.Correr("ROLLBACK");
         if (base_.EnTransaccion()) return hecho;
@@ -132,107 +109,15 @@ Hecho Sesion::Revertir(const std::string& nombre) {
         catalogo_.Restaurar(puntos_.back().foto);
         return {};
     }
-    return tsql::CrearError(6401, nombre);
+    return PuntoDesconocido(nombre);
 }
 
 Hecho Sesion::Guardar(const std::string& nombre) {
-    if (estado_.transacciones == 0) return SinTransaccion();
+    if (estado_.transacciones == 0) return SinTransaccionQueGuardar();
     const std::string interno = "q_guardado_" + std::to_string(puntos_.size());
     QUIMO_TRY_VOID(base_.Correr("SAVEPOINT " + interno));
     puntos_.push_back({nombre, interno, catalogo_.Retratar()});
     return {};
-}
-
-bool Sesion::Sirve(const LoteListo& listo, const std::vector<tsql::Literal>& literales) const {
-    if (listo.en_uso || listo.lote.literales.size() != literales.size()) return false;
-    for (std::size_t i = 0; i < literales.size(); ++i) {
-        const tsql::Literal& suya = listo.lote.literales[i];
-        const bool fija = listo.lote.fijos[i];
-        if (fija && !MismoValor(suya.valor, literales[i].valor)) return false;
-        if ((fija || listo.lote.tipos_fijos[i]) && !(suya.tipo == literales[i].tipo)) return false;
-    }
-    return true;
-}
-
-void Sesion::Recordar(const std::string& clave, const std::shared_ptr<LoteListo>& lote) {
-    recordados_.push_front({clave, lote});
-    por_forma_.emplace(clave, recordados_.begin());
-    while (recordados_.size() > kLotesRecordados) {
-        const auto ultimo = std::prev(recordados_.end());
-        const auto [desde, hasta] = por_forma_.equal_range(ultimo->clave);
-        for (auto i = desde; i != hasta; ++i) {
-            if (i->second == ultimo) {
-                por_forma_.erase(i);
-                break;
-            }
-        }
-        recordados_.erase(ultimo);
-    }
-}
-
-Resultado<std::shared_ptr<LoteListo>> Sesion::Leer(const std::string& texto,
-                                                   const std::vector<tsql::Tipo>& tipos) {
-    if (auto listo = LeidoAsi(texto, tipos)) return listo;
-    QUIMO_TRY_VOID(tsql::AnalizarForma(texto, lexico_));
-    std::string& clave = lexico_.forma;
-    for (const tsql::Tipo& tipo : tipos)
-        clave += '\2' + std::to_string(tsql::Empaquetar(tipo));
-    const auto [desde, hasta] = por_forma_.equal_range(clave);
-    for (auto i = desde; i != hasta; ++i) {
-        const auto recordado = i->second;
-        if (!Sirve(*recordado->lote, lexico_.literales)) continue;
-        recordados_.splice(recordados_.begin(), recordados_, recordado);
-        recordado->lote->en_uso = true;
-        // Only what comes a second time: the rows of a close are as many texts, each met once.
-        if (recordado->lote->lote.texto == texto) RecordarTexto(recordado->lote);
-        recordado->lote->lote.literales.swap(lexico_.literales);
-        recordado->lote->lote.texto = texto;
-        return recordado->lote;
-    }
-    auto listo = std::make_shared<LoteListo>();
-    QUIMO_TRY(tsql::Lexico lexico, tsql::Analizar(texto));
-    QUIMO_TRY(listo->lote, tsql::LeerLote(texto, std::move(lexico), tsql::Constantes::PorPosicion));
-    listo->tipos_parametros = tipos;
-    listo->en_uso = true;
-    Recordar(clave, listo);
-    return listo;
-}
-
-void Sesion::RecordarTexto(const std::shared_ptr<LoteListo>& lote) {
-    constexpr std::size_t kTextoMaximo = 4096;
-    if (lote->lote.texto.size() > kTextoMaximo) return;
-    if (por_texto_.size() >= 2 * kLotesRecordados) por_texto_.clear();
-    por_texto_.insert_or_assign(lote->lote.texto, lote);
-}
-
-/// The very text again: nothing of it needs to be looked at, not even its constants.
-std::shared_ptr<LoteListo> Sesion::LeidoAsi(const std::string& texto,
-                                            const std::vector<tsql::Tipo>& tipos) {
-    const auto leido = por_texto_.find(texto);
-    if (leido == por_texto_.end()) return nullptr;
-    auto listo = leido->second.lock();
-    // Another text of the same form may have put its own constants there since.
-    if (!listo || listo->en_uso || listo->lote.texto != texto || listo->tipos_parametros != tipos)
-        return nullptr;
-    listo->en_uso = true;
-    return listo;
-}
-
-std::shared_ptr<LoteListo> Sesion::LoteDe(const tsql::ModuloPtr& modulo) {
-    auto& listo = modulos_[modulo.get()];
-    if (!listo) {
-        listo = std::make_shared<LoteListo>();
-        listo->modulo = modulo;
-    }
-    if (!listo->en_uso) {
-        listo->en_uso = true;
-        return listo;
-    }
-    // A procedure inside itself gets plans of its own.
-    auto otro = std::make_shared<LoteListo>();
-    otro->modulo = modulo;
-    otro->en_uso = true;
-    return otro;
 }
 
 std::int64_t Sesion::Ahora() const { return tsql::RedondearFecha(AMilisegundos(reloj_.Ahora())); }
@@ -261,8 +146,6 @@ Valor Sesion::Global(const std::string& nombre) const {
     if (nombre == "USER_NAME" || nombre == "SUSER_SNAME") return Valor::DeTexto("dbo");
     return Valor::DeTexto("QUIMO");
 }
-
-ErrorSql TransaccionDeshecha() { return tsql::CrearError(3998); }
 
 Resultado<PuntoDeSentencia> PuntoDeSentencia::Abrir(Sesion& sesion) {
     const bool propia = !sesion.Base().EnTransaccion();

@@ -1,40 +1,18 @@
 #pragma once
 
-#include <list>
-#include <map>
-#include <memory>
 #include <optional>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "data/embebido/candados.h"
 #include "data/embebido/catalogo_embebido.h"
 #include "data/embebido/funciones_sqlite.h"
+#include "data/embebido/textos_leidos.h"
 #include "data/reloj.h"
 #include "data/sql_connection.h"
 #include "tsql/traduccion/traductor.h"
 
 namespace quimo::data::embebido {
-
-/// A translated statement, ready to run while the definitions that it stands on are the same.
-struct PlanListo {
-    tsql::Plan plan;
-    Preparada sentencia;
-    std::int64_t version = 0;
-    std::int64_t version_modulos = 0;
-    std::int64_t opciones = 0;
-    bool en_uso = false;
-};
-
-/// A text that was read, with the plans of its statements. Kept for the next text of its form.
-struct LoteListo {
-    tsql::Lote lote;
-    tsql::ModuloPtr modulo;  ///< of a procedure or function: owns the statements
-    std::vector<tsql::Tipo> tipos_parametros;
-    std::unordered_map<const void*, PlanListo> planes;
-    bool en_uso = false;
-};
 
 /// What T-SQL keeps from one text to the next.
 struct EstadoSesion {
@@ -64,6 +42,7 @@ public:
     ContextoFunciones& Contexto() { return contexto_; }
     EstadoSesion& Estado() { return estado_; }
     Candados& Cerrojos() { return candados_; }
+    TextosLeidos& Textos() { return textos_; }
     const std::string& NombreBase() const { return nombre_base_; }
 
     // Transactions, nested as T-SQL nests them. One that could not be confirmed is over: rolled
@@ -80,12 +59,6 @@ public:
     /// over here too, with its savepoints and definitions. To be called after every statement.
     void Conciliar();
 
-    /// A text of this form that was read before and serves these constants too; a new one
-    /// otherwise. It is marked as in use.
-    Resultado<std::shared_ptr<LoteListo>> Leer(const std::string& texto,
-                                               const std::vector<tsql::Tipo>& tipos_parametros);
-    std::shared_ptr<LoteListo> LoteDe(const tsql::ModuloPtr& modulo);
-
     /// Value of @@ROWCOUNT, GETDATE and the other slots that the session fills.
     Valor Global(const std::string& nombre) const;
     std::int64_t Ahora() const;
@@ -98,16 +71,7 @@ private:
         std::string interno;
         CatalogoEmbebido::Foto foto;
     };
-    struct Recordado {
-        std::string clave;
-        std::shared_ptr<LoteListo> lote;
-    };
     void Olvidar();
-    std::shared_ptr<LoteListo> LeidoAsi(const std::string& texto,
-                                        const std::vector<tsql::Tipo>& tipos);
-    bool Sirve(const LoteListo& listo, const std::vector<tsql::Literal>& literales) const;
-    void RecordarTexto(const std::shared_ptr<LoteListo>& lote);
-    void Recordar(const std::string& clave, const std::shared_ptr<LoteListo>& lote);
 
     const Reloj& reloj_;
     ContextoFunciones contexto_;  // outlives the file: functions point to it
@@ -121,15 +85,8 @@ private:
     std::vector<Punto> puntos_;
     std::uint64_t numero_transaccion_ = 0;
     mutable std::optional<std::int64_t> hora_;  ///< read when a statement first asks
-    tsql::Lexico lexico_;                       ///< of the text at hand; kept for its memory
-    std::list<Recordado> recordados_;
-    std::unordered_multimap<std::string, std::list<Recordado>::iterator> por_forma_;
-    std::unordered_map<std::string, std::weak_ptr<LoteListo>> por_texto_;
-    std::map<const tsql::CrearModulo*, std::shared_ptr<LoteListo>> modulos_;
+    TextosLeidos textos_;                       // its plans are statements of the file
 };
-
-/// The failure that tells that a transaction was ended by what went wrong in it.
-ErrorSql TransaccionDeshecha();
 
 /// Undoes what one statement did unless Confirmar was reached: a savepoint inside a transaction, a
 /// transaction of its own outside. What cannot be undone alone goes with the whole transaction.

@@ -6,6 +6,7 @@
 #include <QUuid>
 
 #include "data/embebido/sesion.h"
+#include "data/fallos.h"
 #include "tsql/valores/conversion.h"
 #include "tsql/valores/decimales.h"
 
@@ -16,11 +17,6 @@ namespace {
 using tsql::Clase;
 using tsql::Tipo;
 using tsql::Valor;
-
-// What a driver puts before each description; who shows a message of RAISERROR takes it off.
-constexpr QLatin1String kPrefijo("[Microsoft][ODBC SQL Server Driver][SQL Server]");
-static_assert(kPrefijo.size() == 47);
-constexpr QLatin1String kOrigen("QUIMO embebido");
 
 constexpr auto kTipos = std::to_array<TipoSql>({
     TipoSql::Int,        TipoSql::Binary,        TipoSql::VarBinary, TipoSql::Char,
@@ -112,18 +108,13 @@ std::optional<ValorConTipo> DeVariante(const QVariant& v) {
 }
 
 ErrorProveedor AProveedor(const tsql::ErrorSql& error) {
-    return {AQString(error.sqlstate), error.nativo, kOrigen, kPrefijo + AQString(error.mensaje)};
+    return {AQString(error.sqlstate), error.nativo, kOrigen.toString(),
+            kPrefijoDelServidor + AQString(error.mensaje)};
 }
 
 FalloSql AFallo(const tsql::ErrorSql& error) {
-    FalloSql fallo;
-    fallo.numero = FalloSql::kSentencia;
-    if (error.sqlstate.starts_with("23")) fallo.numero = FalloSql::kIntegridad;
-    if (error.sqlstate == "08004" || error.sqlstate == "HYT00") {
-        fallo.numero = FalloSql::kServidorAusente;
-    }
-    fallo.errores.append(AProveedor(error));
-    return fallo;
+    ErrorProveedor primero = AProveedor(error);
+    return {ClaseDeFallo(primero.sqlstate), {std::move(primero)}};
 }
 
 }  // namespace quimo::data::embebido

@@ -25,6 +25,9 @@ tsql::Resultado<QVariant> AVariante(const tsql::Valor& valor, const tsql::Tipo& 
 /// A parameter of a call; nothing for a kind of value that the interface does not name.
 std::optional<ValorConTipo> DeVariante(const QVariant& variante);
 
+/// Who failures of the engine are told to come from.
+constexpr QStringView kOrigen = u"QUIMO embebido";
+
 ErrorProveedor AProveedor(const tsql::ErrorSql& error);
 /// The failure of an operation, with its first error.
 FalloSql AFallo(const tsql::ErrorSql& error);

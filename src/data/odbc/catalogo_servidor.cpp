@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "data/odbc/diagnostico.h"
+#include "data/odbc/fallos_odbc.h"
 #include "data/valores.h"
 
 using namespace Qt::StringLiterals;
@@ -117,13 +117,7 @@ base::Result<DefinicionTabla, FalloSql> LeerDefinicion(const QString& tabla,
             definicion.columnas.append(columna);
         }
     }
-    if (definicion.columnas.isEmpty()) {
-        constexpr int kSinObjeto = 208;
-        const QString estado = u"42S02"_s;
-        return FalloPropio(FalloSql::kSentencia, estado, kSinObjeto,
-                           ConPrefijoComun(u"[SQL Server]Invalid object name '%1'."_s.arg(tabla),
-                                           estado, kSinObjeto));
-    }
+    if (definicion.columnas.isEmpty()) return TablaDesconocida(tabla);
     // A temporary table's full name holds a number of its own: it is known by the short one.
     if (tabla.contains(u'#')) definicion.nombre = tabla.section(u'.', -1).remove(u'[').remove(u']');
     definicion.clave = clave.values();

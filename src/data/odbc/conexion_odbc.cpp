@@ -5,9 +5,10 @@
 
 #include <QRegularExpression>
 
+#include "data/fallos.h"
 #include "data/odbc/catalogo_servidor.h"
-#include "data/odbc/diagnostico.h"
 #include "data/odbc/enlace.h"
+#include "data/odbc/fallos_odbc.h"
 
 using namespace Qt::StringLiterals;
 
@@ -15,14 +16,7 @@ namespace quimo::data::odbc {
 
 namespace {
 
-FalloSql Cerrada() {
-    return FalloPropio(FalloSql::kConexionCerrada, u"08003"_s, 0, u"La conexión está cerrada."_s);
-}
-
-FalloSql TransaccionPerdida() {
-    return FalloPropio(FalloSql::kConexionPerdida, u"08S01"_s, 0,
-                       u"La transacción se perdió con la conexión: nada de ella quedó guardado."_s);
-}
+FalloSql Cerrada() { return ConexionCerrada(u"QUIMO"); }
 
 /// Whether the number of open transactions may be another after the text.
 bool HablaDeTransacciones(const QString& tsql) {
@@ -46,9 +40,6 @@ bool TerminaYEmpieza(const QString& tsql) {
                                                QRegularExpression::CaseInsensitiveOption);
     return tsql.contains(kFin) && tsql.contains(kPrincipio);
 }
-
-/// There is no savepoint of that name.
-constexpr int kSinPuntoDeRetorno = 6401;
 
 /// The statements in one text that stops at the first failure and tells its end with their number.
 QString TextoDeGrupo(const QStringList& sentencias, const QString& punto) {
@@ -109,7 +100,7 @@ public:
         }
         RespuestaSql deshecho = Correr(u"ROLLBACK TRANSACTION "_s + punto, {}, false);
         // A text that the server could not even read did not get to its savepoint.
-        if (deshecho.fallo && deshecho.fallo->Nativo() != kSinPuntoDeRetorno) {
+        if (deshecho.fallo && !EsPuntoDesconocido(*deshecho.fallo)) {
             deshecho.resultados.clear();
             return deshecho;
         }
@@ -233,16 +224,8 @@ base::Result<std::unique_ptr<SqlConnection>, FalloSql> AbrirOdbc(const DatosCone
                                                                  const OpcionesOdbc& opciones,
                                                                  const FrasesDeSesion& frases) {
     // A driver would take another server or database for the one that is missing.
-    constexpr int kServidorNoHallado = 6;
-    constexpr int kSinBaseDeDatos = 4060;
-    if (datos.servidor.trimmed().isEmpty()) {
-        return FalloPropio(FalloSql::kServidorAusente, u"08001"_s, kServidorNoHallado,
-                           u"Falta el nombre del servidor."_s);
-    }
-    if (datos.base_de_datos.trimmed().isEmpty()) {
-        return FalloPropio(FalloSql::kServidorAusente, u"08004"_s, kSinBaseDeDatos,
-                           u"Falta el nombre de la base de datos."_s);
-    }
+    if (datos.servidor.trimmed().isEmpty()) return ServidorSinNombre();
+    if (datos.base_de_datos.trimmed().isEmpty()) return BaseSinNombre();
     auto conexion = std::make_unique<ConexionOdbc>(datos, opciones, frases);
     QUIMO_TRY_VOID(conexion->Abrir());
     return std::unique_ptr<SqlConnection>(std::move(conexion));

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "data/odbc/diagnostico.h"
+#include "data/odbc/fallos_odbc.h"
 
 using namespace Qt::StringLiterals;
 
@@ -37,10 +37,7 @@ public:
 
     base::Result<QString, FalloSql> Terminado() const {
         if (imposible_.isEmpty()) return texto_;
-        // The value is not told: it may be the password.
-        return FalloPropio(FalloSql::kSentencia, u"HY000"_s, -1,
-                           u"El controlador ODBC no admite el valor de "_s + imposible_ +
-                               u": contiene signos que no se pueden escribir en la conexión."_s);
+        return ValorNoSeEscribe(imposible_);
     }
 
 private:

@@ -5,20 +5,22 @@
 
 #include <QRegularExpression>
 
+#include "data/fallos.h"
+#include "data/odbc/fallos_odbc.h"
+
 using namespace Qt::StringLiterals;
 
 namespace quimo::data::odbc {
 
 namespace {
 
-constexpr QLatin1StringView kPrefijo("[Microsoft][ODBC SQL Server Driver][SQL Server]");
-static_assert(kPrefijo.size() == 47);
-
 constexpr int kRegistrosMax = 200;
-constexpr int kServidorNoHallado = 6;
-constexpr int kFuenteNoHallada = 0;
+// Of the server: a login that it refuses, a reference that does not hold.
 constexpr int kLoginRechazado = 18456;
 constexpr int kReferencia = 547;
+// The state that every driver tells a refused login by, and the one that says nothing.
+constexpr QLatin1StringView kLoginNegado("28000");
+constexpr QLatin1StringView kSinDetalle("HY000");
 // FreeTDS numbers what its own side finds from 20000 on.
 constexpr int kFreeTdsDesde = 20000;
 constexpr int kFreeTdsHasta = 20999;
@@ -28,6 +30,11 @@ bool EsDelCliente(int nativo) {
     constexpr int kPrimeroDelServidor = 4000;
     return nativo < kPrimeroDelServidor || (nativo >= kFreeTdsDesde && nativo <= kFreeTdsHasta) ||
            (nativo >= 10000 && nativo < 12000);  // WSA numbers
+}
+
+/// The driver's own text is shown, not that of a data source that does not exist.
+void ConNumero(ErrorProveedor& error) {
+    if (error.nativo == kFuenteNoHallada) error.nativo = kSinNumero;
 }
 
 /// Puts the record first that `cual` picks. False when there is none.
@@ -83,12 +90,13 @@ QString ConPrefijoComun(const QString& descripcion, const QString& sqlstate, int
             u"database \"([^\"]*)\", table \"(?:[^\".]*\\.)?([^\"]*)\""_s);
         texto.replace(kTabla, u"database '\\1', table '\\2'"_s);
     }
-    return kPrefijo + texto;
+    return kPrefijoDelServidor + texto;
 }
 
 bool EsMensaje(const ErrorProveedor& registro) { return registro.sqlstate.startsWith(u"01"_s); }
 
 bool EsConexionPerdida(const QVector<ErrorProveedor>& errores) {
+    // Link down, connection not open, lost while a transaction ended; the server is being stopped.
     static constexpr std::array kEstados = {"08S01"_L1, "08003"_L1, "08007"_L1, "57P01"_L1,
                                             "57P02"_L1};
     // Read failed, write failed, unexpected end, connection dead.
@@ -103,27 +111,19 @@ bool EsConexionPerdida(const QVector<ErrorProveedor>& errores) {
 FalloSql FalloDeSentencia(QVector<ErrorProveedor> errores, bool conexion_perdida) {
     FalloSql fallo;
     if (errores.isEmpty()) {
-        errores.append(
-            {u"HY000"_s, -1, u"ODBC"_s, u"El controlador ODBC falló sin decir por qué."_s});
+        errores.append(SinExplicacion());
     }
     if (!conexion_perdida) {
         // A warning must not pass for the failure, and the server's word comes before the driver's.
         std::stable_partition(errores.begin(), errores.end(),
                               [](const ErrorProveedor& error) { return !EsMensaje(error); });
     }
-    const QString estado = errores.first().sqlstate;
-    fallo.numero = FalloSql::kSentencia;
-    if (conexion_perdida) {
-        fallo.numero = FalloSql::kConexionPerdida;
-    } else if (estado.startsWith(u"23"_s)) {
-        fallo.numero = FalloSql::kIntegridad;
-    } else if (estado == u"HYT00"_s || estado == u"HYT01"_s || estado == u"08001"_s ||
-               estado == u"08004"_s) {
-        fallo.numero = FalloSql::kServidorAusente;
-        if (EsDelCliente(errores.first().nativo)) errores.first().nativo = kServidorNoHallado;
-    } else if (errores.first().nativo == 0) {
-        // 0 would be told as a data source that does not exist: the driver's own text is shown.
-        errores.first().nativo = -1;
+    ErrorProveedor& primero = errores.first();
+    fallo.numero = conexion_perdida ? FalloSql::kConexionPerdida : ClaseDeFallo(primero.sqlstate);
+    if (fallo.numero == FalloSql::kServidorAusente) {
+        if (EsDelCliente(primero.nativo)) primero.nativo = kServidorNoHallado;
+    } else if (fallo.numero == FalloSql::kSentencia) {
+        ConNumero(primero);
     }
     fallo.errores = std::move(errores);
     return fallo;
@@ -137,7 +137,7 @@ FalloSql FalloAlAbrir(QVector<ErrorProveedor> errores) {
         };
     };
     const auto rechazado = [](const ErrorProveedor& error) {
-        return error.sqlstate == u"28000"_s || error.nativo == kLoginRechazado;
+        return error.sqlstate == kLoginNegado || error.nativo == kLoginRechazado;
     };
     const auto del_servidor = [](const ErrorProveedor& error) {
         return !EsMensaje(error) && !EsDelCliente(error.nativo);
@@ -153,7 +153,7 @@ FalloSql FalloAlAbrir(QVector<ErrorProveedor> errores) {
         });
     } else if (Adelantar(errores, rechazado)) {
         fallo.numero = FalloSql::kAccesoNegado;
-        errores.first().sqlstate = u"28000"_s;
+        errores.first().sqlstate = kLoginNegado;
     } else if (Adelantar(errores, del_estado("IM"_L1))) {
         errores.first().nativo = kFuenteNoHallada;
     } else if (Adelantar(errores, del_estado("08"_L1)) ||
@@ -161,20 +161,15 @@ FalloSql FalloAlAbrir(QVector<ErrorProveedor> errores) {
         Adelantar(errores, del_estado("08001"_L1));
         errores.first().nativo = kServidorNoHallado;
     } else if (Adelantar(errores, [](const ErrorProveedor& error) {
-                   return !EsMensaje(error) && error.sqlstate != u"HY000"_s;
+                   return !EsMensaje(error) && error.sqlstate != kSinDetalle;
                })) {
         fallo.numero = FalloSql::kSentencia;
-        if (errores.first().nativo == 0) errores.first().nativo = -1;
+        ConNumero(errores.first());
     } else {
         fallo.numero = FalloSql::kOtroAlAbrir;
     }
     fallo.errores = std::move(errores);
     return fallo;
-}
-
-FalloSql FalloPropio(qint64 numero, const QString& sqlstate, int nativo,
-                     const QString& descripcion) {
-    return {numero, {ErrorProveedor{sqlstate, nativo, u"QUIMO"_s, descripcion}}};
 }
 
 }  // namespace quimo::data::odbc

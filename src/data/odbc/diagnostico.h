@@ -24,10 +24,6 @@ FalloSql FalloDeSentencia(QVector<ErrorProveedor> errores, bool conexion_perdida
 /// The failure of an attempt to connect. The record that tells the kind comes first.
 FalloSql FalloAlAbrir(QVector<ErrorProveedor> errores);
 
-/// A failure found on this side, told in Spanish.
-FalloSql FalloPropio(qint64 numero, const QString& sqlstate, int nativo,
-                     const QString& descripcion);
-
 /// Whether a record is a message (PRINT, a warning) and no error.
 bool EsMensaje(const ErrorProveedor& registro);
 

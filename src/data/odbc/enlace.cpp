@@ -4,6 +4,7 @@
 #include <array>
 
 #include "data/odbc/diagnostico.h"
+#include "data/odbc/fallos_odbc.h"
 #include "data/odbc/lectura.h"
 #include "data/odbc/valores_ligados.h"
 
@@ -55,7 +56,7 @@ QVector<Controlador> ControladoresInstalados(SQLHENV entorno) {
 /// A driver that odbcinst.ini names and whose library is not there is not installed either.
 bool FaltaLaBiblioteca(const QVector<ErrorProveedor>& errores) {
     return std::any_of(errores.begin(), errores.end(), [](const ErrorProveedor& error) {
-        return error.sqlstate == u"IM002"_s || error.sqlstate == u"IM003"_s ||
+        return error.sqlstate == kSinControlador || error.sqlstate == kSinBiblioteca ||
                error.descripcion.contains(u"Can't open lib"_s);
     });
 }
@@ -74,14 +75,10 @@ base::Result<Enlace, FalloSql> Enlace::Abrir(const DatosConexion& datos,
     EntornoOdbc entorno = EntornoOdbc::Crear(nullptr);
     if (!entorno || !SQL_SUCCEEDED(SQLSetEnvAttr(entorno.Crudo(), SQL_ATTR_ODBC_VERSION,
                                                  ComoAtributo(SQL_OV_ODBC3), 0))) {
-        return FalloPropio(FalloSql::kServidorAusente, u"HY001"_s, 0,
-                           u"El administrador de controladores ODBC no responde."_s);
+        return AdministradorSinRespuesta();
     }
     const QStringList nombres = NombresDeControladores(opciones);
-    FalloSql fallo =
-        FalloPropio(FalloSql::kServidorAusente, u"IM002"_s, 0,
-                    u"No hay un controlador ODBC para SQL Server instalado; se buscó: "_s +
-                        nombres.join(u", "_s));
+    FalloSql fallo = SinControladores(nombres);
     for (const Controlador& controlador :
          ElegirControladores(nombres, ControladoresInstalados(entorno.Crudo()))) {
         QUIMO_TRY(const QString texto, TextoDeConexion(controlador, datos, opciones));
@@ -98,7 +95,7 @@ base::Result<Enlace, FalloSql> Enlace::Abrir(const DatosConexion& datos,
         auto errores = LeerDiagnosticos(SQL_HANDLE_DBC, enlace.Crudo(), controlador.nombre);
         TacharClave(errores, datos.clave);
         const bool falta = FaltaLaBiblioteca(errores);
-        if (falta && !errores.isEmpty()) errores.first().sqlstate = u"IM003"_s;
+        if (falta && !errores.isEmpty()) errores.first().sqlstate = kSinBiblioteca;
         fallo = FalloAlAbrir(std::move(errores));
         if (!falta) break;
     }
@@ -201,7 +198,7 @@ void Enlace::LeerConjunto(SQLHSTMT sentencia, RespuestaSql& respuesta) {
         if (rota.motivo.isEmpty()) {
             Fallar(LeerDiagnosticos(SQL_HANDLE_STMT, sentencia, origen_), respuesta);
         } else {
-            Fallar({{u"22018"_s, -1, origen_, rota.motivo}}, respuesta);
+            Fallar({ValorIlegible(origen_, rota.motivo)}, respuesta);
         }
     };
     Conjunto conjunto;

@@ -8,6 +8,7 @@
 #include <QUuid>
 
 #include "data/odbc/diagnostico.h"
+#include "data/odbc/fallos_odbc.h"
 #include "data/valores.h"
 
 using namespace Qt::StringLiterals;
@@ -182,12 +183,7 @@ base::Result<void, FalloSql> ValoresLigados::Ligar(SQLHSTMT sentencia,
     for (const QVariant& valor : valores) {
         ++numero;
         auto forma = FormaDe(valor);
-        if (!forma) {
-            constexpr int kConversionNoAdmitida = 257;
-            return FalloPropio(FalloSql::kSentencia, u"22018"_s, kConversionNoAdmitida,
-                               u"Un valor de tipo %1 no se puede enviar a la base de datos."_s.arg(
-                                   QString::fromLatin1(valor.typeName())));
-        }
+        if (!forma) return ParametroSinTipo(valor.typeName());
         Ligado& ligado = ligados_.emplace_back();
         ligado.bytes = std::move(forma->bytes);
         ligado.indicador =

@@ -2,7 +2,7 @@
 
 #include <cerrno>
 #include <chrono>
-#include <cstdio>
+#include <string>
 #include <thread>
 #include <utility>
 
@@ -16,6 +16,7 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include "base/descriptor.h"
 #include "base/sha256.h"
 
 using namespace Qt::StringLiterals;
@@ -27,40 +28,26 @@ namespace {
 constexpr qsizetype kTrozo = 1 << 18;
 constexpr std::chrono::milliseconds kTic{20};  // longer than that of any kernel
 
+std::string Nativa(const QString& ruta) { return QFile::encodeName(ruta).toStdString(); }
+
+using Abierto = base::Result<base::Descriptor, base::FalloSistema>;
+
+Abierto Abrir(const QByteArray& nombre, int modo) {
+    base::Descriptor abierto(::open(nombre.constData(), modo | O_CLOEXEC));
+    if (abierto.Fd() < 0) return base::FalloSistema{errno};
+    return abierto;
+}
+
 /// What is neither file nor folder is refused unopened: a pipe would wait for its writer for ever.
-int AbrirParaLeer(const QString& ruta) {
+Abierto AbrirParaLeer(const QString& ruta) {
     const QByteArray nombre = QFile::encodeName(ruta);
     struct stat cual {};
     if (::stat(nombre.constData(), &cual) == 0 && !S_ISREG(cual.st_mode) &&
         !S_ISDIR(cual.st_mode)) {
-        errno = EISDIR;
-        return -1;
+        return base::FalloSistema{EISDIR};
     }
-    return ::open(nombre.constData(), O_RDONLY | O_CLOEXEC);
+    return Abrir(nombre, O_RDONLY);
 }
-
-class Descriptor {
-public:
-    explicit Descriptor(int fd) : fd_(fd), error_(fd_ < 0 ? errno : 0) {}
-    Descriptor(const QString& ruta, int modo, mode_t permisos = 0)
-        : Descriptor(::open(QFile::encodeName(ruta).constData(), modo | O_CLOEXEC, permisos)) {}
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor() { static_cast<void>(Cerrar()); }
-    int Fd() const { return fd_; }
-    int Error() const { return error_; }
-    /// 0, or the errno: a network file may refuse its last bytes only here.
-    int Cerrar() {
-        if (fd_ < 0) return 0;
-        const int fallo = ::close(fd_) != 0 ? errno : 0;
-        fd_ = -1;
-        return fallo;
-    }
-
-private:
-    int fd_;
-    int error_;
-};
 
 /// True when another process holds a lock that `tipo` (F_RDLCK, F_WRLCK) would wait for.
 bool HayCandado(int fd, short tipo) {
@@ -73,17 +60,6 @@ bool HayCandado(int fd, short tipo) {
 /// A shared lock of our own while a file is read. False when somebody holds an exclusive one; file
 /// systems without such locks are read as they are.
 bool TomarCompartido(int fd) { return ::flock(fd, LOCK_SH | LOCK_NB) == 0 || errno != EWOULDBLOCK; }
-
-int EscribirTodo(int fd, const char* datos, qsizetype bytes) {
-    while (bytes > 0) {
-        const ssize_t escritos = ::write(fd, datos, static_cast<std::size_t>(bytes));
-        if (escritos < 0 && errno == EINTR) continue;
-        if (escritos < 0) return errno;
-        datos += escritos;
-        bytes -= escritos;
-    }
-    return 0;
-}
 
 /// The same size and time of change.
 bool SonIguales(const struct stat& uno, const struct stat& otro) {
@@ -98,18 +74,16 @@ bool AcabaDeCambiar(const struct stat& estado) {
     return pasado >= std::chrono::nanoseconds::zero() && pasado < kTic;
 }
 
-/// Hands the rest of an open file to a sink; how many bytes it was.
-ResultadoArchivo<qint64> LeerTodo(int fd, const QString& ruta, Disco disco,
-                                  const Sumidero& sumidero) {
+/// Hands the rest of an open file to a sink.
+ResultadoArchivo<void> LeerTodo(int fd, const QString& ruta, Disco disco,
+                                const Sumidero& sumidero) {
     QByteArray trozo(kTrozo, Qt::Uninitialized);
-    qint64 total = 0;
     while (true) {
         const ssize_t leidos = ::read(fd, trozo.data(), static_cast<std::size_t>(trozo.size()));
         if (leidos < 0 && errno == EINTR) continue;
         if (leidos < 0) return FalloEnDisco(disco, errno, ruta);
-        if (leidos == 0) return total;
+        if (leidos == 0) return {};
         QUIMO_TRY_VOID(sumidero(trozo.constData(), leidos));
-        total += leidos;
     }
 }
 
@@ -120,25 +94,30 @@ public:
 
     ResultadoArchivo<void> Revisar(Candados candados) {
         disco_ = candados == Candados::Ignorar ? Disco::Propio : Disco::Terminal;
-        if (archivo_.Fd() < 0) return FalloEnDisco(disco_, archivo_.Error(), ruta_);
+        if (!archivo_) return FalloEnDisco(disco_, archivo_.error().error, ruta_);
         if (candados == Candados::Respetar &&
-            (HayCandado(archivo_.Fd(), F_RDLCK) || !TomarCompartido(archivo_.Fd()))) {
+            (HayCandado(archivo_->Fd(), F_RDLCK) || !TomarCompartido(archivo_->Fd()))) {
             return FalloDeNumero(FalloArchivo::kPermisoDenegado, ruta_);
         }
-        if (::fstat(archivo_.Fd(), &antes_) != 0) return FalloEnDisco(disco_, errno, ruta_);
+        if (::fstat(archivo_->Fd(), &antes_) != 0) return FalloEnDisco(disco_, errno, ruta_);
         // Times move in ticks: a sale within the tick of the one before would not be seen.
         if (candados == Candados::Respetar && AcabaDeCambiar(antes_)) {
             std::this_thread::sleep_for(kTic);
-            if (::fstat(archivo_.Fd(), &antes_) != 0) return FalloEnDisco(disco_, errno, ruta_);
+            if (::fstat(archivo_->Fd(), &antes_) != 0) return FalloEnDisco(disco_, errno, ruta_);
         }
         if (!S_ISREG(antes_.st_mode)) return FalloDeErrno(EISDIR, ruta_);
         return {};
     }
 
     ResultadoArchivo<void> Recorrer(const Sumidero& sumidero) const {
-        QUIMO_TRY(const qint64 total, LeerTodo(archivo_.Fd(), ruta_, disco_, sumidero));
+        qint64 total = 0;
+        QUIMO_TRY_VOID(LeerTodo(archivo_->Fd(), ruta_, disco_,
+                                [&](const char* datos, qsizetype bytes) -> ResultadoArchivo<void> {
+                                    total += bytes;
+                                    return sumidero(datos, bytes);
+                                }));
         struct stat despues {};
-        if (::fstat(archivo_.Fd(), &despues) != 0) return FalloEnDisco(disco_, errno, ruta_);
+        if (::fstat(archivo_->Fd(), &despues) != 0) return FalloEnDisco(disco_, errno, ruta_);
         if (total != antes_.st_size || !SonIguales(antes_, despues))
             return FalloDeNumero(FalloArchivo::kPermisoDenegado, ruta_);
         return {};
@@ -146,7 +125,7 @@ public:
 
 private:
     QString ruta_;
-    Descriptor archivo_;
+    Abierto archivo_;
     Disco disco_ = Disco::Propio;
     struct stat antes_ {};
 };
@@ -164,44 +143,42 @@ bool EsMontajeSmb(int fd) {
 /// The file that is about to be replaced, locked for us alone from `Tomar` on.
 class Retenido {
 public:
-    explicit Retenido(const QString& ruta) : ruta_(ruta), archivo_(ruta, O_RDWR) {}
+    explicit Retenido(const QString& ruta)
+        : ruta_(ruta), archivo_(Abrir(QFile::encodeName(ruta), O_RDWR)) {}
 
     ResultadoArchivo<void> Tomar() {
-        if (archivo_.Fd() < 0) {
-            return archivo_.Error() == ENOENT ? Cambiado() : FalloDeErrno(archivo_.Error(), ruta_);
+        if (!archivo_) {
+            const int error = archivo_.error().error;
+            return error == ENOENT ? Cambiado() : FalloDeErrno(error, ruta_);
         }
-        montado_ = EsMontajeSmb(archivo_.Fd());
+        montado_ = EsMontajeSmb(archivo_->Fd());
         // Over SMB both kinds are one, and the second would wait for the first.
-        if (!montado_ && ::flock(archivo_.Fd(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK)
+        if (!montado_ && ::flock(archivo_->Fd(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK)
             return FalloDeNumero(FalloArchivo::kPermisoDenegado, ruta_);
         struct flock candado {};
         candado.l_type = F_WRLCK;
         candado.l_whence = SEEK_SET;
-        if (::fcntl(archivo_.Fd(), F_OFD_SETLK, &candado) != 0 &&
+        if (::fcntl(archivo_->Fd(), F_OFD_SETLK, &candado) != 0 &&
             (errno == EAGAIN || errno == EACCES)) {
             return FalloDeNumero(FalloArchivo::kPermisoDenegado, ruta_);
         }
-        if (::fstat(archivo_.Fd(), &tomado_) != 0) return FalloDeErrno(errno, ruta_);
+        if (::fstat(archivo_->Fd(), &tomado_) != 0) return FalloDeErrno(errno, ruta_);
         return {};
     }
 
     ResultadoArchivo<QString> Sha256() const {
-        base::Sha256 resumen;
-        QUIMO_TRY(const qint64 bytes,
-                  LeerTodo(archivo_.Fd(), ruta_, Disco::Terminal,
-                           [&](const char* datos, qsizetype cuantos) -> ResultadoArchivo<void> {
-                               resumen.Agregar(datos, static_cast<std::size_t>(cuantos));
-                               return {};
-                           }));
-        if (bytes != tomado_.st_size) return Cambiado();
-        return QString::fromStdString(resumen.Terminar());
+        QUIMO_TRY(const Copiado leido, Resumir([&](const Sumidero& sumidero) {
+                      return LeerTodo(archivo_->Fd(), ruta_, Disco::Terminal, sumidero);
+                  }));
+        if (leido.bytes != tomado_.st_size) return Cambiado();
+        return leido.sha256;
     }
 
     /// `kCambiado` unless the file still is what it was when it was taken, and still has its name.
     ResultadoArchivo<void> ExigirIntacto() {
         struct stat ahora {};
         // A computer that speaks SMB does not let anybody replace a file that is open, not even us.
-        if (montado_ && archivo_.Cerrar() != 0) return FalloDeErrno(EIO, ruta_);
+        if (montado_ && archivo_->Cerrar() != 0) return FalloDeErrno(EIO, ruta_);
         if (::stat(QFile::encodeName(ruta_).constData(), &ahora) != 0) return Cambiado();
         const bool mismo = montado_ || ahora.st_ino == tomado_.st_ino;
         return mismo && SonIguales(ahora, tomado_) ? ResultadoArchivo<void>() : Cambiado();
@@ -211,7 +188,7 @@ private:
     FalloArchivo Cambiado() const { return FalloDeNumero(FalloArchivo::kCambiado, ruta_); }
 
     QString ruta_;
-    Descriptor archivo_;
+    Abierto archivo_;
     bool montado_ = false;
     struct stat tomado_ {};
 };
@@ -224,34 +201,20 @@ FalloArchivo FalloAlCrear(Disco disco, int error, const QString& destino) {
 
 }  // namespace
 
-ArchivoNuevo::ArchivoNuevo(ArchivoNuevo&& otro) noexcept
-    : destino_(std::move(otro.destino_)),
-      parcial_(std::exchange(otro.parcial_, QString())),
-      disco_(otro.disco_),
-      contenido_(std::move(otro.contenido_)) {}
-
-ArchivoNuevo::~ArchivoNuevo() {
-    if (!parcial_.isEmpty()) ::unlink(QFile::encodeName(parcial_).constData());
-}
-
 ResultadoArchivo<ArchivoNuevo> ArchivoNuevo::Escribir(const QString& destino,
                                                       const Productor& producir, Disco disco) {
-    const QString parcial = destino + u".parcial"_s;
-    Descriptor salida(parcial, O_WRONLY | O_CREAT | O_TRUNC, 0644);
-    if (salida.Fd() < 0) return FalloAlCrear(disco, salida.Error(), destino);
-    ArchivoNuevo nuevo(destino, parcial, disco);
-    base::Sha256 resumen;
-    QUIMO_TRY_VOID(producir([&](const char* datos, qsizetype bytes) -> ResultadoArchivo<void> {
-        resumen.Agregar(datos, static_cast<std::size_t>(bytes));
-        nuevo.contenido_.bytes += bytes;
-        const int fallo = EscribirTodo(salida.Fd(), datos, bytes);
-        if (fallo != 0) return FalloEnDisco(disco, fallo, destino);
-        return {};
-    }));
-    if (::fsync(salida.Fd()) != 0) return FalloEnDisco(disco, errno, destino);
-    const int al_cerrar = salida.Cerrar();
-    if (al_cerrar != 0) return FalloEnDisco(disco, al_cerrar, destino);
-    nuevo.contenido_.sha256 = QString::fromStdString(resumen.Terminar());
+    auto creado = base::Reemplazo::Crear(Nativa(destino), Nativa(destino + u".parcial"_s),
+                                         base::Reemplazo::Restos::Pisar, 0644);
+    if (!creado) return FalloAlCrear(disco, creado.error().error, destino);
+    ArchivoNuevo nuevo(destino, disco, std::move(creado).value());
+    QUIMO_TRY(nuevo.contenido_,
+              Resumir([&](const Sumidero& sumidero) { return producir(sumidero); },
+                      [&](const char* datos, qsizetype bytes) {
+                          return nuevo.Segun(
+                              nuevo.nuevo_.Escribir(datos, static_cast<std::size_t>(bytes)));
+                      }));
+    QUIMO_TRY_VOID(nuevo.Segun(nuevo.nuevo_.Asegurar()));
+    QUIMO_TRY_VOID(nuevo.Segun(nuevo.nuevo_.Cerrar()));
     return nuevo;
 }
 
@@ -263,24 +226,23 @@ ResultadoArchivo<ArchivoNuevo> ArchivoNuevo::CopiaDe(const QString& origen, cons
         destino, [&](const Sumidero& sumidero) { return entrada.Recorrer(sumidero); }, disco);
 }
 
-ResultadoArchivo<void> ArchivoNuevo::Colocar() {
-    QUIMO_TRY_VOID(Renombrar(parcial_, destino_, disco_));
-    parcial_.clear();
+ResultadoArchivo<void> ArchivoNuevo::Segun(
+    const base::Result<void, base::FalloSistema>& hecho) const {
+    if (!hecho) return FalloEnDisco(disco_, hecho.error().error, destino_);
     return {};
 }
 
+ResultadoArchivo<void> ArchivoNuevo::Colocar() {
+    QUIMO_TRY_VOID(Segun(nuevo_.Colocar()));
+    return AsentarNombre(destino_, disco_);
+}
+
 ResultadoArchivo<void> ArchivoNuevo::ColocarSiFalta() {
-    if (::renameat2(AT_FDCWD, QFile::encodeName(parcial_).constData(), AT_FDCWD,
-                    QFile::encodeName(destino_).constData(), RENAME_NOREPLACE) == 0) {
-        parcial_.clear();
-        return AsentarNombre(destino_, disco_);
-    }
-    if (errno == EEXIST) return FalloDeNumero(FalloArchivo::kCambiado, destino_);
-    // A file system that cannot tell: most network ones.
-    if (errno != EINVAL && errno != ENOSYS && errno != ENOTSUP)
-        return FalloEnDisco(disco_, errno, destino_);
-    if (QFileInfo::exists(destino_)) return FalloDeNumero(FalloArchivo::kCambiado, destino_);
-    return Colocar();
+    const auto colocado = nuevo_.ColocarSiFalta();
+    if (!colocado && colocado.error().error == EEXIST)
+        return FalloDeNumero(FalloArchivo::kCambiado, destino_);
+    QUIMO_TRY_VOID(Segun(colocado));
+    return AsentarNombre(destino_, disco_);
 }
 
 ResultadoArchivo<void> ArchivoNuevo::ColocarSi(
@@ -292,6 +254,18 @@ ResultadoArchivo<void> ArchivoNuevo::ColocarSi(
     if (resumen != sha256) return FalloDeNumero(FalloArchivo::kCambiado, destino_);
     QUIMO_TRY_VOID(presente.ExigirIntacto());
     return Colocar();
+}
+
+ResultadoArchivo<Copiado> Resumir(const Productor& producir, const Sumidero& sumidero) {
+    base::Sha256 resumen;
+    Copiado pasado;
+    QUIMO_TRY_VOID(producir([&](const char* datos, qsizetype bytes) -> ResultadoArchivo<void> {
+        resumen.Agregar(datos, static_cast<std::size_t>(bytes));
+        pasado.bytes += bytes;
+        return sumidero ? sumidero(datos, bytes) : ResultadoArchivo<void>();
+    }));
+    pasado.sha256 = QString::fromStdString(resumen.Terminar());
+    return pasado;
 }
 
 ArchivoTemporal::~ArchivoTemporal() { QFile::remove(ruta_); }
@@ -326,13 +300,9 @@ ResultadoArchivo<void> EscribirEntero(const QString& destino, const QByteArray& 
 }
 
 ResultadoArchivo<QString> Sha256DeArchivo(const QString& ruta) {
-    base::Sha256 resumen;
-    QUIMO_TRY_VOID(
-        RecorrerArchivo(ruta, [&](const char* datos, qsizetype bytes) -> ResultadoArchivo<void> {
-            resumen.Agregar(datos, static_cast<std::size_t>(bytes));
-            return {};
-        }));
-    return QString::fromStdString(resumen.Terminar());
+    QUIMO_TRY(const Copiado leido,
+              Resumir([&](const Sumidero& sumidero) { return RecorrerArchivo(ruta, sumidero); }));
+    return leido.sha256;
 }
 
 ResultadoArchivo<void> CrearCarpeta(const QString& ruta) {
@@ -348,22 +318,16 @@ ResultadoArchivo<void> CrearCarpeta(const QString& ruta) {
 }
 
 ResultadoArchivo<void> AsentarNombre(const QString& ruta, Disco disco) {
-    const QString carpeta = QFileInfo(ruta).absolutePath();
-    const Descriptor descriptor(carpeta, O_RDONLY | O_DIRECTORY);
-    if (descriptor.Fd() < 0) return FalloEnDisco(disco, descriptor.Error(), carpeta);
-    // Not every network file system can make a folder durable; those that cannot say so.
-    if (::fsync(descriptor.Fd()) != 0 && errno != EINVAL && errno != ENOTSUP && errno != EBADF) {
-        return FalloEnDisco(disco, errno, carpeta);
-    }
+    const auto asentado = base::AsegurarNombre(Nativa(ruta));
+    if (!asentado)
+        return FalloEnDisco(disco, asentado.error().error, QFileInfo(ruta).absolutePath());
     return {};
 }
 
-ResultadoArchivo<void> Renombrar(const QString& origen, const QString& destino, Disco disco) {
-    if (std::rename(QFile::encodeName(origen).constData(),
-                    QFile::encodeName(destino).constData()) != 0) {
-        return FalloEnDisco(disco, errno, destino);
-    }
-    return AsentarNombre(destino, disco);
+ResultadoArchivo<void> Renombrar(const QString& origen, const QString& destino) {
+    const auto hecho = base::Renombrar(Nativa(origen), Nativa(destino));
+    if (!hecho) return FalloEnDisco(Disco::Propio, hecho.error().error, destino);
+    return AsentarNombre(destino);
 }
 
 void BorrarRestos(const QString& carpeta) {
@@ -379,10 +343,10 @@ void BorrarRestos(const QString& carpeta) {
 }
 
 bool EstaBloqueado(const QString& ruta) {
-    const Descriptor archivo(AbrirParaLeer(ruta));
-    if (archivo.Fd() < 0) return false;
-    return HayCandado(archivo.Fd(), F_WRLCK) ||
-           (::flock(archivo.Fd(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK);
+    const Abierto archivo = AbrirParaLeer(ruta);
+    if (!archivo) return false;
+    return HayCandado(archivo->Fd(), F_WRLCK) ||
+           (::flock(archivo->Fd(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK);
 }
 
 }  // namespace quimo::dayclose

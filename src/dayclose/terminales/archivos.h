@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 
+#include "base/reemplazo.h"
 #include "dayclose/terminales/fallo_archivo.h"
 
 namespace quimo::dayclose {
@@ -30,8 +31,12 @@ using Sumidero = std::function<ResultadoArchivo<void>(const char* datos, qsizety
 /// Hands a whole file to a sink, a piece at a time, and fails if it was not the whole file.
 using Productor = std::function<ResultadoArchivo<void>(const Sumidero& sumidero)>;
 
-/// A new file that stands whole and durable beside its destination and is not yet in its place.
-/// Removed with the object unless it was put there.
+/// What a producer hands over, counted and digested on its way to a sink, or to none.
+ResultadoArchivo<Copiado> Resumir(const Productor& producir, const Sumidero& sumidero = {});
+
+/// A new file that stands whole and durable beside its destination ("DESTINO.parcial") and is not
+/// yet in its place. Removed with the object unless it was put there; its name is durable once it
+/// was.
 class ArchivoNuevo {
 public:
     static ResultadoArchivo<ArchivoNuevo> Escribir(const QString& destino,
@@ -39,10 +44,7 @@ public:
                                                    Disco disco = Disco::Propio);
     /// Of a file of our own.
     static ResultadoArchivo<ArchivoNuevo> CopiaDe(const QString& origen, const QString& destino,
-                                                  Disco disco = Disco::Propio);
-    ArchivoNuevo(ArchivoNuevo&& otro) noexcept;
-    ArchivoNuevo& operator=(ArchivoNuevo&&) = delete;
-    ~ArchivoNuevo();
+                                                  Disco disco);
 
     const Copiado& Contenido() const { return contenido_; }
     /// Takes the destination's place, whatever lies there.
@@ -56,12 +58,13 @@ public:
                                      const std::function<ResultadoArchivo<void>()>& revisar);
 
 private:
-    ArchivoNuevo(QString destino, QString parcial, Disco disco)
-        : destino_(std::move(destino)), parcial_(std::move(parcial)), disco_(disco) {}
+    ArchivoNuevo(QString destino, Disco disco, base::Reemplazo nuevo)
+        : destino_(std::move(destino)), disco_(disco), nuevo_(std::move(nuevo)) {}
+    ResultadoArchivo<void> Segun(const base::Result<void, base::FalloSistema>& hecho) const;
 
     QString destino_;
-    QString parcial_;  ///< empty when nothing has to be removed
     Disco disco_;
+    base::Reemplazo nuevo_;
     Copiado contenido_;
 };
 
@@ -98,8 +101,7 @@ ResultadoArchivo<QString> Sha256DeArchivo(const QString& ruta);
 ResultadoArchivo<void> CrearCarpeta(const QString& ruta);
 
 /// Puts a finished file in another's place and makes the folder's entry durable.
-ResultadoArchivo<void> Renombrar(const QString& origen, const QString& destino,
-                                 Disco disco = Disco::Propio);
+ResultadoArchivo<void> Renombrar(const QString& origen, const QString& destino);
 
 /// Makes the entry of a file or folder durable in the folder that holds it.
 ResultadoArchivo<void> AsentarNombre(const QString& ruta, Disco disco = Disco::Propio);

@@ -2,8 +2,6 @@
 
 #include <fcntl.h>
 
-#include "base/sha256.h"
-
 using namespace Qt::StringLiterals;
 
 namespace quimo::dayclose {
@@ -60,15 +58,11 @@ ResultadoArchivo<EstadoRemoto> ExigirContenido(ConexionSmb& conexion, const Ruta
                                                const QString& sha256) {
     QUIMO_TRY_VOID(ExigirSinLdb(conexion, ruta));
     QUIMO_TRY(ArchivoSmb archivo, conexion.AbrirArchivo(ruta, O_RDWR, Compartir::Nada));
-    base::Sha256 resumen;
-    QUIMO_TRY_VOID(
-        archivo.Recorrer([&](const char* datos, qsizetype cuantos) -> ResultadoArchivo<void> {
-            resumen.Agregar(datos, static_cast<std::size_t>(cuantos));
-            return {};
-        }));
+    QUIMO_TRY(const Copiado leido,
+              Resumir([&](const Sumidero& sumidero) { return archivo.Recorrer(sumidero); }));
     QUIMO_TRY(const EstadoRemoto estado, archivo.Mirar());
     QUIMO_TRY_VOID(archivo.Cerrar());
-    if (QString::fromStdString(resumen.Terminar()) != sha256) return Cambiado(ruta);
+    if (leido.sha256 != sha256) return Cambiado(ruta);
     return estado;
 }
 

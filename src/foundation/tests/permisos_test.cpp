@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <QFile>
+
 namespace quimo::foundation {
 namespace {
 
@@ -13,8 +15,8 @@ using namespace Qt::StringLiterals;
 /// What these rights enable among the governed menus and commands, sorted.
 QStringList Habilitadas(const QStringList& permisos) {
     QStringList nombres;
-    for (const OrdenHabilitada& orden : HabilitarOrdenes(u'|' + permisos.join(u'|') + u'|')) {
-        if (orden.habilitada) nombres << orden.orden;
+    for (const auto& [comando, habilitado] : HabilitarComandos(u'|' + permisos.join(u'|') + u'|')) {
+        if (habilitado) nombres << comando->nombre.toString();
     }
     nombres.sort();
     return nombres;
@@ -22,7 +24,7 @@ QStringList Habilitadas(const QStringList& permisos) {
 
 struct Caso {
     const char16_t* permisos;
-    const char16_t* ordenes;
+    const char16_t* comandos;
 };
 
 // What each right adds to its menu's own.
@@ -60,11 +62,11 @@ constexpr std::array<Caso, 28> kCasos = {{
     {u"PARAMETROS", u"mnuParametros"},
 }};
 
-TEST(PermisosTest, EachRightEnablesItsOwnAndNothingWithoutItsMenu) {
+TEST(PermisosTest, CadaPermisoAbreLoSuyoYNadaSinSuMenu) {
     QStringList usados;
     for (const Caso& caso : kCasos) {
         const QStringList permisos = QString::fromUtf16(caso.permisos).split(u' ');
-        QStringList esperadas = QString::fromUtf16(caso.ordenes).split(u' ');
+        QStringList esperadas = QString::fromUtf16(caso.comandos).split(u' ');
         usados << permisos.last();
         if (permisos.size() == 2) {
             EXPECT_TRUE(Habilitadas({permisos[1]}).isEmpty()) << permisos[1].toStdString();
@@ -75,7 +77,33 @@ TEST(PermisosTest, EachRightEnablesItsOwnAndNothingWithoutItsMenu) {
     }
     EXPECT_EQ(usados, NombresDePermisos());
     EXPECT_TRUE(Habilitadas({}).isEmpty());
-    EXPECT_EQ(Habilitadas(usados).size(), HabilitarOrdenes(QString()).size());
+    EXPECT_EQ(Habilitadas(usados).size(), HabilitarComandos(QString()).size());
+}
+
+/// The lines of the page's table: what depends on rights, as it is read on the screen.
+void Renglones(std::span<const ComandoDef> comandos, const QString& menu, bool con_permiso,
+               QStringList& renglones) {
+    for (const ComandoDef& comando : comandos) {
+        if (comando.nombre.isEmpty()) continue;
+        const QString texto = menu + comando.texto.toString().remove(u'&');
+        const bool pide = !comando.permiso.isEmpty();
+        if (pide || con_permiso) {
+            renglones << u"| %1 | `%2` | %3 |"_s.arg(texto, comando.nombre,
+                                                     pide ? comando.permiso.toString() : u"—"_s);
+        }
+        Renglones(comando.comandos, texto + u" › "_s, con_permiso || pide, renglones);
+    }
+}
+
+TEST(PermisosTest, LaPaginaDiceLoMismoQueLaTabla) {
+    QStringList esperados;
+    Renglones(MenusPrincipales(), {}, false, esperados);
+    QFile pagina(QStringLiteral(QUIMO_DOCS "/permisos.md"));
+    ASSERT_TRUE(pagina.open(QIODevice::ReadOnly));
+    QStringList escritos = QString::fromUtf8(pagina.readAll()).split(u'\n');
+    escritos.removeIf([](const QString& linea) { return !linea.contains(u"| `"_s); });
+    for (qsizetype i = 0; i < std::max(esperados.size(), escritos.size()); ++i)
+        EXPECT_EQ(escritos.value(i), esperados.value(i)) << escritos.value(i).toStdString();
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <optional>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -18,6 +19,15 @@
 namespace quimo::jet::prueba {
 
 inline std::string Datos(const std::string& nombre) { return QUIMO_TEST_DATA "/" + nombre; }
+
+/// The folder with files made by Access; nothing where nobody has said where they are.
+inline std::optional<std::filesystem::path> Muestras() {
+    const std::filesystem::path carpeta = QUIMO_TEST_SAMPLES;
+    if (!std::filesystem::is_directory(carpeta)) return std::nullopt;
+    return carpeta;
+}
+constexpr const char* kSinMuestras =
+    "QUIMO_JET_SAMPLES no dice dónde hay archivos hechos por Access: '" QUIMO_TEST_SAMPLES "'";
 
 inline std::vector<std::uint8_t> LeerBytes(const std::string& ruta) {
     std::ifstream flujo(ruta, std::ios::binary);

@@ -64,16 +64,20 @@ TEST(Abrir, RehusaPorSuNombreLoQueNoEsSuFormato) {
     EXPECT_FALSE(BaseDatos::Abrir(carpeta / "").has_value());
 }
 
-TEST(Escribir, RehusaTablasConRelacionesYArchivosDeLectura) {
+TEST(Escribir, RehusaTablasDelSistemaYArchivosDeLectura) {
     const BaseDatos lectura = Exigir(BaseDatos::Abrir(Datos(kTerminal)));
     Tabla tabla = Exigir(lectura.AbrirTabla("Empleado"));
     EXPECT_EQ(tabla.Vaciar().error().codigo, Error::Codigo::NoSoportado);
     BaseDatos escritura = AbrirCopia(kTerminal);
     Tabla sistema = Exigir(escritura.AbrirTabla("MSysObjects"));
     EXPECT_EQ(sistema.Vaciar().error().codigo, Error::Codigo::NoSoportado);
-    const std::string ajeno = QUIMO_TEST_SAMPLES "/indexTestV2000.mdb";
-    if (!std::filesystem::exists(ajeno)) return;
-    const BaseDatos base = Exigir(BaseDatos::AbrirImagen(LeerBytes(ajeno), Modo::Escritura));
+}
+
+TEST(Escribir, RehusaTablasConRelacionesDeAccess) {
+    const auto carpeta = Muestras();
+    if (!carpeta) GTEST_SKIP() << kSinMuestras;
+    const BaseDatos base =
+        Exigir(BaseDatos::AbrirImagen(LeerBytes(*carpeta / "indexTestV2000.mdb"), Modo::Escritura));
     Tabla relacionada = Exigir(base.AbrirTabla("Table1"));
     const auto error = relacionada.Vaciar();
     ASSERT_FALSE(error.has_value());

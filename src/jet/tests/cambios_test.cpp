@@ -103,10 +103,10 @@ TEST(CambiosEnTerminal, BorrarTodoYVolverAEmpezar) {
 
 /// Tables of Access: old rows, deleted columns, several indexes on one column.
 TEST(CambiosEnMuestras, DeAccess) {
-    const std::filesystem::path carpeta = QUIMO_TEST_SAMPLES;
-    if (!std::filesystem::exists(carpeta)) GTEST_SKIP() << "no está la carpeta " << carpeta;
+    const auto carpeta = Muestras();
+    if (!carpeta) GTEST_SKIP() << kSinMuestras;
     int tablas = 0;
-    for (const auto& entrada : std::filesystem::directory_iterator(carpeta)) {
+    for (const auto& entrada : std::filesystem::directory_iterator(*carpeta)) {
         const std::string nombre = entrada.path().stem();
         // One has keys that cannot be computed, the other pads its texts.
         if (entrada.path().extension() != ".mdb" || nombre == "testUnicodeCompV2003" ||

@@ -96,10 +96,10 @@ TEST(Lectura, LasDefinicionesSonLasEsperadas) {
 }
 
 TEST(Lectura, LosArchivosDeAccessSeLeenIgualQueConOtroLector) {
-    const std::filesystem::path carpeta = QUIMO_TEST_SAMPLES;
-    if (!std::filesystem::exists(carpeta)) GTEST_SKIP() << "no está la carpeta " << carpeta;
+    const auto carpeta = Muestras();
+    if (!carpeta) GTEST_SKIP() << kSinMuestras;
     int vistos = 0;
-    for (const auto& entrada : std::filesystem::directory_iterator(carpeta)) {
+    for (const auto& entrada : std::filesystem::directory_iterator(*carpeta)) {
         if (entrada.path().extension() != ".mdb") continue;
         SCOPED_TRACE(entrada.path());
         auto json = entrada.path();

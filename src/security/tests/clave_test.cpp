@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -38,7 +39,7 @@ protected:
     QTemporaryDir carpeta_;
 };
 
-TEST_F(ClaveTest, ComesFromTheEnvironmentOrFromAFileOfItsOwner) {
+TEST_F(ClaveTest, VieneDelEntornoODeUnArchivoDeSuDueno) {
     EXPECT_TRUE(Texto().startsWith(u"! Falta la clave"_s));
     struct Caso {
         QByteArray contenido;
@@ -70,7 +71,7 @@ TEST_F(ClaveTest, ComesFromTheEnvironmentOrFromAFileOfItsOwner) {
     EXPECT_TRUE(Texto().startsWith(u"! "_s));
 }
 
-TEST_F(ClaveTest, ANewFileHoldsARandomKeyAndReplacesNothing) {
+TEST_F(ClaveTest, UnArchivoNuevoTieneUnaClaveAlAzarYNoReemplazaNada) {
     const QString uno = carpeta_.filePath(u"uno"_s);
     const QString dos = carpeta_.filePath(u"dos"_s);
     ASSERT_TRUE(CrearArchivoClave(uno));
@@ -81,6 +82,7 @@ TEST_F(ClaveTest, ANewFileHoldsARandomKeyAndReplacesNothing) {
     EXPECT_FALSE(CrearArchivoClave(uno));
     EXPECT_EQ(LeerClaveDe(uno).value(), clave);
     EXPECT_FALSE(CrearArchivoClave(carpeta_.filePath(u"no/hay"_s)));
+    EXPECT_EQ(QDir(carpeta_.path()).entryList(QDir::Files), QStringList({u"dos"_s, u"uno"_s}));
 }
 
 }  // namespace

@@ -103,41 +103,6 @@ struct Regreso {
 
 }  // namespace
 
-char32_t SiguienteCaracter(std::string_view texto, std::size_t& posicion) {
-    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(texto[i]); };
-    const unsigned char primero = byte(posicion++);
-    if (primero < 0x80) return primero;
-    const int cola = primero >= 0xF0 ? 3 : primero >= 0xE0 ? 2 : primero >= 0xC0 ? 1 : 0;
-    if (cola == 0 || posicion + static_cast<std::size_t>(cola) > texto.size()) return primero;
-    char32_t c = primero & (0x3FU >> cola);
-    for (int i = 0; i < cola; ++i) {
-        const unsigned char b = byte(posicion + static_cast<std::size_t>(i));
-        if ((b & 0xC0) != 0x80) return primero;
-        c = (c << 6) | (b & 0x3FU);
-    }
-    posicion += static_cast<std::size_t>(cola);
-    return c;
-}
-
-void AgregarCaracter(std::string& texto, char32_t c) {
-    const auto poner = [&](char32_t byte) { texto.push_back(static_cast<char>(byte)); };
-    if (c < 0x80) {
-        poner(c);
-    } else if (c < 0x800) {
-        poner(0xC0 | (c >> 6));
-        poner(0x80 | (c & 0x3F));
-    } else if (c < 0x10000) {
-        poner(0xE0 | (c >> 12));
-        poner(0x80 | ((c >> 6) & 0x3F));
-        poner(0x80 | (c & 0x3F));
-    } else {
-        poner(0xF0 | (c >> 18));
-        poner(0x80 | ((c >> 12) & 0x3F));
-        poner(0x80 | ((c >> 6) & 0x3F));
-        poner(0x80 | (c & 0x3F));
-    }
-}
-
 std::u32string ACaracteres(std::string_view texto) {
     std::u32string caracteres;
     caracteres.reserve(texto.size());
@@ -171,46 +136,6 @@ std::size_t BytesDe(std::string_view texto, int caracteres) {
     while (i < texto.size() && caracteres-- > 0)
         SiguienteCaracter(texto, i);
     return i;
-}
-
-char32_t Minuscula(char32_t c) {
-    if (c < 0x80) return c >= U'A' && c <= U'Z' ? c + 32 : c;
-    if (c >= 0xC0 && c <= 0xDE && c != 0xD7) return c + 32;
-    if (c == 0x178) return 0xFF;
-    if ((c >= 0x139 && c <= 0x148) || (c >= 0x179 && c <= 0x17E)) return c % 2 == 1 ? c + 1 : c;
-    if (c >= 0x100 && c <= 0x177 && c != 0x130 && c != 0x131 && c != 0x138) return c | 1U;
-    if (c >= 0x391 && c <= 0x3A9 && c != 0x3A2) return c + 32;
-    if (c >= 0x410 && c <= 0x42F) return c + 32;
-    return c;
-}
-
-char32_t Mayuscula(char32_t c) {
-    if (c < 0x80) return c >= U'a' && c <= U'z' ? c - 32 : c;
-    if (c >= 0xE0 && c <= 0xFE && c != 0xF7) return c - 32;
-    if (c == 0xFF) return 0x178;
-    if ((c >= 0x139 && c <= 0x148) || (c >= 0x179 && c <= 0x17E)) return c % 2 == 0 ? c - 1 : c;
-    if (c >= 0x100 && c <= 0x177 && c != 0x130 && c != 0x131 && c != 0x138) return c & ~1U;
-    if (c >= 0x3B1 && c <= 0x3C9 && c != 0x3C2) return c - 32;
-    if (c >= 0x430 && c <= 0x44F) return c - 32;
-    return c;
-}
-
-std::string AMinusculas(std::string_view texto) {
-    std::string salida;
-    salida.reserve(texto.size());
-    for (std::size_t i = 0; i < texto.size();) {
-        AgregarCaracter(salida, Minuscula(SiguienteCaracter(texto, i)));
-    }
-    return salida;
-}
-
-std::string AMayusculas(std::string_view texto) {
-    std::string salida;
-    salida.reserve(texto.size());
-    for (std::size_t i = 0; i < texto.size();) {
-        AgregarCaracter(salida, Mayuscula(SiguienteCaracter(texto, i)));
-    }
-    return salida;
 }
 
 int Comparar(std::string_view a, std::string_view b) {

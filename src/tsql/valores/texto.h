@@ -4,13 +4,18 @@
 #include <string>
 #include <string_view>
 
+#include "base/texto.h"
+
 namespace quimo::tsql {
 
 /// Text rules of the dialect. Texts are UTF-8; a malformed byte counts as one character of its own.
 
-/// The character that starts at `posicion`, which moves behind it.
-char32_t SiguienteCaracter(std::string_view texto, std::size_t& posicion);
-void AgregarCaracter(std::string& texto, char32_t caracter);
+using base::AgregarCaracter;
+using base::AMayusculas;
+using base::AMinusculas;
+using base::Mayuscula;
+using base::Minuscula;
+using base::SiguienteCaracter;
 
 std::u32string ACaracteres(std::string_view texto);
 std::string AUtf8(std::u32string_view caracteres);
@@ -19,11 +24,6 @@ std::string AUtf8(std::u32string_view caracteres);
 int ContarCaracteres(std::string_view texto);
 /// Bytes of the first `caracteres` characters.
 std::size_t BytesDe(std::string_view texto, int caracteres);
-
-char32_t Minuscula(char32_t caracter);
-char32_t Mayuscula(char32_t caracter);
-std::string AMinusculas(std::string_view texto);
-std::string AMayusculas(std::string_view texto);
 
 /// The order of texts: without case, with accents, blanks at the end left out. Letters are ordered
 /// by their base letter first, accents break ties. Negative, 0 or positive.

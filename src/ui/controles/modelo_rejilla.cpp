@@ -1,32 +1,8 @@
 #include "ui/controles/modelo_rejilla.h"
 
-#include <algorithm>
-
-#include <QFont>
-
 #include "data/valores.h"
 
-using namespace Qt::StringLiterals;
-
 namespace quimo::ui {
-
-namespace {
-
-QString LetraDe(MarcaCambio marca) {
-    switch (marca) {
-        case MarcaCambio::Nuevo:
-            return u"N"_s;
-        case MarcaCambio::Modificado:
-            return u"M"_s;
-        case MarcaCambio::Borrado:
-            return u"B"_s;
-        case MarcaCambio::Ninguna:
-            break;
-    }
-    return u" "_s;
-}
-
-}  // namespace
 
 void ModeloRejilla::PonerColumnas(const QVector<ColumnaRejilla>& columnas) {
     beginResetModel();
@@ -59,53 +35,16 @@ const ModeloRejilla::Celda& ModeloRejilla::En(int fila, int columna) const {
     return filas_[fila][columna];
 }
 
-void ModeloRejilla::Cambiada(int fila, int columna) {
+void ModeloRejilla::Poner(int fila, int columna, const QVariant& valor) {
+    En(fila, columna).valor = valor;
     const QModelIndex lugar = index(fila, columna);
     emit dataChanged(lugar, lugar);
 }
 
-void ModeloRejilla::Poner(int fila, int columna, const QVariant& valor) {
-    En(fila, columna).valor = valor;
-    Cambiada(fila, columna);
-}
-
 QVariant ModeloRejilla::Valor(int fila, int columna) const { return En(fila, columna).valor; }
-
-void ModeloRejilla::PonerTipo(int fila, int columna, TipoCelda tipo) {
-    En(fila, columna).tipo = tipo;
-    Cambiada(fila, columna);
-}
-
-TipoCelda ModeloRejilla::Tipo(int fila, int columna) const {
-    return En(fila, columna).tipo.value_or(columnas_[columna].tipo);
-}
-
-void ModeloRejilla::PonerNegrita(int fila, int columna, bool negrita) {
-    En(fila, columna).negrita = negrita;
-    Cambiada(fila, columna);
-}
-
-void ModeloRejilla::PonerPuntos(int fila, int columna, int puntos) {
-    En(fila, columna).puntos = puntos;
-    Cambiada(fila, columna);
-}
 
 void ModeloRejilla::Bloquear(int fila, int columna, bool bloqueada) {
     En(fila, columna).bloqueada = bloqueada;
-}
-
-MarcaCambio ModeloRejilla::Marca(int fila) const {
-    if (columna_marca_ < 0) return MarcaCambio::Ninguna;
-    const QString letra = En(fila, columna_marca_).valor.toString();
-    for (const MarcaCambio marca :
-         {MarcaCambio::Nuevo, MarcaCambio::Modificado, MarcaCambio::Borrado}) {
-        if (letra == LetraDe(marca)) return marca;
-    }
-    return MarcaCambio::Ninguna;
-}
-
-void ModeloRejilla::PonerMarca(int fila, MarcaCambio marca) {
-    if (columna_marca_ >= 0) Poner(fila, columna_marca_, LetraDe(marca));
 }
 
 int ModeloRejilla::rowCount(const QModelIndex& padre) const {
@@ -118,7 +57,7 @@ int ModeloRejilla::columnCount(const QModelIndex& padre) const {
 
 QString ModeloRejilla::Visible(int fila, int columna) const {
     const QVariant& valor = En(fila, columna).valor;
-    const TipoCelda tipo = Tipo(fila, columna);
+    const TipoCelda tipo = Tipo(columna);
     if (tipo == TipoCelda::Casilla) return {};
     if (tipo == TipoCelda::Lista) {
         for (const foundation::EntradaCombo& entrada : columnas_[columna].lista) {
@@ -133,7 +72,7 @@ QString ModeloRejilla::Visible(int fila, int columna) const {
 
 QVariant ModeloRejilla::data(const QModelIndex& lugar, int papel) const {
     const Celda& celda = En(lugar.row(), lugar.column());
-    const TipoCelda tipo = Tipo(lugar.row(), lugar.column());
+    const TipoCelda tipo = Tipo(lugar.column());
     switch (papel) {
         case Qt::DisplayRole:
             return Visible(lugar.row(), lugar.column());
@@ -146,21 +85,14 @@ QVariant ModeloRejilla::data(const QModelIndex& lugar, int papel) const {
         case Qt::TextAlignmentRole:
             return static_cast<int>(Qt::AlignVCenter |
                                     (EsNumerica(tipo) ? Qt::AlignRight : Qt::AlignLeft));
-        case Qt::FontRole: {
-            if (!celda.negrita && celda.puntos == 0) return {};
-            QFont letra;
-            letra.setBold(celda.negrita);
-            if (celda.puntos > 0) letra.setPointSize(celda.puntos);
-            return letra;
-        }
         default:
             return {};
     }
 }
 
-std::optional<QVariant> ModeloRejilla::DelUsuario(int fila, int columna, const QVariant& valor,
+std::optional<QVariant> ModeloRejilla::DelUsuario(int columna, const QVariant& valor,
                                                   int papel) const {
-    const TipoCelda tipo = Tipo(fila, columna);
+    const TipoCelda tipo = Tipo(columna);
     if (tipo == TipoCelda::Casilla) {
         if (papel != Qt::CheckStateRole) return std::nullopt;
         return QVariant(valor.toInt() == Qt::Checked ? 1 : 0);
@@ -169,7 +101,7 @@ std::optional<QVariant> ModeloRejilla::DelUsuario(int fila, int columna, const Q
     if (tipo == TipoCelda::Lista) return valor;
     QString texto = valor.toString();
     if (tipo == TipoCelda::Porcentaje) texto.remove(u'%');
-    if (!EsNumerica(tipo)) return QVariant(texto.left(columnas_[columna].largo_max));
+    if (!EsNumerica(tipo)) return QVariant(texto);
     if (texto.trimmed().isEmpty()) return QVariant();
     const auto numero = data::NumeroEscrito(texto);
     if (!numero) return std::nullopt;
@@ -178,7 +110,7 @@ std::optional<QVariant> ModeloRejilla::DelUsuario(int fila, int columna, const Q
 
 bool ModeloRejilla::setData(const QModelIndex& lugar, const QVariant& valor, int papel) {
     if ((flags(lugar) & (Qt::ItemIsEditable | Qt::ItemIsUserCheckable)) == 0) return false;
-    const auto nuevo = DelUsuario(lugar.row(), lugar.column(), valor, papel);
+    const auto nuevo = DelUsuario(lugar.column(), valor, papel);
     if (!nuevo) {
         if (papel == Qt::EditRole)
             emit CeldaRechazada(lugar.row(), lugar.column(), valor.toString());
@@ -187,8 +119,6 @@ bool ModeloRejilla::setData(const QModelIndex& lugar, const QVariant& valor, int
     const QString antes = data::TextoDeValor(Valor(lugar.row(), lugar.column()));
     if (antes == data::TextoDeValor(*nuevo)) return true;
     Poner(lugar.row(), lugar.column(), *nuevo);
-    if (Marca(lugar.row()) == MarcaCambio::Ninguna)
-        PonerMarca(lugar.row(), MarcaCambio::Modificado);
     emit CeldaCambiada(lugar.row(), lugar.column());
     return true;
 }
@@ -208,21 +138,13 @@ QVariant ModeloRejilla::headerData(int seccion, Qt::Orientation orientacion, int
 
 Qt::ItemFlags ModeloRejilla::flags(const QModelIndex& lugar) const {
     Qt::ItemFlags banderas = Qt::ItemIsEnabled | Qt::ItemIsSelectable;
-    const TipoCelda tipo = Tipo(lugar.row(), lugar.column());
+    const TipoCelda tipo = Tipo(lugar.column());
     if (solo_lectura_ || tipo == TipoCelda::Estatico || !columnas_[lugar.column()].editable ||
         En(lugar.row(), lugar.column()).bloqueada) {
         return banderas;
     }
     banderas |= tipo == TipoCelda::Casilla ? Qt::ItemIsUserCheckable : Qt::ItemIsEditable;
     return banderas;
-}
-
-bool ModeloRejilla::removeRows(int fila, int cuantas, const QModelIndex& padre) {
-    if (padre.isValid() || fila < 0 || cuantas <= 0 || fila + cuantas > filas_.size()) return false;
-    beginRemoveRows({}, fila, fila + cuantas - 1);
-    filas_.remove(fila, cuantas);
-    endRemoveRows();
-    return true;
 }
 
 }  // namespace quimo::ui

@@ -15,18 +15,14 @@ struct ColumnaRejilla {
     QString titulo;
     TipoCelda tipo = TipoCelda::Texto;
     int ancho_mm = 25;
-    int decimales = 2;      ///< of numbers
-    int largo_max = 32767;  ///< characters that can be typed
+    int decimales = 2;  ///< of numbers
     bool editable = false;
     bool oculta = false;
     QVector<foundation::EntradaCombo> lista = {};  ///< of TipoCelda::Lista
 };
 
-/// What the last column of a detail grid says of its row. Written as "N", "M", "B", or a blank.
-enum class MarcaCambio { Ninguna, Nuevo, Modificado, Borrado };
-
 /// The cells behind a grid. Places count from 0. What the program writes is stored as it comes;
-/// what the user writes is checked against the cell's type first and marks the row as changed.
+/// what the user writes is checked against its column's type first.
 class ModeloRejilla final : public QAbstractTableModel {
     Q_OBJECT
 public:
@@ -39,19 +35,10 @@ public:
 
     void Poner(int fila, int columna, const QVariant& valor);
     QVariant Valor(int fila, int columna) const;
-    void PonerTipo(int fila, int columna, TipoCelda tipo);
-    TipoCelda Tipo(int fila, int columna) const;
-    void PonerNegrita(int fila, int columna, bool negrita);
-    void PonerPuntos(int fila, int columna, int puntos);
+    TipoCelda Tipo(int columna) const { return columnas_[columna].tipo; }
     void Bloquear(int fila, int columna, bool bloqueada);
     /// While it is on, no cell can be edited.
     void PonerSoloLectura(bool solo_lectura) { solo_lectura_ = solo_lectura; }
-    bool SoloLectura() const { return solo_lectura_; }
-
-    /// Keeps the change marks in this column.
-    void PonerColumnaMarca(int columna) { columna_marca_ = columna; }
-    MarcaCambio Marca(int fila) const;
-    void PonerMarca(int fila, MarcaCambio marca);
 
     int rowCount(const QModelIndex& padre = {}) const override;
     int columnCount(const QModelIndex& padre = {}) const override;
@@ -59,7 +46,6 @@ public:
     bool setData(const QModelIndex& lugar, const QVariant& valor, int papel) override;
     QVariant headerData(int seccion, Qt::Orientation orientacion, int papel) const override;
     Qt::ItemFlags flags(const QModelIndex& lugar) const override;
-    bool removeRows(int fila, int cuantas, const QModelIndex& padre) override;
 
 signals:
     /// The user changed a cell.
@@ -70,21 +56,15 @@ signals:
 private:
     struct Celda {
         QVariant valor = {};
-        std::optional<TipoCelda> tipo = {};
-        int puntos = 0;
-        bool negrita = false;
         bool bloqueada = false;
     };
     Celda& En(int fila, int columna);
     const Celda& En(int fila, int columna) const;
-    void Cambiada(int fila, int columna);
     QString Visible(int fila, int columna) const;
-    std::optional<QVariant> DelUsuario(int fila, int columna, const QVariant& valor,
-                                       int papel) const;
+    std::optional<QVariant> DelUsuario(int columna, const QVariant& valor, int papel) const;
 
     QVector<ColumnaRejilla> columnas_;
     QVector<QVector<Celda>> filas_;
-    int columna_marca_ = -1;
     bool solo_lectura_ = false;
 };
 

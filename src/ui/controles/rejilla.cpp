@@ -3,11 +3,9 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
-#include <QContextMenuEvent>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLineEdit>
-#include <QMenu>
 #include <QStyledItemDelegate>
 
 #include "data/valores.h"
@@ -20,7 +18,6 @@ namespace quimo::ui {
 namespace {
 
 constexpr double kMmPorPulgada = 25.4;
-constexpr qsizetype kPegadoMax = qsizetype{1024} * 1024;
 
 /// The editors of the cells: a combo box for lists, a text box with the column's length otherwise.
 class DelegadoRejilla final : public QStyledItemDelegate {
@@ -32,7 +29,7 @@ public:
     QWidget* createEditor(QWidget* padre, const QStyleOptionViewItem& opcion,
                           const QModelIndex& lugar) const override {
         const ColumnaRejilla& columna = modelo_.Columnas()[lugar.column()];
-        if (modelo_.Tipo(lugar.row(), lugar.column()) == TipoCelda::Lista) {
+        if (modelo_.Tipo(lugar.column()) == TipoCelda::Lista) {
             auto* const lista = Nombrar(new QComboBox(padre), u"editorCelda"_s, columna.titulo);
             for (const foundation::EntradaCombo& entrada : columna.lista)
                 lista->addItem(entrada.texto, entrada.dato);
@@ -40,8 +37,7 @@ public:
         }
         QWidget* const editor = QStyledItemDelegate::createEditor(padre, opcion, lugar);
         if (auto* const caja = qobject_cast<QLineEdit*>(editor)) {
-            caja->setMaxLength(columna.largo_max);
-            if (EsNumerica(modelo_.Tipo(lugar.row(), lugar.column()))) {
+            if (EsNumerica(modelo_.Tipo(lugar.column()))) {
                 caja->setAlignment(Qt::AlignRight);
             }
             Nombrar(caja, u"editorCelda"_s, columna.titulo);
@@ -101,24 +97,6 @@ void Rejilla::PonerSoloLectura(bool solo_lectura) { modelo_.PonerSoloLectura(sol
 
 void Rejilla::PonerActual(int fila, int columna) { setCurrentIndex(modelo_.index(fila, columna)); }
 
-int Rejilla::AgregarRenglon() {
-    const int fila = Renglones();
-    modelo_.PonerRenglones(fila + 1);
-    modelo_.PonerMarca(fila, MarcaCambio::Nuevo);
-    const QVector<int> visibles = ColumnasVisibles();
-    if (!visibles.isEmpty()) PonerActual(fila, visibles.first());
-    return fila;
-}
-
-void Rejilla::BorrarRenglon(int fila) {
-    if (modelo_.Marca(fila) == MarcaCambio::Nuevo) {
-        modelo_.removeRows(fila, 1, {});
-        return;
-    }
-    modelo_.PonerMarca(fila, MarcaCambio::Borrado);
-    setRowHidden(fila, true);
-}
-
 QVector<int> Rejilla::ColumnasVisibles() const {
     QVector<int> columnas;
     for (int visual = 0; visual < modelo_.columnCount(); ++visual) {
@@ -129,7 +107,7 @@ QVector<int> Rejilla::ColumnasVisibles() const {
 }
 
 QString Rejilla::TextoPlano(const QModelIndex& lugar) const {
-    const TipoCelda tipo = modelo_.Tipo(lugar.row(), lugar.column());
+    const TipoCelda tipo = modelo_.Tipo(lugar.column());
     const QVariant valor = modelo_.Valor(lugar.row(), lugar.column());
     QString texto;
     if (tipo == TipoCelda::Casilla) {
@@ -166,66 +144,9 @@ void Rejilla::Copiar() const {
     if (!texto.isEmpty()) QApplication::clipboard()->setText(texto);
 }
 
-void Rejilla::PegarCelda(const QModelIndex& lugar, const QString& texto) {
-    switch (modelo_.Tipo(lugar.row(), lugar.column())) {
-        case TipoCelda::Casilla:
-            modelo_.setData(lugar, texto == u"1"_s ? Qt::Checked : Qt::Unchecked,
-                            Qt::CheckStateRole);
-            break;
-        case TipoCelda::Lista:
-            for (const foundation::EntradaCombo& entrada :
-                 modelo_.Columnas()[lugar.column()].lista) {
-                if (entrada.texto.compare(texto, Qt::CaseInsensitive) != 0) continue;
-                modelo_.setData(lugar, entrada.dato, Qt::EditRole);
-                break;
-            }
-            break;
-        case TipoCelda::Estatico:
-        case TipoCelda::Texto:
-        case TipoCelda::Numero:
-        case TipoCelda::Moneda:
-        case TipoCelda::Porcentaje:
-            modelo_.setData(lugar, texto, Qt::EditRole);
-            break;
-    }
-}
-
-void Rejilla::Pegar(const QString& texto) {
-    if (!currentIndex().isValid() || texto.size() > kPegadoMax) return;
-    QString limpio = texto;
-    limpio.remove(u'\r');
-    if (limpio.endsWith(u'\n')) limpio.chop(1);
-    const QVector<int> columnas = ColumnasVisibles();
-    const qsizetype primera = columnas.indexOf(ColumnaActual());
-    int fila = FilaActual();
-    for (const QString& linea : limpio.split(u'\n')) {
-        while (fila < Renglones() && isRowHidden(fila))
-            ++fila;
-        if (fila >= Renglones()) return;
-        qsizetype c = primera;
-        for (const QString& celda : linea.split(u'\t')) {
-            if (c < 0 || c >= columnas.size()) break;
-            const QModelIndex lugar = modelo_.index(fila, columnas[c++]);
-            PegarCelda(lugar, celda);
-        }
-        ++fila;
-    }
-}
-
 void Rejilla::keyPressEvent(QKeyEvent* evento) {
     if (evento->matches(QKeySequence::Copy)) return Copiar();
-    if (evento->matches(QKeySequence::Paste)) return Pegar(QApplication::clipboard()->text());
     QTableView::keyPressEvent(evento);
-}
-
-void Rejilla::contextMenuEvent(QContextMenuEvent* evento) {
-    // A detail grid has a menu of its own.
-    if (contextMenuPolicy() == Qt::CustomContextMenu) return QTableView::contextMenuEvent(evento);
-    QMenu menu(this);
-    menu.addAction(u"&Copiar"_s, this, &Rejilla::Copiar);
-    menu.addAction(u"&Pegar"_s, this, [this] { Pegar(QApplication::clipboard()->text()); });
-    menu.addAction(u"Seleccionar &todo"_s, this, &Rejilla::selectAll);
-    menu.exec(evento->globalPos());
 }
 
 }  // namespace quimo::ui

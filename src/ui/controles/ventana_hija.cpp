@@ -2,14 +2,14 @@
 
 namespace quimo::ui {
 
-using Orden = OrdenVentana;
+using Comando = ComandoVentana;
 
-OrdenesVentana OrdenesDeReporte() { return Orden::Imprimir | Orden::Preview; }
+ComandosVentana ComandosDeReporte() { return Comando::Imprimir | Comando::Preview; }
 
-OrdenesVentana OrdenesDeEditor() {
-    return Orden::Aceptar | Orden::Borrar | Orden::Cancelar | Orden::Buscar | Orden::Nuevo |
-           Orden::Modificar | Orden::Primero | Orden::Anterior | Orden::Siguiente | Orden::Ultimo |
-           Orden::Filtro | OrdenesDeReporte();
+ComandosVentana ComandosDeEditor() {
+    return Comando::Aceptar | Comando::Borrar | Comando::Cancelar | Comando::Buscar |
+           Comando::Nuevo | Comando::Modificar | Comando::Primero | Comando::Anterior |
+           Comando::Siguiente | Comando::Ultimo | Comando::Filtro | ComandosDeReporte();
 }
 
 VentanaHija::VentanaHija(QWidget* padre) : QWidget(padre) {

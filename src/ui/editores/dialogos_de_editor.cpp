@@ -21,7 +21,7 @@ QVector<catalog::CampoBusqueda> CamposDe(const catalog::EditorSesion& sesion) {
             def.tipo == catalog::TipoCampo::Codigo || def.tipo == catalog::TipoCampo::Lista;
         if (con_lista) {
             campo.visible = [&sesion, i](const QVariant& guardado) {
-                return sesion.Visible(i, guardado);
+                return sesion.Campos().Visible(i, guardado);
             };
         }
         campos.append(campo);

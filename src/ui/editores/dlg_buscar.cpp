@@ -6,8 +6,8 @@
 #include <QShortcut>
 #include <QVBoxLayout>
 
+#include "ui/controles/ajustes.h"
 #include "ui/controles/aspecto.h"
-#include "ui/controles/geometria.h"
 
 using namespace Qt::StringLiterals;
 
@@ -20,7 +20,7 @@ using catalog::ModoBusqueda;
 namespace {
 
 constexpr int kLargoMax = 255;
-const auto kGeometria = u"DlgBuscar"_s;
+const auto kNombre = u"DlgBuscar"_s;
 
 }  // namespace
 
@@ -69,11 +69,11 @@ DlgBuscar::DlgBuscar(catalog::Buscador& buscador, QWidget* padre)
     connect(new QShortcut(QKeySequence(Qt::Key_F3), this), &QShortcut::activated, this,
             &DlgBuscar::Siguiente);
     texto_->setFocus();
-    RecuperarGeometria(*this, kGeometria);
+    restoreGeometry(Ajustes().Leer(Ajuste::Dialogo, kNombre).toByteArray());
 }
 
 void DlgBuscar::done(int resultado) {
-    GuardarGeometria(*this, kGeometria);
+    Ajustes().Guardar(Ajuste::Dialogo, kNombre, saveGeometry());
     QDialog::done(resultado);
 }
 

@@ -14,8 +14,8 @@
 #include <QStandardPaths>
 
 #include "catalog/consulta/exportar.h"
+#include "ui/controles/ajustes.h"
 #include "ui/controles/aspecto.h"
-#include "ui/controles/geometria.h"
 
 using namespace Qt::StringLiterals;
 
@@ -31,7 +31,7 @@ namespace {
 constexpr int kLargoMax = 4000;
 constexpr int kFilasMedidas = 200;  // by which the columns take their widths
 constexpr int kAnchoMaxColumna = 360;
-const auto kGeometria = u"DlgConsulta"_s;
+const auto kNombre = u"DlgConsulta"_s;
 
 QStringList Titulos(const catalog::Consulta& consulta) {
     QStringList titulos;
@@ -103,7 +103,7 @@ DlgConsulta::DlgConsulta(catalog::Consulta& consulta, foundation::Dialogos& dial
     todo->addLayout(pie);
     const QSize pantalla = screen()->availableSize();
     resize(std::min(1240, pantalla.width() - 60), std::min(640, pantalla.height() - 80));
-    RecuperarGeometria(*this, kGeometria);
+    restoreGeometry(Ajustes().Leer(Ajuste::Dialogo, kNombre).toByteArray());
     if (!renglones_.isEmpty()) renglones_.first().Control()->setFocus();
     MostrarCuenta();
 }
@@ -223,7 +223,7 @@ std::optional<QVariant> DlgConsulta::Elegir() {
 }
 
 void DlgConsulta::done(int resultado) {
-    GuardarGeometria(*this, kGeometria);
+    Ajustes().Guardar(Ajuste::Dialogo, kNombre, saveGeometry());
     QDialog::done(resultado);
 }
 
@@ -335,9 +335,10 @@ void DlgConsulta::Exportar(const Formato& formato) {
     dialogo.selectFile(u"Consulta."_s + formato.sufijo);
     if (dialogo.exec() != QDialog::Accepted) return;
     const QString archivo = dialogo.selectedFiles().value(0);
-    dialogos_.Ocupado(true);
-    const auto escrito = formato.escribir(consulta_.Tabla(), archivo);
-    dialogos_.Ocupado(false);
+    const auto escrito = [&] {
+        const foundation::PunteroOcupado ocupado(dialogos_);
+        return formato.escribir(consulta_.Tabla(), archivo);
+    }();
     if (!escrito)
         return dialogos_.Avisar(QString::fromStdString(escrito.error().mensaje), Icono::Critico);
     aviso_->setText(u"Se guardaron %1 renglones en %2"_s.arg(modelo_.rowCount()).arg(archivo));

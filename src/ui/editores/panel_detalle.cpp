@@ -4,7 +4,8 @@
 #include <QClipboard>
 #include <QHeaderView>
 #include <QKeyEvent>
-#include <QSettings>
+
+#include "ui/controles/ajustes.h"
 
 using namespace Qt::StringLiterals;
 
@@ -86,7 +87,7 @@ void PanelDetalle::PonerColumnas() {
         columnas << columna;
     }
     vista_->PonerColumnas(columnas);
-    const QVariantList anchos = QSettings(u"QUIMO"_s, u"QUIMO"_s).value(ClaveDeAnchos()).toList();
+    const QVariantList anchos = Ajustes().Leer(Ajuste::Rejilla, NombreEntero()).toList();
     for (int c = 0; anchos.size() == columnas.size() && c < anchos.size(); ++c) {
         if (!columnas[c].oculta && anchos[c].toInt() > 0) {
             vista_->setColumnWidth(c, anchos[c].toInt());
@@ -94,16 +95,15 @@ void PanelDetalle::PonerColumnas() {
     }
 }
 
-QString PanelDetalle::ClaveDeAnchos() const {
-    return u"REJILLA/"_s + sesion_.Def().nombre.toString() + u'.' +
-           Detalle().Def().control.toString();
+QString PanelDetalle::NombreEntero() const {
+    return sesion_.Def().nombre.toString() + u'.' + Detalle().Def().control.toString();
 }
 
 void PanelDetalle::RecordarAnchos() const {
     QVariantList anchos;
     for (int c = 0; c < std::ssize(Detalle().Def().columnas); ++c)
         anchos << vista_->columnWidth(c);
-    QSettings(u"QUIMO"_s, u"QUIMO"_s).setValue(ClaveDeAnchos(), anchos);
+    Ajustes().Guardar(Ajuste::Rejilla, NombreEntero(), anchos);
 }
 
 QVariant PanelDetalle::ValorVisible(const Renglon& renglon, int columna) const {

@@ -50,7 +50,8 @@ private:
     void Anotar(int fila, int columna, const QString& texto);
     void Pegar();
     int PrimeraEditable(int fila) const;
-    QString ClaveDeAnchos() const;
+    /// Its own after its editor's.
+    QString NombreEntero() const;
 
     catalog::EditorSesion& sesion_;
     std::size_t cual_;

@@ -2,14 +2,15 @@
 
 #include <QCloseEvent>
 #include <QFocusEvent>
-#include <QSettings>
+
+#include "ui/controles/ajustes.h"
 
 using namespace Qt::StringLiterals;
 
 namespace quimo::ui {
 
 using catalog::EditorSesion;
-using Orden = OrdenVentana;
+using Comando = ComandoVentana;
 
 VentanaEditor* VentanaEditor::Abrir(const catalog::EditorDef& def, foundation::ClsAdo& ado,
                                     DialogosDeEditor dialogos) {
@@ -31,20 +32,22 @@ VentanaEditor::VentanaEditor(std::unique_ptr<EditorSesion> sesion, foundation::C
 
 EstadoVentana VentanaEditor::Estado() const {
     EstadoVentana estado;
-    estado.visibles = OrdenesDeEditor();
+    estado.visibles = ComandosDeEditor();
     estado.registros = sesion_->TextoRegistros();
     estado.teclas = sesion_->TextoTeclas();
     if (sesion_->EnEdicion()) {
-        estado.habilitadas = Orden::Aceptar | Orden::Cancelar;
+        estado.habilitados = Comando::Aceptar | Comando::Cancelar;
         if (!paneles_.isEmpty()) {
-            estado.habilitadas |= Orden::SpreadNuevo | Orden::SpreadModificar | Orden::SpreadBorrar;
+            estado.habilitados |=
+                Comando::SpreadNuevo | Comando::SpreadModificar | Comando::SpreadBorrar;
         }
         return estado;
     }
-    estado.habilitadas = OrdenesDeEditor();
-    estado.habilitadas &= ~OrdenesVentana(Orden::Aceptar | Orden::Cancelar);
+    estado.habilitados = ComandosDeEditor();
+    estado.habilitados &= ~ComandosVentana(Comando::Aceptar | Comando::Cancelar);
     if (!sesion_->PermiteCambios()) {
-        estado.habilitadas &= ~OrdenesVentana(Orden::Nuevo | Orden::Modificar | Orden::Borrar);
+        estado.habilitados &=
+            ~ComandosVentana(Comando::Nuevo | Comando::Modificar | Comando::Borrar);
     }
     return estado;
 }
@@ -78,55 +81,55 @@ void VentanaEditor::Abierto(const std::function<void(VentanaEditor&)>& dialogo) 
     ado_.Dialogo().Avisar(u"Comando no disponible"_s, foundation::Icono::Informacion);
 }
 
-void VentanaEditor::Ejecutar(OrdenVentana orden) {
+void VentanaEditor::Ejecutar(ComandoVentana comando) {
     PanelDetalle* const panel = PanelActivo();
-    switch (orden) {
-        case Orden::Aceptar:
+    switch (comando) {
+        case Comando::Aceptar:
             if (TomarCeldas()) sesion_->Guardar();
             break;
-        case Orden::Cancelar:
+        case Comando::Cancelar:
             // The first time it only leaves the cell that is being written into.
             if (panel != nullptr && panel->CerrarCelda(false)) return;
             sesion_->Cancelar();
             break;
-        case Orden::Borrar:
+        case Comando::Borrar:
             sesion_->Borrar();
             break;
-        case Orden::Nuevo:
+        case Comando::Nuevo:
             sesion_->Nuevo();
             break;
-        case Orden::Modificar:
+        case Comando::Modificar:
             sesion_->Modificar();
             break;
-        case Orden::Primero:
+        case Comando::Primero:
             sesion_->Mover(u"PRIMERO"_s);
             break;
-        case Orden::Anterior:
+        case Comando::Anterior:
             sesion_->Mover(u"ANTERIOR"_s);
             break;
-        case Orden::Siguiente:
+        case Comando::Siguiente:
             sesion_->Mover(u"SIGUIENTE"_s);
             break;
-        case Orden::Ultimo:
+        case Comando::Ultimo:
             sesion_->Mover(u"ULTIMO"_s);
             break;
-        case Orden::Buscar:
+        case Comando::Buscar:
             Abierto(dialogos_.buscar);
             break;
-        case Orden::Filtro:
+        case Comando::Filtro:
             Abierto(dialogos_.consulta);
             break;
-        case Orden::Imprimir:
-        case Orden::Preview:
+        case Comando::Imprimir:
+        case Comando::Preview:
             Abierto({});
             break;
-        case Orden::SpreadNuevo:
+        case Comando::SpreadNuevo:
             if (panel != nullptr) panel->Nuevo();
             return;
-        case Orden::SpreadModificar:
+        case Comando::SpreadModificar:
             if (panel != nullptr) panel->Modificar();
             return;
-        case Orden::SpreadBorrar:
+        case Comando::SpreadBorrar:
             if (panel != nullptr) panel->Borrar();
             return;
     }
@@ -152,11 +155,11 @@ void PonerColores(QWidget* control, bool bloqueado, const QPalette& paleta) {
 void VentanaEditor::RefrescarCampo(qsizetype campo) {
     const Control& control = controles_[campo];
     const bool bloqueado = sesion_->Bloqueado(campo);
-    const QString& valor = sesion_->Valor(campo);
+    const QString& valor = sesion_->Campos().Valor(campo);
     PonerColores(control.Principal(), bloqueado, palette());
     if (control.combo != nullptr) {
         control.oculto->setText(valor);
-        control.combo->setCurrentIndex(sesion_->Elegido(campo));
+        control.combo->setCurrentIndex(sesion_->Campos().Elegido(campo));
         control.combo->setEnabled(!bloqueado);
     } else if (control.casilla != nullptr) {
         control.casilla->setChecked(valor == u"1"_s);
@@ -182,7 +185,7 @@ void VentanaEditor::Refrescar() {
 void VentanaEditor::Enfocar() {
     const QString nombre = sesion_->TomarFoco();
     if (nombre.isEmpty()) return;
-    const Control& control = controles_[sesion_->IndiceDe(nombre)];
+    const Control& control = controles_[sesion_->Campos().IndiceDe(nombre)];
     control.Principal()->setFocus();
     if (control.caja == nullptr || !sesion_->EnEdicion()) return;
     // All of it selected, and its beginning in sight.
@@ -201,7 +204,7 @@ bool VentanaEditor::eventFilter(QObject* objeto, QEvent* evento) {
     if (evento->type() == QEvent::FocusOut) {
         const auto razon = static_cast<QFocusEvent*>(evento)->reason();
         if (razon != Qt::PopupFocusReason && razon != Qt::ActiveWindowFocusReason) {
-            const qsizetype campo = sesion_->IndiceDe(objeto->objectName());
+            const qsizetype campo = sesion_->Campos().IndiceDe(objeto->objectName());
             // After the focus has settled: a message in the middle of its way would lose it.
             QMetaObject::invokeMethod(
                 this, [this, campo] { DejarCaja(campo); }, Qt::QueuedConnection);
@@ -210,12 +213,10 @@ bool VentanaEditor::eventFilter(QObject* objeto, QEvent* evento) {
     return VentanaHija::eventFilter(objeto, evento);
 }
 
-QString VentanaEditor::ClaveDeTamano() const { return u"VENTANA/"_s + objectName(); }
-
 void VentanaEditor::showEvent(QShowEvent* evento) {
     VentanaHija::showEvent(evento);
     if (std::exchange(mostrada_, true)) return;
-    const QSize guardado = QSettings(u"QUIMO"_s, u"QUIMO"_s).value(ClaveDeTamano()).toSize();
+    const QSize guardado = Ajustes().Leer(Ajuste::Ventana, objectName()).toSize();
     QWidget* const marco = parentWidget();
     if (marco == nullptr || marco->parentWidget() == nullptr || guardado.isEmpty()) return;
     marco->resize(guardado.boundedTo(marco->parentWidget()->size()));
@@ -230,7 +231,7 @@ void VentanaEditor::closeEvent(QCloseEvent* evento) {
     }
     const QWidget* const marco = parentWidget();
     if (marco != nullptr && !marco->isMinimized() && !marco->isMaximized()) {
-        QSettings(u"QUIMO"_s, u"QUIMO"_s).setValue(ClaveDeTamano(), marco->size());
+        Ajustes().Guardar(Ajuste::Ventana, objectName(), marco->size());
     }
     for (const PanelDetalle* const panel : std::as_const(paneles_))
         panel->RecordarAnchos();

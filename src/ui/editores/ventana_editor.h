@@ -33,7 +33,7 @@ public:
                                 DialogosDeEditor dialogos = {});
 
     EstadoVentana Estado() const override;
-    void Ejecutar(OrdenVentana orden) override;
+    void Ejecutar(ComandoVentana comando) override;
     void Activada() override;
 
     catalog::EditorSesion& Sesion() { return *sesion_; }
@@ -72,7 +72,6 @@ private:
     PanelDetalle* PanelActivo() const;
     void Abierto(const std::function<void(VentanaEditor&)>& dialogo);
     void DejarCaja(qsizetype campo);
-    QString ClaveDeTamano() const;
 
     std::unique_ptr<catalog::EditorSesion> sesion_;
     foundation::ClsAdo& ado_;

@@ -60,7 +60,7 @@ VentanaEditor::Control VentanaEditor::CrearControl(qsizetype campo) {
         case TipoCampo::Codigo:
         case TipoCampo::Lista:
             control.combo = Nombrar(new QComboBox(this), nombre, etiqueta);
-            control.combo->addItems(sesion_->Entradas(campo));
+            control.combo->addItems(sesion_->Campos().Entradas(campo));
             control.combo->setMaxVisibleItems(20);
             control.oculto = CrearCaja(def.oculto.toString(), etiqueta);
             control.oculto->setProperty(kEtiqueta, def.tag.toString());
@@ -77,7 +77,7 @@ VentanaEditor::Control VentanaEditor::CrearControl(qsizetype campo) {
     }
     control.caja = CrearCaja(nombre, etiqueta);
     control.caja->setProperty(kEtiqueta, def.tag.toString());
-    const int largo = sesion_->LargoMaximo(campo);
+    const int largo = sesion_->Campos().LargoMaximo(campo, sesion_->Conjunto());
     if (largo > 0) control.caja->setMaxLength(largo);
     if (def.tipo == TipoCampo::Clave) control.caja->setFocusPolicy(Qt::NoFocus);
     if (def.tipo == TipoCampo::Numero) control.caja->setAlignment(Qt::AlignRight);

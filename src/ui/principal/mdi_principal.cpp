@@ -8,12 +8,13 @@
 #include <QMdiSubWindow>
 #include <QMenuBar>
 #include <QPointer>
-#include <QSettings>
 #include <QSortFilterProxyModel>
 #include <QStatusBar>
 #include <QTimer>
 #include <QTreeView>
 
+#include "base/check.h"
+#include "ui/controles/ajustes.h"
 #include "ui/controles/aspecto.h"
 #include "ui/controles/iconos.h"
 #include "ui/principal/teclado.h"
@@ -27,10 +28,6 @@ namespace {
 constexpr int kSegundoMs = 1000;
 constexpr QSize kTamanoInicial(1200, 680);
 constexpr QSize kTamanoArchivos(780, 480);
-
-QSettings Ajustes() { return QSettings(u"QUIMO"_s, u"QUIMO"_s); }
-QString ClaveTapiz() { return u"TAPIZ/TAPIZ"_s; }
-QString ClaveGeometria() { return u"VENTANA/MDIPrincipal"_s; }
 
 /// The files of the dialog with their dates written as everywhere else: Qt writes them as the
 /// machine's own language does.
@@ -64,7 +61,7 @@ MDIPrincipal::MDIPrincipal(const Contexto& contexto)
     CrearHerramientas();
     CrearBarraDeStatus();
     RegistrarPropias();
-    if (!restoreGeometry(Ajustes().value(ClaveGeometria()).toByteArray())) {
+    if (!restoreGeometry(Ajustes().Leer(Ajuste::Ventana, objectName()).toByteArray())) {
         resize(kTamanoInicial);
         setWindowState(Qt::WindowMaximized);
     }
@@ -129,9 +126,9 @@ void MDIPrincipal::RefrescarFechaTrabajo() {
                                   foundation::FechaTrabajoParaMostrar(contexto_.ado));
 }
 
-void MDIPrincipal::RegistrarVentana(const QString& orden, const Fabrica& fabrica) {
-    RegistrarAccion(orden, [this, orden, fabrica] {
-        if (QMdiSubWindow* const abierta = abiertas_.value(orden)) {
+void MDIPrincipal::RegistrarVentana(const QString& comando, const Fabrica& fabrica) {
+    RegistrarAccion(comando, [this, comando, fabrica] {
+        if (QMdiSubWindow* const abierta = abiertas_.value(comando)) {
             if (abierta->isMinimized()) abierta->showNormal();
             area_->setActiveSubWindow(abierta);
             return;
@@ -140,13 +137,14 @@ void MDIPrincipal::RegistrarVentana(const QString& orden, const Fabrica& fabrica
         if (ventana == nullptr) return;
         Abrir(ventana);
         auto* const marco = qobject_cast<QMdiSubWindow*>(ventana->parentWidget());
-        abiertas_.insert(orden, marco);
-        connect(marco, &QObject::destroyed, this, [this, orden] { abiertas_.remove(orden); });
+        abiertas_.insert(comando, marco);
+        connect(marco, &QObject::destroyed, this, [this, comando] { abiertas_.remove(comando); });
     });
 }
 
-void MDIPrincipal::RegistrarAccion(const QString& orden, const std::function<void()>& accion) {
-    acciones_.insert(orden, accion);
+void MDIPrincipal::RegistrarAccion(const QString& comando, const std::function<void()>& accion) {
+    QUIMO_CHECK(foundation::EsComando(comando));
+    acciones_.insert(comando, accion);
 }
 
 void MDIPrincipal::Abrir(VentanaHija* ventana) {
@@ -166,8 +164,8 @@ VentanaHija* MDIPrincipal::Activa() const {
     return marco == nullptr ? nullptr : qobject_cast<VentanaHija*>(marco->widget());
 }
 
-void MDIPrincipal::Elegida(const QString& orden) {
-    const auto accion = acciones_.value(orden);
+void MDIPrincipal::Elegido(const QString& comando) {
+    const auto accion = acciones_.value(comando);
     if (accion) {
         accion();
     } else {
@@ -175,26 +173,26 @@ void MDIPrincipal::Elegida(const QString& orden) {
     }
 }
 
-void MDIPrincipal::Dirigir(OrdenVentana orden) {
+void MDIPrincipal::Dirigir(ComandoVentana comando) {
     VentanaHija* const activa = Activa();
-    if (activa == nullptr || !activa->Estado().habilitadas.testFlag(orden)) return;
+    if (activa == nullptr || !activa->Estado().habilitados.testFlag(comando)) return;
     const QPointer<VentanaHija> sigue = activa;
-    activa->Ejecutar(orden);
+    activa->Ejecutar(comando);
     if (!sigue.isNull()) RefrescarEstado();
 }
 
 void MDIPrincipal::RefrescarEstado() {
     const VentanaHija* const activa = Activa();
     EstadoVentana estado;
-    estado.visibles = OrdenesDeEditor() & ~OrdenesDeReporte();
+    estado.visibles = ComandosDeEditor() & ~ComandosDeReporte();
     if (activa != nullptr) estado = activa->Estado();
-    for (auto it = de_orden_.cbegin(); it != de_orden_.cend(); ++it)
-        it.value()->setEnabled(estado.habilitadas.testFlag(OrdenVentana(it.key())));
+    for (auto it = de_ventana_.cbegin(); it != de_ventana_.cend(); ++it)
+        it.value()->setEnabled(estado.habilitados.testFlag(ComandoVentana(it.key())));
     for (auto it = botones_.cbegin(); it != botones_.cend(); ++it)
-        it.value()->setVisible(estado.visibles.testFlag(OrdenVentana(it.key())));
+        it.value()->setVisible(estado.visibles.testFlag(ComandoVentana(it.key())));
     // The first button does both: it is there as long as either can be done.
-    if (estado.habilitadas.testFlag(OrdenVentana::Modificar)) {
-        botones_.value(quint32(OrdenVentana::Nuevo))->setEnabled(true);
+    if (estado.habilitados.testFlag(ComandoVentana::Modificar)) {
+        botones_.value(quint32(ComandoVentana::Nuevo))->setEnabled(true);
     }
     panel_registros_->setText(estado.registros);
     panel_teclas_->setText(estado.teclas);
@@ -211,12 +209,12 @@ bool MDIPrincipal::eventFilter(QObject* objeto, QEvent* evento) {
         (control != activa && !activa->isAncestorOf(control))) {
         return QMainWindow::eventFilter(objeto, evento);
     }
-    const auto orden = OrdenDeTecla(*static_cast<QKeyEvent*>(evento));
+    const auto comando = ComandoDeTecla(*static_cast<QKeyEvent*>(evento));
     const EstadoVentana estado = activa->Estado();
-    if (!orden || !(estado.habilitadas & estado.visibles).testFlag(*orden)) {
+    if (!comando || !(estado.habilitados & estado.visibles).testFlag(*comando)) {
         return QMainWindow::eventFilter(objeto, evento);
     }
-    Dirigir(*orden);
+    Dirigir(*comando);
     return true;
 }
 
@@ -245,16 +243,15 @@ void MDIPrincipal::CambiarTapiz() {
 }
 
 void MDIPrincipal::GuardarTapiz(const QString& archivo) {
-    QSettings ajustes = Ajustes();
-    ajustes.setValue(ClaveTapiz(), archivo);
-    ajustes.sync();
-    if (ajustes.status() == QSettings::NoError) return;
-    contexto_.dialogos.Avisar(u"No se pudo guardar el tapiz en "_s + ajustes.fileName(),
+    Ajustes ajustes;
+    ajustes.Guardar(Ajuste::Tapiz, {}, archivo);
+    if (ajustes.Escribir()) return;
+    contexto_.dialogos.Avisar(u"No se pudo guardar el tapiz en "_s + ajustes.Archivo(),
                               foundation::Icono::Exclamacion);
 }
 
 void MDIPrincipal::RecordarTapiz() {
-    const QString archivo = Ajustes().value(ClaveTapiz()).toString();
+    const QString archivo = Ajustes().Leer(Ajuste::Tapiz).toString();
     QString motivo;
     // A picture that is gone is no reason to stop anybody at the door.
     if (!area_->PonerTapiz(archivo, motivo)) {
@@ -281,7 +278,7 @@ void MDIPrincipal::closeEvent(QCloseEvent* evento) {
         evento->ignore();
         return;
     }
-    Ajustes().setValue(ClaveGeometria(), saveGeometry());
+    Ajustes().Guardar(Ajuste::Ventana, objectName(), saveGeometry());
     evento->accept();
     emit Cerrada();
 }

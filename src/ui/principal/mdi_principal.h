@@ -14,7 +14,6 @@
 #include "ui/controles/dialogos_qt.h"
 #include "ui/controles/ventana_hija.h"
 #include "ui/principal/area_mdi.h"
-#include "ui/principal/menu_principal.h"
 
 namespace quimo::ui {
 
@@ -42,9 +41,9 @@ public:
     ~MDIPrincipal() override;
 
     /// The command opens the window that the factory makes; when it is open already, that one.
-    void RegistrarVentana(const QString& orden, const Fabrica& fabrica);
+    void RegistrarVentana(const QString& comando, const Fabrica& fabrica);
     /// The command runs this.
-    void RegistrarAccion(const QString& orden, const std::function<void()>& accion);
+    void RegistrarAccion(const QString& comando, const std::function<void()>& accion);
 
     /// Shows a child window inside, which it owns from then on.
     void Abrir(VentanaHija* ventana);
@@ -64,16 +63,17 @@ protected:
 private:
     // mdi_principal_menu.cpp: menus, toolbar, rights.
     void CrearMenus();
-    void Llenar(QMenu& menu, std::span<const EntradaMenu> entradas);
-    QAction* CrearOrden(const EntradaMenu& entrada, QObject* padre);
+    void Llenar(QMenu& menu, std::span<const foundation::ComandoDef> comandos);
+    QMenu* NombrarMenu(QMenu* menu, const foundation::ComandoDef& def);
+    QAction* CrearAccion(const foundation::ComandoDef& def, QObject* padre);
     void CrearHerramientas();
     void PonerIconos();
     void AplicarPermisos();
     void RegistrarPropias();
 
     void CrearBarraDeStatus();
-    void Elegida(const QString& orden);
-    void Dirigir(OrdenVentana orden);
+    void Elegido(const QString& comando);
+    void Dirigir(ComandoVentana comando);
     void RefrescarEstado();
     void Tictac();
     void CambiarTapiz();
@@ -92,8 +92,9 @@ private:
     QLabel* panel_reloj_ = nullptr;
     QHash<QString, std::function<void()>> acciones_;
     QHash<QString, QMdiSubWindow*> abiertas_;
-    QMultiHash<quint32, QAction*> de_orden_;  // what offers an operation of the active child
-    QHash<quint32, QAction*> botones_;        // the toolbar's own
+    QHash<const foundation::ComandoDef*, QAction*> de_comando_;
+    QMultiHash<quint32, QAction*> de_ventana_;  // what offers an operation of the active child
+    QHash<quint32, QAction*> botones_;          // the toolbar's own
 };
 
 }  // namespace quimo::ui

@@ -6,11 +6,14 @@
 #include "foundation/permisos.h"
 #include "ui/controles/aspecto.h"
 #include "ui/controles/iconos.h"
+#include "ui/principal/herramientas.h"
 #include "ui/principal/mdi_principal.h"
 
 using namespace Qt::StringLiterals;
 
 namespace quimo::ui {
+
+using foundation::ComandoDef;
 
 namespace {
 
@@ -23,46 +26,48 @@ QString Texto(const char16_t* texto) { return QString::fromUtf16(texto); }
 void MDIPrincipal::CrearMenus() {
     menuBar()->setNativeMenuBar(false);
     Nombrar(menuBar(), u"BarraMenus"_s, u"Menú principal"_s);
-    for (const EntradaMenu& menu : MenusPrincipales()) {
-        QMenu* const nuevo = menuBar()->addMenu(Texto(menu.texto));
-        nuevo->setObjectName(Texto(menu.nombre));
-        nuevo->menuAction()->setObjectName(Texto(menu.nombre));
-        Llenar(*nuevo, menu.entradas);
-    }
-    menu_spread_->setObjectName(Texto(MenuSpread().nombre));
-    Llenar(*menu_spread_, MenuSpread().entradas);
+    for (const ComandoDef& menu : foundation::MenusPrincipales())
+        Llenar(*NombrarMenu(menuBar()->addMenu(menu.texto.toString()), menu), menu.comandos);
+    const ComandoDef& spread = foundation::MenuSpread();
+    menu_spread_->setObjectName(spread.nombre.toString());
+    Llenar(*menu_spread_, spread.comandos);
 }
 
-void MDIPrincipal::Llenar(QMenu& menu, std::span<const EntradaMenu> entradas) {
+QMenu* MDIPrincipal::NombrarMenu(QMenu* menu, const ComandoDef& def) {
+    menu->setObjectName(def.nombre.toString());
+    menu->menuAction()->setObjectName(def.nombre.toString());
+    de_comando_.insert(&def, menu->menuAction());
+    return menu;
+}
+
+void MDIPrincipal::Llenar(QMenu& menu, std::span<const ComandoDef> comandos) {
     int indice = 0;
-    for (const EntradaMenu& entrada : entradas) {
-        if (entrada.nombre == nullptr) {
+    for (const ComandoDef& def : comandos) {
+        if (def.nombre.isEmpty()) {
             menu.addSeparator();
-        } else if (!entrada.entradas.empty()) {
-            QMenu* const hijo = menu.addMenu(Texto(entrada.texto));
-            hijo->setObjectName(Texto(entrada.nombre));
-            hijo->menuAction()->setObjectName(Texto(entrada.nombre));
-            Llenar(*hijo, entrada.entradas);
+        } else if (!def.comandos.empty()) {
+            Llenar(*NombrarMenu(menu.addMenu(def.texto.toString()), def), def.comandos);
         } else {
-            QAction* const orden = CrearOrden(entrada, &menu);
-            orden->setProperty("Index", indice++);
-            menu.addAction(orden);
+            QAction* const accion = CrearAccion(def, &menu);
+            accion->setProperty("Index", indice++);
+            menu.addAction(accion);
         }
     }
 }
 
-QAction* MDIPrincipal::CrearOrden(const EntradaMenu& entrada, QObject* padre) {
-    auto* const orden = new QAction(Texto(entrada.texto), padre);
-    orden->setObjectName(Texto(entrada.nombre));
-    if (entrada.orden) {
-        const OrdenVentana pedida = *entrada.orden;
-        de_orden_.insert(quint32(pedida), orden);
-        connect(orden, &QAction::triggered, this, [this, pedida] { Dirigir(pedida); });
+QAction* MDIPrincipal::CrearAccion(const ComandoDef& def, QObject* padre) {
+    auto* const accion = new QAction(def.texto.toString(), padre);
+    accion->setObjectName(def.nombre.toString());
+    de_comando_.insert(&def, accion);
+    if (def.ventana) {
+        const ComandoVentana pedido = *def.ventana;
+        de_ventana_.insert(quint32(pedido), accion);
+        connect(accion, &QAction::triggered, this, [this, pedido] { Dirigir(pedido); });
     } else {
-        connect(orden, &QAction::triggered, this,
-                [this, nombre = Texto(entrada.nombre)] { Elegida(nombre); });
+        connect(accion, &QAction::triggered, this,
+                [this, nombre = def.nombre.toString()] { Elegido(nombre); });
     }
-    return orden;
+    return accion;
 }
 
 void MDIPrincipal::CrearHerramientas() {
@@ -74,23 +79,24 @@ void MDIPrincipal::CrearHerramientas() {
         if (def.separador_antes) herramientas_->addSeparator();
         auto* const accion = new QAction(Texto(def.texto), this);
         accion->setObjectName(Texto(def.clave));
-        connect(accion, &QAction::triggered, this, [this, orden = def.orden] { Dirigir(orden); });
+        connect(accion, &QAction::triggered, this,
+                [this, comando = def.comando] { Dirigir(comando); });
         herramientas_->addAction(accion);
         Nombrar(herramientas_->widgetForAction(accion), Texto(def.clave), Texto(def.texto));
-        de_orden_.insert(quint32(def.orden), accion);
-        botones_.insert(quint32(def.orden), accion);
+        de_ventana_.insert(quint32(def.comando), accion);
+        botones_.insert(quint32(def.comando), accion);
     }
     // One button for both: pressed it begins a new row, its arrow also offers to modify this one.
     auto* const boton = qobject_cast<QToolButton*>(
-        herramientas_->widgetForAction(botones_.value(quint32(OrdenVentana::Nuevo))));
+        herramientas_->widgetForAction(botones_.value(quint32(ComandoVentana::Nuevo))));
     auto* const menu = new QMenu(boton);
-    for (const auto& [nombre, texto, orden] :
-         {std::tuple{u"BotonNuevo"_s, u"&Nuevo (INS)"_s, OrdenVentana::Nuevo},
-          std::tuple{u"BotonModificar"_s, u"&Modificar (F6)"_s, OrdenVentana::Modificar}}) {
+    for (const auto& [nombre, texto, comando] :
+         {std::tuple{u"BotonNuevo"_s, u"&Nuevo (INS)"_s, ComandoVentana::Nuevo},
+          std::tuple{u"BotonModificar"_s, u"&Modificar (F6)"_s, ComandoVentana::Modificar}}) {
         QAction* const accion =
-            menu->addAction(texto, this, [this, pedida = orden] { Dirigir(pedida); });
+            menu->addAction(texto, this, [this, pedido = comando] { Dirigir(pedido); });
         accion->setObjectName(nombre);
-        de_orden_.insert(quint32(orden), accion);
+        de_ventana_.insert(quint32(comando), accion);
     }
     boton->setMenu(menu);
     boton->setPopupMode(QToolButton::MenuButtonPopup);
@@ -110,19 +116,18 @@ void MDIPrincipal::PonerIconos() {
 }
 
 void MDIPrincipal::AplicarPermisos() {
-    for (const foundation::OrdenHabilitada& orden :
-         foundation::HabilitarOrdenes(contexto_.sesion.permisos)) {
-        auto* const accion = findChild<QAction*>(orden.orden);
-        QUIMO_CHECK(accion != nullptr);
-        accion->setEnabled(orden.habilitada);
-        if (auto* const menu = findChild<QMenu*>(orden.orden)) menu->setEnabled(orden.habilitada);
+    for (const auto& [comando, habilitado] :
+         foundation::HabilitarComandos(contexto_.sesion.permisos)) {
+        QAction* const accion = de_comando_.value(comando);
+        accion->setEnabled(habilitado);
+        if (QMenu* const menu = accion->menu()) menu->setEnabled(habilitado);
     }
 }
 
 void MDIPrincipal::RegistrarPropias() {
     // Present and inert on purpose.
-    for (const QString& orden : {u"mnuParametros"_s, u"mnuEmpresas"_s})
-        RegistrarAccion(orden, [] {});
+    for (const QString& comando : {u"mnuParametros"_s, u"mnuEmpresas"_s})
+        RegistrarAccion(comando, [] {});
     RegistrarAccion(u"mnuArCerrar"_s, [this] { area_->closeActiveSubWindow(); });
     RegistrarAccion(u"mnuArSalir"_s, [this] { close(); });
     RegistrarAccion(u"MnuVeArIconos"_s, [this] { area_->ArreglarIconos(); });

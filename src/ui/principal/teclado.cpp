@@ -2,29 +2,29 @@
 
 namespace quimo::ui {
 
-std::optional<OrdenVentana> OrdenDeTecla(const QKeyEvent& tecla) {
+std::optional<ComandoVentana> ComandoDeTecla(const QKeyEvent& tecla) {
     if ((tecla.modifiers() & ~Qt::KeypadModifier) != Qt::NoModifier) return std::nullopt;
     switch (tecla.key()) {
         case Qt::Key_F5:
-            return OrdenVentana::Aceptar;
+            return ComandoVentana::Aceptar;
         case Qt::Key_Delete:
-            return OrdenVentana::Borrar;
+            return ComandoVentana::Borrar;
         case Qt::Key_Escape:
-            return OrdenVentana::Cancelar;
+            return ComandoVentana::Cancelar;
         case Qt::Key_Insert:
-            return OrdenVentana::Nuevo;
+            return ComandoVentana::Nuevo;
         case Qt::Key_F6:
-            return OrdenVentana::Modificar;
+            return ComandoVentana::Modificar;
         case Qt::Key_Home:
-            return OrdenVentana::Primero;
+            return ComandoVentana::Primero;
         case Qt::Key_PageDown:
         case Qt::Key_Down:
-            return OrdenVentana::Anterior;
+            return ComandoVentana::Anterior;
         case Qt::Key_PageUp:
         case Qt::Key_Up:
-            return OrdenVentana::Siguiente;
+            return ComandoVentana::Siguiente;
         case Qt::Key_End:
-            return OrdenVentana::Ultimo;
+            return ComandoVentana::Ultimo;
         default:
             return std::nullopt;
     }

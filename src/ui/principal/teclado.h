@@ -10,6 +10,6 @@ namespace quimo::ui {
 
 /// The operation that a key stands for, if any. PgUp and Up go to the next row, PgDn and Down to
 /// the previous one.
-std::optional<OrdenVentana> OrdenDeTecla(const QKeyEvent& tecla);
+std::optional<ComandoVentana> ComandoDeTecla(const QKeyEvent& tecla);
 
 }  // namespace quimo::ui

@@ -48,8 +48,8 @@ TEST(PlegarTest, LosAcentosCaenYLaEneQueda) {
     EXPECT_NE(data::Plegar(u"piña"_s), data::Plegar(u"pina"_s));
 }
 
-constexpr char16_t kCaso[] =
-    u"CASE c WHEN 'E' THEN 'Efectivo' WHEN 'D' THEN 'Débito' ELSE 'Otro' END AS c";
+constexpr ItemCodigo kClases[] = {{u"Efectivo", u"E"}, {u"Débito", u"D"}, {u"D'otro", u"O"}};
+constexpr ColumnaFiltro kClase = {u"Clase", u"Clase", u"c", kClases, OtroCodigo::ElUltimo};
 
 struct Caso {
     TipoSql tipo;
@@ -62,7 +62,7 @@ class CondicionTest : public testing::TestWithParam<Caso> {};
 TEST_P(CondicionTest, EsTsql) {
     const Caso& caso = GetParam();
     ColumnaFiltrable columna{u"Campo"_s, u"c"_s, caso.tipo};
-    if (caso.tipo == TipoSql::Char) columna.codigos = CodigosDe(kCaso, u"c");
+    if (caso.tipo == TipoSql::Char) columna.codigos = CodigosDe(kClase);
     const auto texto = TextoDeCondicion(columna, {3, caso.operador, QString::fromUtf16(caso.valor),
                                                   QString::fromUtf16(caso.hasta)});
     EXPECT_EQ(texto ? *texto : u"!"_s + texto.error().mensaje, QString::fromUtf16(caso.tsql));
@@ -70,23 +70,23 @@ TEST_P(CondicionTest, EsTsql) {
 }
 INSTANTIATE_TEST_SUITE_P(
     Textos, CondicionTest,
-    testing::Values(Caso{TipoSql::VarChar, Igual, u" Menú d'oro ", u"", u"c='Menú d''oro'"},
-                    Caso{TipoSql::VarChar, Distinto, u"x", u"", u"(c<>'x' OR c IS NULL)"},
-                    Caso{TipoSql::VarChar, Contiene, u"50%_[a]'", u"",
-                         u"c LIKE '%50[%][_][[]a]''%'"},
-                    Caso{TipoSql::VarChar, Empieza, u"A", u"", u"c LIKE 'A%'"},
-                    Caso{TipoSql::VarChar, Contiene, u"☕", u"", u"c LIKE N'%☕%'"},
-                    Caso{TipoSql::NVarChar, Igual, u"a", u"", u"c=N'a'"},
-                    Caso{TipoSql::VarChar, Entre, u"a", u"c", u"(c>='a' AND c<='c')"},
-                    Caso{TipoSql::VarChar, Entre, u"", u"c", u"c<='c'"},
-                    Caso{TipoSql::VarChar, Entre, u"", u"", u""},
-                    Caso{TipoSql::VarChar, Igual, u"  ", u"", u""},
-                    Caso{TipoSql::VarChar, Vacio, u"sobra", u"", u"(c IS NULL OR c='')"},
-                    Caso{TipoSql::Char, Igual, u"debito", u"", u"c='D'"},
-                    Caso{TipoSql::Char, Igual, u"D", u"", u"c='D'"},
-                    Caso{TipoSql::Char, Distinto, u"Efectivo", u"", u"(c<>'E' OR c IS NULL)"},
-                    Caso{TipoSql::Char, Igual, u"Otro", u"", u"(c NOT IN ('E','D') OR c IS NULL)"},
-                    Caso{TipoSql::Char, Distinto, u"Otro", u"", u"c IN ('E','D')"}));
+    testing::Values(
+        Caso{TipoSql::VarChar, Igual, u" Menú d'oro ", u"", u"c='Menú d''oro'"},
+        Caso{TipoSql::VarChar, Distinto, u"x", u"", u"(c<>'x' OR c IS NULL)"},
+        Caso{TipoSql::VarChar, Contiene, u"50%_[a]'", u"", u"c LIKE '%50[%][_][[]a]''%'"},
+        Caso{TipoSql::VarChar, Empieza, u"A", u"", u"c LIKE 'A%'"},
+        Caso{TipoSql::VarChar, Contiene, u"☕", u"", u"c LIKE N'%☕%'"},
+        Caso{TipoSql::NVarChar, Igual, u"a", u"", u"c=N'a'"},
+        Caso{TipoSql::VarChar, Entre, u"a", u"c", u"(c>='a' AND c<='c')"},
+        Caso{TipoSql::VarChar, Entre, u"", u"c", u"c<='c'"},
+        Caso{TipoSql::VarChar, Entre, u"", u"", u""},
+        Caso{TipoSql::VarChar, Igual, u"  ", u"", u""},
+        Caso{TipoSql::VarChar, Vacio, u"sobra", u"", u"(c IS NULL OR c='')"},
+        Caso{TipoSql::Char, Igual, u"debito", u"", u"c='D'"},
+        Caso{TipoSql::Char, Igual, u"D", u"", u"c='D'"},
+        Caso{TipoSql::Char, Distinto, u"Efectivo", u"", u"(c<>'E' OR c IS NULL)"},
+        Caso{TipoSql::Char, Igual, u"D'otro", u"", u"(c NOT IN ('E','D') OR c IS NULL)"},
+        Caso{TipoSql::Char, Distinto, u"D'otro", u"", u"c IN ('E','D')"}));
 INSTANTIATE_TEST_SUITE_P(
     OtrosTipos, CondicionTest,
     testing::Values(
@@ -115,10 +115,18 @@ INSTANTIATE_TEST_SUITE_P(
              u"!Campo: «30/02/2026» no es una fecha que exista. Escríbala como día/mes/año: "
              u"31/12/2026."}));
 
-TEST(CodigosDeTest, SoloDelCasoSobreLaMismaColumna) {
-    EXPECT_EQ(CodigosDe(kCaso, u"C ").size(), 3);
-    EXPECT_TRUE(CodigosDe(kCaso, u"otra").isEmpty());
-    EXPECT_TRUE(CodigosDe(u"Nombre_Menu", u"Nombre_Menu").isEmpty());
+TEST(CodigosDeTest, LoMostradoSeHaceDeLaLista) {
+    EXPECT_EQ(ExpresionDe(kClase),
+              u"CASE c WHEN 'E' THEN 'Efectivo' WHEN 'D' THEN 'Débito' ELSE 'D''otro' END AS "
+              u"Clase"_s);
+    ColumnaFiltro sin_otro = kClase;
+    sin_otro.otro = OtroCodigo::Nada;
+    EXPECT_EQ(ExpresionDe(sin_otro),
+              u"CASE c WHEN 'E' THEN 'Efectivo' WHEN 'D' THEN 'Débito' WHEN 'O' THEN 'D''otro' END "
+              u"AS Clase"_s);
+    const ColumnaFiltro nombre = {u"Nombre", u"Nombre_Menu", u"Nombre_Menu"};
+    EXPECT_EQ(ExpresionDe(nombre), u"Nombre_Menu"_s);
+    EXPECT_TRUE(CodigosDe(nombre).isEmpty());
 }
 
 }  // namespace

@@ -87,6 +87,22 @@ TEST_F(ConsultaTest, LaSentenciaUneLaBaseConLasCondiciones) {
                {{0, MayorIgual, u"2"_s}, {1, Vacio}},
                submenu + u" WHERE ID_SubMenu>=2 AND (Nombre_SubMenu IS NULL OR "
                          u"Nombre_SubMenu='')"_s},
+          Caso{kCategoria,
+               {{2, Distinto, u"retail"_s}},
+               u"SELECT ID_Categoria,Nombre_Categoria,CASE Tipo_Categoria WHEN 'V' THEN 'Ventas' "
+               u"WHEN 'S' THEN 'Sugestivo' WHEN 'R' THEN 'Retail' WHEN 'N' THEN 'Sin Ventas' END "
+               u"AS Tipo FROM Categoria WHERE (Tipo_Categoria<>'R' OR Tipo_Categoria IS NULL)"_s},
+          Caso{kTipoPago,
+               {{2, Igual, u"Otro"_s}},
+               u"SELECT ID_Tipo_Pago,Nombre_Tipo_Pago,CASE Clase WHEN 'E' THEN 'Efectivo' WHEN 'T' "
+               u"THEN 'Tarjeta Crédito' WHEN 'D' THEN 'Débito' WHEN 'C' THEN 'Cheque' ELSE 'Otro' "
+               u"END AS Clase,Abrir_Gaveta FROM Tipo_Pago WHERE (Clase NOT IN ('E','T','D','C') OR "
+               u"Clase IS NULL)"_s},
+          Caso{kModificador,
+               {},
+               u"SELECT ID_Tipo_Modificador,Nombre_Tipo_Modificador,CASE Estado_Modificador WHEN "
+               u"'A' THEN 'Activo' WHEN 'S' THEN 'Suspendido' WHEN 'D' THEN 'Descontinuado' END AS "
+               u"Estado_Modificador,Precio_Tipo_Modificador FROM Tipo_Modificador"_s},
           Caso{kImpuesto, {}, impuesto},
           Caso{kImpuesto,
                {{0, Igual, u"1"_s}, {4, Vacio}},

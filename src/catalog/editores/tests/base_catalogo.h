@@ -57,18 +57,19 @@ protected:
     QString Filas(const char16_t* consulta) { return Filas(QString::fromUtf16(consulta)); }
     static void Escribir(catalog::EditorSesion& sesion, QStringView control,
                          const char16_t* texto) {
-        const qsizetype campo = sesion.IndiceDe(control);
+        const qsizetype campo = sesion.Campos().IndiceDe(control);
         ASSERT_GE(campo, 0);
         sesion.Escribir(campo, QString::fromUtf16(texto));
     }
     static void Elegir(catalog::EditorSesion& sesion, QStringView control, const char16_t* texto) {
-        const qsizetype campo = sesion.IndiceDe(control);
-        const qsizetype entrada = sesion.Entradas(campo).indexOf(QString::fromUtf16(texto));
+        const qsizetype campo = sesion.Campos().IndiceDe(control);
+        const qsizetype entrada =
+            sesion.Campos().Entradas(campo).indexOf(QString::fromUtf16(texto));
         ASSERT_GE(entrada, 0);
         sesion.Elegir(campo, static_cast<int>(entrada));
     }
     static QString Valor(const catalog::EditorSesion& sesion, QStringView control) {
-        return sesion.Valor(sesion.IndiceDe(control));
+        return sesion.Campos().Valor(sesion.Campos().IndiceDe(control));
     }
     /// What has been shown since the last time, without icon and title, joined by ";".
     QString Mostrado() {

@@ -16,8 +16,8 @@ constexpr char16_t kPreciosDe101[] =
 TEST_F(DetallesTest, ProductoNuevoConPreciosEImpuestos) {
     const auto sesion = Abrir(kOpProductos);
     sesion->Nuevo();
-    EXPECT_EQ(sesion->Elegido(sesion->IndiceDe(u"cmbEstado")), 0);
-    EXPECT_EQ(sesion->Elegido(sesion->IndiceDe(u"cmbImpresoras")), -1);
+    EXPECT_EQ(sesion->Campos().Elegido(sesion->Campos().IndiceDe(u"cmbEstado")), 0);
+    EXPECT_EQ(sesion->Campos().Elegido(sesion->Campos().IndiceDe(u"cmbImpresoras")), -1);
     Escribir(*sesion, u"TxtNombre", u"Agua de chaya");
     Escribir(*sesion, u"txtBoton", u"JAMAICA");
     Escribir(*sesion, u"txtCuenta", u"Jamaica");
@@ -48,11 +48,13 @@ TEST_F(DetallesTest, ProductoNuevoConPreciosEImpuestos) {
                     u"FROM Producto WHERE Nombre_Completo='Agua de chaya'"),
               u"JAMAICA|NULL|NULL|NULL"_s);
     // Shown again, NULL groups read as their own entry.
-    EXPECT_EQ(sesion->Entradas(sesion->IndiceDe(u"cmbImpresoras"))
-                  .value(sesion->Elegido(sesion->IndiceDe(u"cmbImpresoras"))),
+    EXPECT_EQ(sesion->Campos()
+                  .Entradas(sesion->Campos().IndiceDe(u"cmbImpresoras"))
+                  .value(sesion->Campos().Elegido(sesion->Campos().IndiceDe(u"cmbImpresoras"))),
               u"NINGUNO"_s);
-    EXPECT_EQ(sesion->Entradas(sesion->IndiceDe(u"cmbModificadores"))
-                  .value(sesion->Elegido(sesion->IndiceDe(u"cmbModificadores"))),
+    EXPECT_EQ(sesion->Campos()
+                  .Entradas(sesion->Campos().IndiceDe(u"cmbModificadores"))
+                  .value(sesion->Campos().Elegido(sesion->Campos().IndiceDe(u"cmbModificadores"))),
               u"NINGUNA"_s);
 }
 
@@ -109,7 +111,7 @@ TEST_F(DetallesTest, BotonEnDosLineas) {
     // Both lines together have to fit the column.
     const auto sesion = Abrir(kOpProductos);
     sesion->Modificar();
-    sesion->Escribir(sesion->IndiceDe(u"txtBotonU"), QString(60, u'x'));
+    sesion->Escribir(sesion->Campos().IndiceDe(u"txtBotonU"), QString(60, u'x'));
     EXPECT_FALSE(sesion->Guardar());
     EXPECT_EQ(Mostrado(), u"El campo Nombre del botón admite 50 letras y tiene 66"_s);
 }
@@ -418,7 +420,7 @@ TEST_F(DetallesTest, PrecioDelModificador) {
     const auto sesion = Abrir(kOpTipoModificador);
     sesion->Modificar();
     Escribir(*sesion, u"MskPrecio", u"1234567890123456");
-    EXPECT_FALSE(sesion->Dejar(sesion->IndiceDe(u"MskPrecio")));
+    EXPECT_FALSE(sesion->Dejar(sesion->Campos().IndiceDe(u"MskPrecio")));
     EXPECT_EQ(Mostrado(), u"El precio es demasiado grande"_s);
     EXPECT_EQ(Valor(*sesion, u"MskPrecio"), QString());
 }
@@ -428,14 +430,14 @@ TEST_F(DetallesTest, CodigosQueNoEstanEnSuLista) {
     const auto pagos = Abrir(kOpTipoPago);
     ASSERT_TRUE(pagos->IrAClave(u"4"_s));
     EXPECT_EQ(Valor(*pagos, u"TxtClase"), u"V"_s);
-    EXPECT_EQ(pagos->Elegido(pagos->IndiceDe(u"CmbClase")), -1);
+    EXPECT_EQ(pagos->Campos().Elegido(pagos->Campos().IndiceDe(u"CmbClase")), -1);
     pagos->Modificar();
     EXPECT_FALSE(pagos->Guardar());
     EXPECT_EQ(Mostrado(), u"Falta el campo de Clase"_s);
     // A modifier's state may stay empty.
     const auto modificadores = Abrir(kOpTipoModificador);
     modificadores->Modificar();
-    modificadores->Elegir(modificadores->IndiceDe(u"cmbEstado"), -1);
+    modificadores->Elegir(modificadores->Campos().IndiceDe(u"cmbEstado"), -1);
     EXPECT_TRUE(modificadores->Guardar());
     EXPECT_EQ(Filas(u"SELECT COUNT(*) AS N FROM Tipo_Modificador WHERE Estado_Modificador=''"),
               u"1"_s);

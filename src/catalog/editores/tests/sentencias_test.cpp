@@ -130,7 +130,7 @@ TEST_P(SentenciasTest, CambioYLlave) {
     sesion->Nuevo();
     sesion->Escribir(1, u"Nueva"_s);
     for (qsizetype i = 2; i < std::ssize(caso.def->campos); ++i) {
-        if (sesion->Entradas(i).isEmpty()) {
+        if (sesion->Campos().Entradas(i).isEmpty()) {
             if (caso.def->campos[static_cast<std::size_t>(i)].tipo != TipoCampo::Casilla) {
                 sesion->Escribir(i, u"1"_s);
             }
@@ -210,7 +210,7 @@ TEST_P(EnUsoTest, SigueALaVistaConSusDetalles) {
     const CasoEnUso& caso = GetParam();
     const auto sesion = Abrir(*caso.def);
     const QString clave = sesion->Clave();
-    const qsizetype habia = sesion->Registros();
+    const qsizetype habia = sesion->Conjunto()->RecordCount();
     const QString detalles = Filas(caso.detalles);
     dialogos_.Responder(u"¿Esta seguro de borrar el registro?"_s, Respuesta::Si);
     EXPECT_FALSE(sesion->Borrar());
@@ -219,7 +219,7 @@ TEST_P(EnUsoTest, SigueALaVistaConSusDetalles) {
         mostrado.startsWith(u"No se puede borrar este registro por estar en uso en la tabla "_s));
     EXPECT_TRUE(mostrado.contains(QString::fromUtf16(caso.tabla))) << mostrado.toStdString();
     EXPECT_EQ(sesion->Clave(), clave);
-    EXPECT_EQ(sesion->Registros(), habia);
+    EXPECT_EQ(sesion->Conjunto()->RecordCount(), habia);
     EXPECT_EQ(Filas(caso.detalles), detalles);
     EXPECT_FALSE(sesion->EnEdicion());
 }

@@ -20,13 +20,13 @@ namespace quimo::ui {
 
 namespace {
 
+constexpr catalog::ItemCodigo kEstados[] = {{u"Activo", u"A"}, {u"Bloqueado", u"B"}};
 constexpr std::array<catalog::ColumnaFiltro, 5> kColumnas = {{
     {u"Id Producto", u"ID_Producto", u"ID_Producto"},
     {u"Nombre Completo", u"Nombre_Completo", u"Nombre_Completo"},
     {u"Existencia", u"Existencia", u"Existencia"},
     {u"Paquete", u"Paquete", u"Paquete"},
-    {u"Estado", u"CASE Estado WHEN 'A' THEN 'Activo' WHEN 'B' THEN 'Bloqueado' END AS Estado",
-     u"Estado"},
+    {u"Estado", u"Estado", u"Estado", kEstados},
 }};
 constexpr catalog::FiltroDef kProducto = {u"Producto WHERE", kColumnas};
 constexpr std::array<catalog::ColumnaFiltro, 2> kColumnasMalas = {{

@@ -59,11 +59,11 @@ void VentanaEditorTest::cleanup() {
 }
 
 VentanaEditor* VentanaEditorTest::Abrir(const EditorDef& def) {
-    const QString orden = def.orden.toString();
-    principal_->RegistrarVentana(orden, [this, &def] {
+    const QString comando = def.comando.toString();
+    principal_->RegistrarVentana(comando, [this, &def] {
         return VentanaEditor::Abrir(def, *ado_, DialogosDeBusqueda(*ado_));
     });
-    principal_->findChild<QAction*>(orden)->trigger();
+    principal_->findChild<QAction*>(comando)->trigger();
     return qobject_cast<VentanaEditor*>(principal_->Activa());
 }
 
@@ -102,7 +102,7 @@ void VentanaEditorTest::LlenarConTeclado(VentanaEditor* ventana) {
     }
 }
 
-void VentanaEditorTest::ConDialogo(VentanaEditor* ventana, OrdenVentana orden,
+void VentanaEditorTest::ConDialogo(VentanaEditor* ventana, ComandoVentana comando,
                                    const std::function<void(QDialog*)>& que) {
     bool abierto = false;
     QTimer::singleShot(0, this, [&] {
@@ -112,7 +112,7 @@ void VentanaEditorTest::ConDialogo(VentanaEditor* ventana, OrdenVentana orden,
         que(dialogo);
         if (dialogo->isVisible()) dialogo->reject();
     });
-    ventana->Ejecutar(orden);
+    ventana->Ejecutar(comando);
     QVERIFY(abierto);
     // There is no window manager to give the focus back.
     principal_->activateWindow();
@@ -125,11 +125,11 @@ void VentanaEditorTest::BuscarMueveElRegistro() {
         const auto& filas = ventana->Sesion().Conjunto()->Filas();
         return filas.back().value(1).toString();
     }();
-    ConDialogo(ventana, OrdenVentana::Buscar, [&](QDialog* dialogo) {
+    ConDialogo(ventana, ComandoVentana::Buscar, [&](QDialog* dialogo) {
         dialogo->findChild<QLineEdit*>(u"txtBuscar"_s)->setText(ultima.toUpper());
         dialogo->findChild<QPushButton*>(u"cmdBuscar"_s)->click();
     });
-    QCOMPARE(ventana->Sesion().Valor(1), ultima);
+    QCOMPARE(ventana->Sesion().Campos().Valor(1), ultima);
     QCOMPARE(Hijo<QLineEdit>(ventana, ventana->Sesion().Def().campos[1].control.utf16())->text(),
              ultima);
 }
@@ -139,7 +139,7 @@ void VentanaEditorTest::ConsultaLlevaAlRegistroElegido() {
     const QString clave =
         Uno(u"SELECT MAX(ID_Producto) FROM Producto WHERE ID_Grupo_Impresoras IS "
             "NOT NULL AND ID_Grupo_Modificadores IS NOT NULL"_s);
-    ConDialogo(ventana, OrdenVentana::Filtro, [&](QDialog* dialogo) {
+    ConDialogo(ventana, ComandoVentana::Filtro, [&](QDialog* dialogo) {
         dialogo->findChild<QLineEdit*>(u"txtValor0"_s)->setText(clave);
         dialogo->findChild<QPushButton*>(u"cmdConsultar"_s)->click();
         auto* const tabla = dialogo->findChild<QTableView*>(u"sprResultado"_s);
@@ -154,7 +154,7 @@ void VentanaEditorTest::ConsultaLlevaAlRegistroElegido() {
 void VentanaEditorTest::LaColumnaQueNoExisteSeAvisaYSePuedeSeguir() {
     VentanaEditor* const ventana = Abrir(catalog::kOpMenu);
     const QString clave = Hijo<QLineEdit>(ventana, u"txtId")->text();
-    ConDialogo(ventana, OrdenVentana::Filtro, [&](QDialog* dialogo) {
+    ConDialogo(ventana, ComandoVentana::Filtro, [&](QDialog* dialogo) {
         auto* const nombre = dialogo->findChild<QLineEdit*>(u"txtValor1"_s);
         nombre->setText(u"Bar"_s);
         dialogo->findChild<QPushButton*>(u"cmdConsultar"_s)->click();
@@ -189,7 +189,7 @@ void VentanaEditorTest::TodosSeManejanConElTeclado() {
         QVERIFY(!control->accessibleName().isEmpty());
     }
     auto* const panel = principal_->findChild<QLabel*>(u"PanelRegistros"_s);
-    const qsizetype habia = ventana->Sesion().Registros();
+    const qsizetype habia = ventana->Sesion().Conjunto()->RecordCount();
     QCOMPARE(panel->text(), u"Registros: %1"_s.arg(habia));
 
     auto* const nombre = qobject_cast<QLineEdit*>(QApplication::focusWidget());
@@ -246,7 +246,7 @@ void VentanaEditorTest::TodosSeManejanConElTeclado() {
 void VentanaEditorTest::BuscarConsultarYCambiar(VentanaEditor* ventana, const QString& clave) {
     auto* const caja_clave = Hijo<QLineEdit>(ventana, u"txtId");
     QString elegida;
-    ConDialogo(ventana, OrdenVentana::Filtro, [&](QDialog* dialogo) {
+    ConDialogo(ventana, ComandoVentana::Filtro, [&](QDialog* dialogo) {
         dialogo->findChild<QPushButton*>(u"cmdConsultar"_s)->click();
         auto* const tabla = dialogo->findChild<QTableView*>(u"sprResultado"_s);
         QVERIFY(tabla->model()->rowCount() > 1);
@@ -255,7 +255,7 @@ void VentanaEditorTest::BuscarConsultarYCambiar(VentanaEditor* ventana, const QS
         QTest::keyClick(tabla, Qt::Key_Return);
     });
     QCOMPARE(caja_clave->text(), elegida);
-    ConDialogo(ventana, OrdenVentana::Buscar, [](QDialog* dialogo) {
+    ConDialogo(ventana, ComandoVentana::Buscar, [](QDialog* dialogo) {
         dialogo->findChild<QLineEdit*>(u"txtBuscar"_s)->setText(u"ÑANDU d'or"_s);
         dialogo->findChild<QPushButton*>(u"cmdBuscar"_s)->click();
     });
@@ -266,7 +266,7 @@ void VentanaEditorTest::BuscarConsultarYCambiar(VentanaEditor* ventana, const QS
     Tecla(Qt::Key_F5);
     QCOMPARE(Mostrado(), QString());
     QVERIFY(!ventana->Sesion().EnEdicion());
-    QCOMPARE(ventana->Sesion().Valor(1), u"Ñandú D'Or2"_s);
+    QCOMPARE(ventana->Sesion().Campos().Valor(1), u"Ñandú D'Or2"_s);
 }
 
 void VentanaEditorTest::LosBotonesSiguenAlEstado() {

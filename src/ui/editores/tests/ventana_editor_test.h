@@ -41,7 +41,7 @@ private slots:
 private:
     VentanaEditor* Abrir(const catalog::EditorDef& def);
     /// Runs a command that opens a dialog, and does something with that dialog.
-    void ConDialogo(VentanaEditor* ventana, OrdenVentana orden,
+    void ConDialogo(VentanaEditor* ventana, ComandoVentana comando,
                     const std::function<void(QDialog*)>& que);
     void Tecla(Qt::Key tecla, Qt::KeyboardModifiers modos = Qt::NoModifier);
     void Teclear(const QString& texto);

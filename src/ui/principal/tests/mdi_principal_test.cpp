@@ -20,12 +20,13 @@
 #include "support/cajas_guion.h"
 #include "support/dialogos_guion.h"
 #include "ui/controles/rejilla.h"
+#include "ui/principal/herramientas.h"
 
 namespace quimo::ui {
 namespace {
 
 using namespace Qt::StringLiterals;
-using Orden = OrdenVentana;
+using Comando = ComandoVentana;
 
 /// An editor that only writes down what it is asked.
 class EditorDePrueba final : public VentanaHija {
@@ -36,27 +37,27 @@ public:
         columna->addWidget(caja);
     }
     EstadoVentana Estado() const override { return estado; }
-    void Ejecutar(Orden orden) override {
-        pedidas << orden;
-        if (orden == Orden::Nuevo) Editar();
-        if (orden == Orden::Cancelar) Consultar();
+    void Ejecutar(Comando comando) override {
+        pedidas << comando;
+        if (comando == Comando::Nuevo) Editar();
+        if (comando == Comando::Cancelar) Consultar();
     }
     void Activada() override { ++activaciones; }
     void Consultar() {
-        estado = {OrdenesDeEditor(), OrdenesDeEditor() & ~(Orden::Aceptar | Orden::Cancelar),
+        estado = {ComandosDeEditor(), ComandosDeEditor() & ~(Comando::Aceptar | Comando::Cancelar),
                   u"Registros: 3"_s, u"INS=Nuevo,F6=Modificar,DEL=Borrar"_s};
         emit EstadoCambiado();
     }
     void Editar() {
-        estado.habilitadas = Orden::Aceptar | Orden::Cancelar;
+        estado.habilitados = Comando::Aceptar | Comando::Cancelar;
         estado.teclas = u"F5=Aceptar ESC=Cancelar"_s;
         emit EstadoCambiado();
     }
-    QVector<Orden> Tomar() { return std::exchange(pedidas, {}); }
+    QVector<Comando> Tomar() { return std::exchange(pedidas, {}); }
 
     QLineEdit* caja;
-    EstadoVentana estado = {OrdenesDeEditor(), {}, {}, {}};
-    QVector<Orden> pedidas;
+    EstadoVentana estado = {ComandosDeEditor(), {}, {}, {}};
+    QVector<Comando> pedidas;
     int activaciones = 0;
 };
 
@@ -126,12 +127,12 @@ TEST_F(MDIPrincipalTest, EveryCommandDoesSomethingOrSaysThatItCannot) {
     const QStringList propias{u"mnuArCerrar"_s,     u"mnuArSalir"_s,    u"MnuVeArIconos"_s,
                               u"mnuVehorizontal"_s, u"mnuVeVertical"_s, u"mnuVeCascada"_s,
                               u"mnuVeTapiz"_s,      u"mnuLimTapiz"_s,   u"mnuAyAcerca"_s};
-    int ordenes = 0;
+    int comandos = 0;
     for (QAction* const accion : principal_->findChildren<QAction*>()) {
         const QString nombre = accion->objectName();
         if (!nombre.startsWith(u"mnu"_s, Qt::CaseInsensitive) || accion->menu() != nullptr)
             continue;
-        ++ordenes;
+        ++comandos;
         accion->setEnabled(true);
         if (nombre == u"mnuArSalir"_s) continue;
         accion->trigger();
@@ -145,7 +146,7 @@ TEST_F(MDIPrincipalTest, EveryCommandDoesSomethingOrSaysThatItCannot) {
                 << nombre.toStdString();
         }
     }
-    EXPECT_EQ(ordenes, 76);
+    EXPECT_EQ(comandos, 76);
 }
 
 TEST_F(MDIPrincipalTest, KeysButtonsAndMenuReachTheActiveChildAsItsStateAllows) {
@@ -155,23 +156,23 @@ TEST_F(MDIPrincipalTest, KeysButtonsAndMenuReachTheActiveChildAsItsStateAllows) 
     EXPECT_EQ(Panel(u"PanelTeclas"_s), u"INS=Nuevo,F6=Modificar,DEL=Borrar"_s);
     const struct {
         Qt::Key tecla;
-        Orden orden;
+        Comando comando;
         QString boton;
     } casos[] = {
-        {Qt::Key_PageUp, Orden::Siguiente, u"BotonRegistroSiguiente"_s},
-        {Qt::Key_Up, Orden::Siguiente, u"BotonRegistroSiguiente"_s},
-        {Qt::Key_PageDown, Orden::Anterior, u"BotonRegistroAnterior"_s},
-        {Qt::Key_Down, Orden::Anterior, u"BotonRegistroAnterior"_s},
-        {Qt::Key_Home, Orden::Primero, u"BotonPrimerRegistro"_s},
-        {Qt::Key_End, Orden::Ultimo, u"BotonUltimoRegistro"_s},
-        {Qt::Key_Delete, Orden::Borrar, u"BotonBorrar"_s},
-        {Qt::Key_F6, Orden::Modificar, u"BotonModificar"_s},
+        {Qt::Key_PageUp, Comando::Siguiente, u"BotonRegistroSiguiente"_s},
+        {Qt::Key_Up, Comando::Siguiente, u"BotonRegistroSiguiente"_s},
+        {Qt::Key_PageDown, Comando::Anterior, u"BotonRegistroAnterior"_s},
+        {Qt::Key_Down, Comando::Anterior, u"BotonRegistroAnterior"_s},
+        {Qt::Key_Home, Comando::Primero, u"BotonPrimerRegistro"_s},
+        {Qt::Key_End, Comando::Ultimo, u"BotonUltimoRegistro"_s},
+        {Qt::Key_Delete, Comando::Borrar, u"BotonBorrar"_s},
+        {Qt::Key_F6, Comando::Modificar, u"BotonModificar"_s},
     };
     for (const auto& caso : casos) {
         QTest::keyClick(editor->caja, caso.tecla);
-        EXPECT_EQ(editor->Tomar(), QVector<Orden>{caso.orden}) << caso.tecla;
+        EXPECT_EQ(editor->Tomar(), QVector<Comando>{caso.comando}) << caso.tecla;
         Accion(caso.boton)->trigger();
-        EXPECT_EQ(editor->Tomar(), QVector<Orden>{caso.orden}) << caso.boton.toStdString();
+        EXPECT_EQ(editor->Tomar(), QVector<Comando>{caso.comando}) << caso.boton.toStdString();
     }
     QList<QAction*> menu = principal_->findChildren<QAction*>(u"mnuEdReg"_s);
     std::sort(menu.begin(), menu.end(), [](const QAction* a, const QAction* b) {
@@ -181,15 +182,16 @@ TEST_F(MDIPrincipalTest, KeysButtonsAndMenuReachTheActiveChildAsItsStateAllows) 
     for (QAction* const accion : menu) {
         if (accion->text() != u"&Nuevo"_s) accion->trigger();
     }
-    EXPECT_EQ(editor->Tomar(),
-              (QVector<Orden>{Orden::Primero, Orden::Anterior, Orden::Siguiente, Orden::Ultimo,
-                              Orden::Buscar, Orden::Filtro, Orden::Modificar, Orden::Borrar}));
+    EXPECT_EQ(
+        editor->Tomar(),
+        (QVector<Comando>{Comando::Primero, Comando::Anterior, Comando::Siguiente, Comando::Ultimo,
+                          Comando::Buscar, Comando::Filtro, Comando::Modificar, Comando::Borrar}));
     QTest::keyClick(editor->caja, Qt::Key_F5);
     QTest::keyClick(editor->caja, Qt::Key_Escape);
     QTest::keyClick(editor->caja, Qt::Key_Home, Qt::ShiftModifier);
     EXPECT_TRUE(editor->Tomar().isEmpty());
     QTest::keyClick(editor->caja, Qt::Key_Insert);
-    EXPECT_EQ(editor->Tomar(), QVector<Orden>{Orden::Nuevo});
+    EXPECT_EQ(editor->Tomar(), QVector<Comando>{Comando::Nuevo});
     EXPECT_EQ(Panel(u"PanelTeclas"_s), u"F5=Aceptar ESC=Cancelar"_s);
     // Editing: the keys belong to the text, and only two commands are left.
     editor->caja->setText(u"ab"_s);
@@ -198,7 +200,7 @@ TEST_F(MDIPrincipalTest, KeysButtonsAndMenuReachTheActiveChildAsItsStateAllows) 
     EXPECT_EQ(editor->caja->text(), u"b"_s);
     QTest::keyClick(editor->caja, Qt::Key_F5);
     QTest::keyClick(editor->caja, Qt::Key_Escape);
-    EXPECT_EQ(editor->Tomar(), (QVector<Orden>{Orden::Aceptar, Orden::Cancelar}));
+    EXPECT_EQ(editor->Tomar(), (QVector<Comando>{Comando::Aceptar, Comando::Cancelar}));
 }
 
 TEST_F(MDIPrincipalTest, ToolbarFollowsTheActiveWindow) {
@@ -219,12 +221,12 @@ TEST_F(MDIPrincipalTest, ToolbarFollowsTheActiveWindow) {
     EditorDePrueba* const editor = AbrirEditor();
     EXPECT_EQ(habilitados().size(), 10);
     auto* const reporte = new EditorDePrueba;
-    reporte->estado = {OrdenesDeReporte(), OrdenesDeReporte(), {}, {}};
+    reporte->estado = {ComandosDeReporte(), ComandosDeReporte(), {}, {}};
     principal_->Abrir(reporte);
     EXPECT_EQ(habilitados(), (QStringList{u"BotonImprimir"_s, u"BotonPreview"_s}));
     Accion(u"mnuArImprimir"_s)->trigger();
     Accion(u"mnuArcPreview"_s)->trigger();
-    EXPECT_EQ(reporte->Tomar(), (QVector<Orden>{Orden::Imprimir, Orden::Preview}));
+    EXPECT_EQ(reporte->Tomar(), (QVector<Comando>{Comando::Imprimir, Comando::Preview}));
     EXPECT_TRUE(editor->Tomar().isEmpty());
     const int activaciones = editor->activaciones;
     Accion(u"mnuArCerrar"_s)->trigger();
@@ -243,7 +245,7 @@ TEST_F(MDIPrincipalTest, ARegisteredWindowOpensOnceAndTheGridMenuReachesIt) {
         ++abiertas;
         if (abiertas > 2) return nullptr;
         editor = new EditorDePrueba;
-        editor->estado.habilitadas = Orden::SpreadNuevo | Orden::SpreadModificar;
+        editor->estado.habilitados = Comando::SpreadNuevo | Comando::SpreadModificar;
         return editor;
     });
     QAction* const productos = Accion(u"mnuOpProductos"_s);
@@ -254,7 +256,7 @@ TEST_F(MDIPrincipalTest, ARegisteredWindowOpensOnceAndTheGridMenuReachesIt) {
     EXPECT_TRUE(Accion(u"mnuSprNuevo"_s)->isEnabled());
     EXPECT_FALSE(Accion(u"mnuSprBorrar"_s)->isEnabled());
     Accion(u"mnuSprMod"_s)->trigger();
-    EXPECT_EQ(editor->Tomar(), QVector<Orden>{Orden::SpreadModificar});
+    EXPECT_EQ(editor->Tomar(), QVector<Comando>{Comando::SpreadModificar});
     for (int vez = 0; vez < 2; ++vez) {
         Accion(u"mnuArCerrar"_s)->trigger();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -277,9 +279,9 @@ TEST_F(MDIPrincipalTest, WindowCommandsArrangeTheChildren) {
     for (int i = 0; i < 3; ++i)
         AbrirEditor();
     const QRect area = principal_->findChild<AreaMdi*>()->viewport()->rect();
-    for (const auto& [orden, horizontal] :
+    for (const auto& [comando, horizontal] :
          {std::pair{u"mnuVehorizontal"_s, true}, {u"mnuVeVertical"_s, false}}) {
-        Accion(orden)->trigger();
+        Accion(comando)->trigger();
         const QVector<QRect> lugares = rectangulos();
         int suma = 0;
         for (const QRect& lugar : lugares) {

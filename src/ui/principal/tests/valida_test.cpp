@@ -12,7 +12,6 @@
 #include "support/dialogos_guion.h"
 #include "ui/controles/aspecto.h"
 #include "ui/controles/clstxt_valida.h"
-#include "ui/controles/entradas.h"
 
 namespace quimo::ui {
 namespace {
@@ -122,20 +121,6 @@ TEST_F(ValidaTest, LeavingABoxTellsAndOnlyAWrongAddressHoldsTheFocus) {
     EXPECT_EQ(Dejar(ip, u"1..2.3"_s), QStringList());
     cajas_[2]->setReadOnly(true);
     EXPECT_EQ(Dejar(cajas_[2], {}), QStringList()) << "locked: there is nobody to blame";
-}
-
-TEST(EntradasTest, DatesAndListsOfKeys) {
-    SelectorFecha fecha;
-    fecha.setDate(QDate(2026, 3, 1));
-    EXPECT_EQ(fecha.text(), u"01/03/2026"_s);
-    ListaClaves lista;
-    lista.Llenar({{u"Uno"_s, 1}, {u"Mil"_s, 1000}});
-    EXPECT_FALSE(lista.Dato());
-    lista.Elegir(1000);
-    EXPECT_EQ(lista.currentText(), u"Mil"_s);
-    EXPECT_EQ(lista.Dato(), 1000);
-    lista.Elegir(5);
-    EXPECT_FALSE(lista.Dato());
 }
 
 TEST(AspectoTest, WhatQtSaysIsSpanish) {

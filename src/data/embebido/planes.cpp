@@ -1,7 +1,10 @@
+#include "data/embebido/planes.h"
+
 #include <sqlite3.h>
 
+#include "data/embebido/errores_motor.h"
 #include "data/embebido/errores_restriccion.h"
-#include "data/embebido/interprete.h"
+#include "data/embebido/escritura_por_partes.h"
 #include "tsql/valores/conversion.h"
 #include "tsql/valores/texto.h"
 
@@ -26,7 +29,7 @@ private:
 
 }  // namespace
 
-tsql::Entorno Interprete::EntornoDe(Marco& marco) const {
+tsql::Entorno Planes::EntornoDe(Marco& marco) const {
     tsql::Entorno entorno;
     entorno.catalogo = &sesion_.Catalogo();
     entorno.tipo_variable = [&marco](const std::string& nombre) -> std::optional<tsql::Tipo> {
@@ -43,7 +46,7 @@ tsql::Entorno Interprete::EntornoDe(Marco& marco) const {
 }
 
 /// A plan stands while its tables are the same and no procedure or option has changed.
-bool Interprete::Vigente(const PlanListo& listo) const {
+bool Planes::Vigente(const PlanListo& listo) const {
     const CatalogoEmbebido& catalogo = sesion_.Catalogo();
     if (!listo.sentencia.Lista() || listo.version_modulos != catalogo.VersionModulos() ||
         listo.opciones != sesion_.Estado().opciones) {
@@ -57,15 +60,15 @@ bool Interprete::Vigente(const PlanListo& listo) const {
     return true;
 }
 
-Resultado<PlanListo*> Interprete::Preparar(const void* clave, Marco& marco,
-                                           const Traduccion& traducir) {
+Resultado<PlanListo*> Planes::Preparar(const void* clave, Marco& marco,
+                                       const Traduccion& traducir) {
     PlanListo& listo = marco.lote.planes[clave];
     if (Vigente(listo)) {
         listo.version = sesion_.Catalogo().Version();
         return &listo;
     }
     auto plan = traducir(EntornoDe(marco));
-    if (!plan && (plan.error().nativo == 208 || plan.error().nativo == 207)) {
+    if (!plan && EsNombreDesconocido(plan.error())) {
         // Another process may have changed the definitions since they were read.
         const std::int64_t antes = sesion_.Catalogo().Version();
         QUIMO_TRY_VOID(sesion_.Catalogo().Refrescar());
@@ -80,44 +83,44 @@ Resultado<PlanListo*> Interprete::Preparar(const void* clave, Marco& marco,
     return &listo;
 }
 
-Hecho Interprete::Ligar(PlanListo& listo, const Marco& marco) {
+Resultado<PlanListo> Planes::PrepararSuelto(tsql::Plan plan) {
+    PlanListo listo;
+    listo.plan = std::move(plan);
+    QUIMO_TRY(listo.sentencia, sesion_.Base().Preparar(listo.plan.sql));
+    return listo;
+}
+
+Hecho Planes::Ligar(PlanListo& listo, Marco& marco) {
     int lugar = 0;
     for (const tsql::Ranura& ranura : listo.plan.ranuras) {
         ++lugar;
         const auto indice = static_cast<std::size_t>(std::max(ranura.indice, 0));
-        if (ranura.origen == tsql::Ranura::Origen::Literal) {
-            listo.sentencia.Ligar(lugar, marco.lote.lote.literales[indice].valor);
-        } else if (ranura.origen == tsql::Ranura::Origen::Parametro) {
-            listo.sentencia.Ligar(lugar, (*marco.parametros)[indice].valor);
-        } else if (ranura.origen == tsql::Ranura::Origen::Variable) {
-            const auto variable = marco.variables.find(ranura.nombre);
-            if (variable == marco.variables.end()) return tsql::CrearError(137, ranura.nombre);
-            listo.sentencia.Ligar(lugar, variable->second.valor);
-        } else {
-            listo.sentencia.Ligar(lugar, sesion_.Global(ranura.nombre));
+        switch (ranura.origen) {
+            case tsql::Ranura::Origen::Literal:
+                listo.sentencia.Ligar(lugar, marco.lote.lote.literales[indice].valor);
+                break;
+            case tsql::Ranura::Origen::Parametro:
+                listo.sentencia.Ligar(lugar, (*marco.parametros)[indice].valor);
+                break;
+            case tsql::Ranura::Origen::Variable: {
+                QUIMO_TRY(const ValorConTipo* const variable, marco.Variable(ranura.nombre));
+                listo.sentencia.Ligar(lugar, variable->valor);
+                break;
+            }
+            case tsql::Ranura::Origen::Global:
+                listo.sentencia.Ligar(lugar, sesion_.Global(ranura.nombre));
+                break;
         }
     }
     return {};
 }
 
-ErrorSql Interprete::FalloDe(int codigo) {
-    if (sesion_.Contexto().error) {
-        ErrorSql error = *sesion_.Contexto().error;
-        sesion_.Contexto().error.reset();
-        return error;
-    }
+ErrorSql Planes::FalloDe(int codigo) {
+    if (sesion_.Contexto().error) return *std::exchange(sesion_.Contexto().error, std::nullopt);
     return sesion_.Base().Fallo(codigo);
 }
 
-void Interprete::Contar(std::int64_t filas) {
-    sesion_.Estado().filas = filas;
-    if (sesion_.Estado().sin_cuenta || captura_ != nullptr) return;
-    ResultadoSql resultado;
-    resultado.afectadas = filas;
-    respuesta_.resultados.append(std::move(resultado));
-}
-
-Resultado<ValorConTipo> Interprete::Evaluar(const tsql::Expr& expr, Marco& marco) {
+Resultado<ValorConTipo> Planes::Evaluar(const tsql::Expr& expr, Marco& marco) {
     QUIMO_TRY(PlanListo* const listo, Preparar(&expr, marco, [&](const tsql::Entorno& e) {
                   return TraducirValor(expr, e);
               }));
@@ -135,68 +138,41 @@ Resultado<ValorConTipo> Interprete::Evaluar(const tsql::Expr& expr, Marco& marco
     return ValorConTipo{tipo, valor};
 }
 
-Resultado<bool> Interprete::Cumple(const tsql::Expr& condicion, Marco& marco) {
+Resultado<bool> Planes::Cumple(const tsql::Expr& condicion, Marco& marco) {
     QUIMO_TRY(const ValorConTipo valor, Evaluar(condicion, marco));
     return valor.valor.exacto != 0;
 }
 
-Hecho Interprete::Leer(PlanListo& listo, Marco& marco) {
+Hecho Planes::Leer(PlanListo& listo, Marco& marco, Salida& salida) {
     if (!listo.plan.variables.empty()) return LeerVariables(listo, marco);
     const Uso uso(listo);
-    const auto& columnas = listo.plan.columnas;
-    ConjuntoInterno interno;
-    Conjunto conjunto;
-    for (const tsql::ColumnaSalida& columna : columnas)
-        conjunto.columnas.append(AColumna(columna));
-    int codigo = SQLITE_ROW;
+    Salida::Nuevo conjunto(salida, listo.plan.columnas);
     std::int64_t filas = 0;
+    int codigo = SQLITE_ROW;
     for (codigo = listo.sentencia.Paso(); codigo == SQLITE_ROW; codigo = listo.sentencia.Paso()) {
         ++filas;
-        Fila fila;
-        std::vector<Valor> valores;
-        for (std::size_t i = 0; i < columnas.size(); ++i) {
-            Valor valor = listo.sentencia.Leer(static_cast<int>(i));
-            if (captura_ != nullptr) {
-                valores.push_back(std::move(valor));
-                continue;
-            }
-            QUIMO_TRY(QVariant variante, AVariante(valor, columnas[i].tipo));
-            fila.append(std::move(variante));
-        }
-        if (captura_ != nullptr) {
-            interno.filas.push_back(std::move(valores));
-        } else {
-            conjunto.filas.append(std::move(fila));
-        }
+        QUIMO_TRY_VOID(conjunto.Agregar(
+            [&](std::size_t i) { return listo.sentencia.Leer(static_cast<int>(i)); }));
     }
     if (codigo != SQLITE_DONE) return FalloDe(codigo);
     sesion_.Estado().filas = filas;
-    if (captura_ != nullptr) {
-        interno.columnas = columnas;
-        captura_->push_back(std::move(interno));
-    } else {
-        ResultadoSql resultado;
-        resultado.conjunto = std::move(conjunto);
-        respuesta_.resultados.append(std::move(resultado));
-    }
+    conjunto.Entregar();
     return {};
 }
 
 /// SELECT @x = ...: each row assigns, so that the last one stays.
-Hecho Interprete::LeerVariables(PlanListo& listo, Marco& marco) {
+Hecho Planes::LeerVariables(PlanListo& listo, Marco& marco) {
     const Uso uso(listo);
-    int codigo = SQLITE_ROW;
     std::int64_t filas = 0;
+    int codigo = SQLITE_ROW;
     for (codigo = listo.sentencia.Paso(); codigo == SQLITE_ROW; codigo = listo.sentencia.Paso()) {
         ++filas;
         for (std::size_t i = 0; i < listo.plan.variables.size(); ++i) {
-            const auto variable = marco.variables.find(listo.plan.variables[i]);
-            if (variable == marco.variables.end())
-                return tsql::CrearError(137, listo.plan.variables[i]);
-            const tsql::Tipo& tipo = variable->second.tipo;
+            QUIMO_TRY(ValorConTipo* const variable, marco.Variable(listo.plan.variables[i]));
+            const tsql::Tipo& tipo = variable->tipo;
             QUIMO_TRY(const Valor valor,
                       tsql::Normalizar(listo.sentencia.Leer(static_cast<int>(i)), tipo));
-            QUIMO_TRY(variable->second.valor,
+            QUIMO_TRY(variable->valor,
                       tipo.EsExacto() ? Convertir(valor, tipo, tipo) : Resultado<Valor>(valor));
         }
     }
@@ -205,54 +181,55 @@ Hecho Interprete::LeerVariables(PlanListo& listo, Marco& marco) {
     return {};
 }
 
-Hecho Interprete::PasoDeEscritura(PlanListo& listo, const std::string& verbo, const Marco& marco) {
-    int codigo = SQLITE_DONE;
-    {
-        const Uso uso(listo);
-        codigo = listo.sentencia.Paso();
-        if (codigo == SQLITE_DONE) return {};
+Resultado<std::int64_t> Planes::Escribir(PlanListo& listo, const std::string& verbo, Marco& marco) {
+    if (listo.plan.identidad_automatica || listo.plan.identidad_explicita) {
+        return Numerar(listo, verbo, marco);
     }
-    codigo = sesion_.Base().CodigoExtendido();
+    return EscribirSinNumerar(listo, verbo, marco);
+}
+
+Resultado<std::int64_t> Planes::EscribirSinNumerar(PlanListo& listo, const std::string& verbo,
+                                                   Marco& marco) {
+    const auto paso = [&] {
+        const Uso uso(listo);
+        return listo.sentencia.Paso();
+    };
+    if (paso() == SQLITE_DONE) return sesion_.Base().Cambios();
+    int codigo = sesion_.Base().CodigoExtendido();
     if (sesion_.Contexto().error || (codigo & 0xFF) != SQLITE_CONSTRAINT) return FalloDe(codigo);
     const bool repetida = codigo != SQLITE_CONSTRAINT_NOTNULL &&
                           codigo != SQLITE_CONSTRAINT_CHECK &&
                           codigo != SQLITE_CONSTRAINT_FOREIGNKEY;
     if (repetida && !listo.plan.sql_filas.empty()) {
-        QUIMO_TRY(const bool escrita, EscribirPorPartes(listo, marco));
-        if (escrita) return {};
+        QUIMO_TRY(const std::optional<std::int64_t> escritas, PorPartes(listo, marco));
+        if (escritas) return *escritas;
         // Once more, for the text of what is repeated.
-        const Uso uso(listo);
-        codigo = listo.sentencia.Paso();
-        if (codigo == SQLITE_DONE) return {};
+        if (paso() == SQLITE_DONE) return sesion_.Base().Cambios();
         codigo = sesion_.Base().CodigoExtendido();
     }
     ErrorDeRestriccion error(sesion_, listo.plan.tabla, verbo);
-    return error.Explicar(codigo, [&] {
-        const Uso uso(listo);
-        return listo.sentencia.Paso();
-    });
+    return error.Explicar(codigo, paso);
 }
 
-Hecho Interprete::Escribir(PlanListo& listo, const std::string& verbo, const Marco& marco) {
-    if (listo.plan.identidad_automatica || listo.plan.identidad_explicita) {
-        return Numerar(listo, verbo, marco);
-    }
-    filas_por_partes_ = -1;
-    QUIMO_TRY_VOID(PasoDeEscritura(listo, verbo, marco));
-    Contar(filas_por_partes_ >= 0 ? filas_por_partes_ : sesion_.Base().Cambios());
-    return {};
+Resultado<std::optional<std::int64_t>> Planes::PorPartes(const PlanListo& listo, Marco& marco) {
+    EscrituraPorPartes escritura(sesion_, listo.plan);
+    if (!escritura.Sirve()) return std::optional<std::int64_t>();
+    PlanListo lectura;
+    lectura.plan.ranuras = listo.plan.ranuras;
+    QUIMO_TRY(lectura.sentencia, sesion_.Base().Preparar(listo.plan.sql_filas));
+    QUIMO_TRY_VOID(Ligar(lectura, marco));
+    return escritura.Escribir(std::move(lectura.sentencia));
 }
 
 /// A write into a table with an identity column: the last number is read before and kept after.
-Hecho Interprete::Numerar(PlanListo& listo, const std::string& verbo, const Marco& marco) {
+Resultado<std::int64_t> Planes::Numerar(PlanListo& listo, const std::string& verbo, Marco& marco) {
     QUIMO_TRY(PuntoDeSentencia punto, PuntoDeSentencia::Abrir(sesion_));
     const tsql::TablaPtr tabla = listo.plan.tabla;
     ContextoFunciones& contexto = sesion_.Contexto();
     QUIMO_TRY(contexto.ultimo_numero, sesion_.Catalogo().UltimoNumero(*tabla));
     contexto.incremento = tabla->Identidad()->incremento;
     contexto.numero_usado = false;
-    QUIMO_TRY_VOID(PasoDeEscritura(listo, verbo, marco));
-    const std::int64_t cambios = sesion_.Base().Cambios();
+    QUIMO_TRY(const std::int64_t escritas, EscribirSinNumerar(listo, verbo, marco));
     if (contexto.numero_usado) {
         const Valor ultimo = Valor::De(contexto.ultimo_numero);
         const tsql::Tipo& tipo = tabla->Identidad()->tipo;
@@ -262,27 +239,7 @@ Hecho Interprete::Numerar(PlanListo& listo, const std::string& verbo, const Marc
         sesion_.Estado().identidad = en_rango.Entero();
     }
     QUIMO_TRY_VOID(punto.Confirmar());
-    Contar(cambios);
-    return {};
-}
-
-Hecho Interprete::HacerSelect(const tsql::Seleccionar& seleccionar, const void* clave,
-                              Marco& marco) {
-    const auto& simple = seleccionar.consulta->simple;
-    if (simple && simple->en) return HacerSelectInto(seleccionar, marco);
-    QUIMO_TRY(PlanListo* const listo, Preparar(clave, marco, [&](const tsql::Entorno& e) {
-                  return TraducirConsulta(*seleccionar.consulta, e);
-              }));
-    QUIMO_TRY_VOID(Ligar(*listo, marco));
-    return Leer(*listo, marco);
-}
-
-Hecho Interprete::HacerInsert(const tsql::Insertar& insertar, Marco& marco) {
-    QUIMO_TRY(PlanListo* const listo, Preparar(&insertar, marco, [&](const tsql::Entorno& e) {
-                  return TraducirInsertar(insertar, e);
-              }));
-    QUIMO_TRY_VOID(Ligar(*listo, marco));
-    return Escribir(*listo, "INSERT", marco);
+    return escritas;
 }
 
 }  // namespace quimo::data::embebido
