@@ -62,18 +62,6 @@ Tipo TipoFecha() { return {Clase::DateTime, 0, 0, 0}; }
 
 std::string_view NombreClase(Clase clase) { return kNombres[static_cast<std::size_t>(clase)]; }
 
-std::string NombreTipo(const Tipo& tipo) {
-    std::string nombre(NombreClase(tipo.clase));
-    const bool con_longitud = tipo.longitud != 0 && tipo.clase != Clase::Text &&
-                              tipo.clase != Clase::NText && tipo.clase != Clase::Image;
-    if (con_longitud) {
-        nombre += tipo.longitud < 0 ? "(max)" : "(" + std::to_string(tipo.longitud) + ")";
-    } else if (tipo.clase == Clase::Numeric) {
-        nombre += "(" + std::to_string(tipo.precision) + "," + std::to_string(tipo.escala) + ")";
-    }
-    return nombre;
-}
-
 std::optional<Clase> ClasePorNombre(std::string_view nombre) {
     for (std::size_t i = 1; i < kNombres.size(); ++i) {
         if (MismoNombre(nombre, kNombres[i])) return static_cast<Clase>(i);

@@ -83,8 +83,6 @@ Tipo TipoFecha();
 
 /// "varchar", as error texts name the type.
 std::string_view NombreClase(Clase clase);
-/// "varchar(10)", as a declaration writes it.
-std::string NombreTipo(const Tipo& tipo);
 /// The type of a declared name: "integer", "dec", "varchar". Without its default length or digits.
 std::optional<Clase> ClasePorNombre(std::string_view nombre);
 
