@@ -215,7 +215,7 @@ consteval void Detalle(const EditorDef& def, const DetalleDef& detalle) {
 /// the compiler names the function of declaracion_mala.h that says what it is.
 consteval EditorRevisado Revisado(const EditorDef& def) {
     if (def.nombre.isEmpty()) declaracion_mala::EditorSinNombre();
-    if (def.orden.isEmpty()) declaracion_mala::EditorSinComando();
+    if (def.comando.isEmpty()) declaracion_mala::EditorSinComando();
     if (def.titulo.isEmpty()) declaracion_mala::EditorSinTitulo();
     if (def.tabla.isEmpty()) declaracion_mala::EditorSinTabla();
     if (def.repetido.isEmpty()) declaracion_mala::EditorSinMensajeDeRepetido();
