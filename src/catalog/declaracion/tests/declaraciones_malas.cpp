@@ -59,7 +59,7 @@ struct Partes {
     bool sin_columnas = false;
     bool sin_alta = false;
     EditorDef editor = {.nombre = u"OpCosa",
-                        .orden = u"mnuOpCosa",
+                        .comando = u"mnuOpCosa",
                         .titulo = u"Cosas",
                         .tabla = u"Cosa",
                         .repetido = u"Ya existe la cosa",
@@ -89,7 +89,7 @@ constexpr ColumnaDetalle SinInicial(TipoCeldaDetalle tipo) {
 #define MALA(cambio) static_assert(Compila([](Partes& p) { cambio; }))
 
 MALA(p.editor.nombre = {});                              // -> EditorSinNombre
-MALA(p.editor.orden = {});                               // -> EditorSinComando
+MALA(p.editor.comando = {});                               // -> EditorSinComando
 MALA(p.editor.titulo = {});                              // -> EditorSinTitulo
 MALA(p.editor.tabla = {});                               // -> EditorSinTabla
 MALA(p.editor.repetido = {});                            // -> EditorSinMensajeDeRepetido
