@@ -1,7 +1,5 @@
 #include "ui/controles/dialogos_qt.h"
 
-#include <array>
-
 #include <gtest/gtest.h>
 
 #include <QApplication>

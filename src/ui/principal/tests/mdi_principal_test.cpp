@@ -1,7 +1,6 @@
 #include "ui/principal/mdi_principal.h"
 
 #include <algorithm>
-#include <array>
 
 #include <gtest/gtest.h>
 
