@@ -1,6 +1,7 @@
 #include "foundation/comandos.h"
 
 #include <algorithm>
+#include <array>
 
 namespace quimo::foundation {
 
@@ -188,65 +189,75 @@ constexpr QStringView kPermisos[] = {
     u"PARAMETROS",
 };
 
+/// Puts commands and menus, without the separators, one after the other; how many there are then.
+/// Without a place to put them it only counts.
+constexpr std::size_t Aplanar(std::span<const ComandoDef> comandos,
+                              std::span<const ComandoDef*> donde, std::size_t van) {
+    for (const ComandoDef& comando : comandos) {
+        if (comando.nombre.isEmpty()) continue;
+        if (!donde.empty()) donde[van] = &comando;
+        van = Aplanar(comando.comandos, donde, van + 1);
+    }
+    return van;
+}
+
+constexpr auto kTodos = [] {
+    constexpr std::span<const ComandoDef> kSpreadSolo(&kMenuSpread, 1);
+    std::array<const ComandoDef*, Aplanar(kSpreadSolo, {}, Aplanar(kMenus, {}, 0))> todos{};
+    Aplanar(kSpreadSolo, todos, Aplanar(kMenus, todos, 0));
+    return todos;
+}();
+
 constexpr bool Iguales(QStringView uno, QStringView otro) {
-    return std::equal(uno.utf16(), uno.utf16() + uno.size(), otro.utf16(),
-                      otro.utf16() + otro.size());
+    if (uno.size() != otro.size()) return false;
+    for (qsizetype i = 0; i < uno.size(); ++i) {
+        if (uno.utf16()[i] != otro.utf16()[i]) return false;
+    }
+    return true;
 }
 
-/// Whether this holds for every command and menu; separators are passed over.
-template <typename Condicion>
-constexpr bool Todos(std::span<const ComandoDef> comandos, const Condicion& condicion) {
-    return std::all_of(comandos.begin(), comandos.end(), [&](const ComandoDef& comando) {
-        return comando.nombre.isEmpty() ||
-               (condicion(comando) && Todos(comando.comandos, condicion));
-    });
+consteval bool TodosTienenTexto() {
+    return std::ranges::none_of(kTodos, [](auto* comando) { return comando->texto.isEmpty(); });
 }
 
-template <typename Condicion>
-constexpr bool DeTodosLosMenus(const Condicion& condicion) {
-    return Todos(kMenus, condicion) && Todos({&kMenuSpread, 1}, condicion);
+/// Only what asks different things of a window may share a name.
+consteval bool SinRepetir() {
+    for (std::size_t i = 0; i < kTodos.size(); ++i) {
+        for (std::size_t j = 0; j < i; ++j) {
+            const ComandoDef* const uno = kTodos[i];
+            const ComandoDef* const otro = kTodos[j];
+            const bool de_ventana = uno->ventana && otro->ventana;
+            if (de_ventana && uno->ventana == otro->ventana) return false;
+            if (!de_ventana && Iguales(uno->nombre, otro->nombre)) return false;
+        }
+    }
+    return true;
 }
 
-template <typename Condicion>
-constexpr int Cuantos(const Condicion& condicion) {
-    int cuantos = 0;
-    DeTodosLosMenus([&](const ComandoDef& comando) {
-        cuantos += condicion(comando) ? 1 : 0;
-        return true;
-    });
-    return cuantos;
+consteval bool PermisosCompletos() {
+    for (const ComandoDef* const comando : kTodos) {
+        if (!comando->permiso.isEmpty() && std::ranges::none_of(kPermisos, [&](auto permiso) {
+                return Iguales(permiso, comando->permiso);
+            }))
+            return false;
+    }
+    return true;
 }
 
-static_assert(DeTodosLosMenus([](const ComandoDef& comando) { return !comando.texto.isEmpty(); }),
-              "a command without a text");
-static_assert(DeTodosLosMenus([](const ComandoDef& comando) {
-                  return Cuantos([&](const ComandoDef& otro) {
-                             return Iguales(comando.nombre, otro.nombre) &&
-                                    (!comando.ventana || comando.ventana == otro.ventana);
-                         }) == 1;
-              }),
-              "two commands of one name");
-static_assert(DeTodosLosMenus([](const ComandoDef& comando) {
-                  return !comando.ventana || Cuantos([&](const ComandoDef& otro) {
-                                                 return comando.ventana == otro.ventana;
-                                             }) == 1;
-              }),
-              "two commands that ask the same of a window");
-static_assert(DeTodosLosMenus([](const ComandoDef& comando) {
-                  return comando.permiso.isEmpty() ||
-                         std::count_if(std::begin(kPermisos), std::end(kPermisos),
-                                       [&](QStringView permiso) {
-                                           return Iguales(permiso, comando.permiso);
-                                       }) == 1;
-              }),
-              "a right that is not in the list, or twice");
-static_assert(std::all_of(std::begin(kPermisos), std::end(kPermisos),
-                          [](QStringView permiso) {
-                              return Cuantos([&](const ComandoDef& comando) {
-                                         return Iguales(permiso, comando.permiso);
-                                     }) > 0;
-                          }),
-              "a right that no command asks for");
+consteval bool PermisosPedidosUnaVez() {
+    for (const QStringView este : kPermisos) {
+        const auto es_este = [este](auto permiso) { return Iguales(permiso, este); };
+        if (std::ranges::count_if(kPermisos, es_este) != 1) return false;
+        if (std::ranges::none_of(kTodos, [&](auto* comando) { return es_este(comando->permiso); }))
+            return false;
+    }
+    return true;
+}
+
+static_assert(TodosTienenTexto(), "a command without a text");
+static_assert(SinRepetir(), "two commands of one name, or that ask the same of a window");
+static_assert(PermisosCompletos(), "a right that is not in the list");
+static_assert(PermisosPedidosUnaVez(), "a right twice in the list, or that no command asks for");
 
 }  // namespace
 
@@ -255,7 +266,8 @@ const ComandoDef& MenuSpread() { return kMenuSpread; }
 std::span<const QStringView> Permisos() { return kPermisos; }
 
 bool EsComando(QStringView nombre) {
-    return Cuantos([&](const ComandoDef& comando) { return comando.nombre == nombre; }) > 0;
+    return std::ranges::any_of(kTodos,
+                               [nombre](auto* comando) { return comando->nombre == nombre; });
 }
 
 }  // namespace quimo::foundation

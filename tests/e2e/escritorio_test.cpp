@@ -149,7 +149,7 @@ protected:
     std::optional<int> estado_;
 };
 
-TEST_F(EscritorioTest, WithoutADatabaseItTellsAndEndsWithStatus1) {
+TEST_F(EscritorioTest, SinBaseDeDatosLoDiceYTerminaConEstado1) {
     const QString nada = carpeta_.filePath(u"no/existe.db"_s);
     for (const QStringList& argumentos : {QStringList{},
                                           {u"embebido"_s},
@@ -172,7 +172,7 @@ TEST_F(EscritorioTest, WithoutADatabaseItTellsAndEndsWithStatus1) {
     EXPECT_TRUE(cajas_.Tomar().value(0).contains(u"dos palabras"_s));
 }
 
-TEST_F(EscritorioTest, TheCommandLineIsTwoWordsHoweverTheyCome) {
+TEST_F(EscritorioTest, LaLineaDeComandosSonDosPalabrasComoVengan) {
     for (const QStringList& argumentos :
          {QStringList{u"embebido"_s, base_}, {u"embebido "_s + base_}}) {
         Iniciar(argumentos);
@@ -185,7 +185,7 @@ TEST_F(EscritorioTest, TheCommandLineIsTwoWordsHoweverTheyCome) {
     EXPECT_EQ(LeerLineaDeComandos({u"solo"_s})->base_de_datos, QString());
 }
 
-TEST_F(EscritorioTest, TheSplashEndsByItselfByAClickAndByAKey) {
+TEST_F(EscritorioTest, LaPantallaDeInicioTerminaSolaConUnClicYConUnaTecla) {
     for (int manera = 0; manera < 3; ++manera) {
         auto* const inicio = new ui::frmInicio;
         int veces = 0;
@@ -200,7 +200,7 @@ TEST_F(EscritorioTest, TheSplashEndsByItselfByAClickAndByAKey) {
     }
 }
 
-TEST_F(EscritorioTest, TheRightPasswordOpensTheMainWindowAndClosingItEnds) {
+TEST_F(EscritorioTest, LaContrasenaBuenaAbreLaVentanaPrincipalYCerrarlaTermina) {
     Iniciar({u"embebido"_s, base_});
     EXPECT_TRUE(Usuario()->hasFocus());
     EXPECT_TRUE(Hallar<QLabel>(u"frmLogin"_s, u"PicRojo"_s)->isVisible());
@@ -230,7 +230,7 @@ TEST_F(EscritorioTest, TheRightPasswordOpensTheMainWindowAndClosingItEnds) {
     EXPECT_EQ(estado_, 0);
 }
 
-TEST_F(EscritorioTest, CancellingTheLoginEndsWithoutFault) {
+TEST_F(EscritorioTest, CancelarLaEntradaTerminaSinFalla) {
     for (int manera = 0; manera < 3; ++manera) {
         Iniciar({u"embebido"_s, base_});
         if (manera == 0) Hallar<QPushButton>(u"frmLogin"_s, u"cmdCancel"_s)->click();
@@ -240,7 +240,7 @@ TEST_F(EscritorioTest, CancellingTheLoginEndsWithoutFault) {
     }
 }
 
-TEST_F(EscritorioTest, TheFifthWrongPasswordSuspends) {
+TEST_F(EscritorioTest, LaQuintaContrasenaMalaSuspende) {
     Iniciar({u"embebido"_s, base_});
     for (int vez = 1; vez <= 5; ++vez) {
         QStringList esperadas{kInvalida};
@@ -257,7 +257,7 @@ TEST_F(EscritorioTest, TheFifthWrongPasswordSuspends) {
     EXPECT_NE(Ventana(u"frmLogin"_s), nullptr);
 }
 
-TEST_F(EscritorioTest, WhoMayNotEnterReadsWhy) {
+TEST_F(EscritorioTest, QuienNoPuedeEntrarLeePorQue) {
     Ejecutar(
         u"INSERT INTO Empleado (ID_Empleado,Usuario,Nombre_Empleado,Contraseña) VALUES "
         "(4,'mala','Mala','¡no es Base64!')"_s);
@@ -294,7 +294,7 @@ TEST_F(EscritorioTest, WhoMayNotEnterReadsWhy) {
     EXPECT_EQ(Entrar(u"ana"_s, u"Secreto €"_s), QStringList{kInvalida});
 }
 
-TEST_F(EscritorioTest, ADatabaseWithoutTablesOrWorkingDateIsTold) {
+TEST_F(EscritorioTest, UnaBaseSinTablasOSinFechaDeTrabajoSeDice) {
     const QString vacia = carpeta_.filePath(u"vacia.db"_s);
     Conectar(vacia);
     Ejecutar(u"CREATE TABLE Otra (a INT)"_s);
@@ -311,7 +311,7 @@ TEST_F(EscritorioTest, ADatabaseWithoutTablesOrWorkingDateIsTold) {
     EXPECT_NE(Principal(), nullptr);
 }
 
-TEST_F(EscritorioTest, EveryCommandFollowsTheRightsOfTheUser) {
+TEST_F(EscritorioTest, CadaComandoSigueALosPermisosDelUsuario) {
     const QStringList todos = foundation::NombresDePermisos();
     Ejecutar(u"INSERT INTO Grupo_Trabajo VALUES (1,'Uno')"_s);
     Ejecutar(u"INSERT INTO EmpleadosXGrupo VALUES (1,1)"_s);

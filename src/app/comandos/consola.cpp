@@ -16,6 +16,8 @@ using foundation::Respuesta;
 
 namespace {
 
+constexpr int kServidorNoHallado = 6;
+
 bool salida_cerrada = false;
 
 bool EscribirEn(FILE* flujo, const QString& linea) {
@@ -134,8 +136,9 @@ std::unique_ptr<Sesion> AbrirSesion(const Argumentos& argumentos, const Entorno&
             // Of a missing server only a fixed text is shown, of a refused login nothing: the
             // reason is added.
             const bool con_texto_fijo =
-                !abierta && (abierta.error().Nativo() == 6 || abierta.error().Nativo() == 0 ||
-                             abierta.error().numero == data::FalloSql::kAccesoNegado);
+                !abierta &&
+                (abierta.error().Nativo() == kServidorNoHallado || abierta.error().Nativo() == 0 ||
+                 abierta.error().numero == data::FalloSql::kAccesoNegado);
             *motivo = con_texto_fijo ? abierta.error().Descripcion() : QString();
             return abierta;
         },

@@ -1,11 +1,11 @@
 #include "app/comandos/revision_base.h"
 
-#include <algorithm>
 #include <array>
 
 #include "app/comandos/consola.h"
 #include "dayclose/cierre/cierre_pendiente.h"
 #include "dayclose/terminales/tablas_ventas.h"
+#include "foundation/parametros.h"
 
 using namespace Qt::StringLiterals;
 
@@ -215,9 +215,6 @@ private:
 
     void Pendiente(const QString& fecha, int paso) {
         // A working date may be one that no calendar has (2902, month 13): only its form is told.
-        const bool con_fecha =
-            fecha.size() == 8 &&
-            std::all_of(fecha.begin(), fecha.end(), [](QChar c) { return c >= u'0' && c <= u'9'; });
         QString va;
         if (paso == static_cast<int>(Paso::Reunir)) {
             va = u"se estaban reuniendo las ventas de las terminales"_s;
@@ -226,7 +223,7 @@ private:
         } else if (paso == static_cast<int>(Paso::Distribuir)) {
             va = u"se estaban enviando las bases nuevas a las terminales"_s;
         }
-        if (!con_fecha || va.isEmpty()) {
+        if (!foundation::EsFechaTrabajo(fecha) || va.isEmpty()) {
             Falla(u"Tabla Cierre_Pendiente"_s,
                   u"el cierre pendiente tiene una fecha o un paso imposible (%1, %2)"_s.arg(fecha)
                       .arg(paso),
@@ -234,8 +231,8 @@ private:
             return;
         }
         revision_.pendiente =
-            u"El cierre del %1/%2/%3 no terminó: %4. Siga con él (quimoctl cerrar ... --continuar)."_s
-                .arg(fecha.left(2), fecha.mid(2, 2), fecha.mid(4), va);
+            u"El cierre del %1 no terminó: %2. Siga con él (quimoctl cerrar ... --continuar)."_s
+                .arg(foundation::FechaTrabajoVisible(fecha), va);
     }
 
     /// Notes are a table's copy, or marks with names and states of their own.

@@ -110,4 +110,9 @@ void Centrar(QWidget& ventana) {
     ventana.move(pantalla.center() - QRect(QPoint(), ventana.size()).center());
 }
 
+int AltoDeRenglon(const QWidget& rejilla) {
+    constexpr int kAire = 8;
+    return rejilla.fontMetrics().height() + kAire;
+}
+
 }  // namespace quimo::ui

@@ -15,6 +15,9 @@ void PonerTema(QApplication& aplicacion);
 /// Puts a window that is about to be shown in the middle of its screen.
 void Centrar(QWidget& ventana);
 
+/// How high the rows of a grid in this widget are.
+int AltoDeRenglon(const QWidget& rejilla);
+
 /// Gives a control its names: the object name and what a screen reader says.
 template <typename Control>
 Control* Nombrar(Control* control, const QString& nombre, const QString& accesible) {

@@ -72,7 +72,7 @@ Rejilla::Rejilla(const QString& nombre, const QString& accesible, QWidget* padre
     setWordWrap(false);
     setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
     setTabKeyNavigation(false);
-    verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 8);
+    verticalHeader()->setDefaultSectionSize(AltoDeRenglon(*this));
     verticalHeader()->hide();
     horizontalHeader()->setHighlightSections(false);
     connect(&modelo_, &ModeloRejilla::CeldaCambiada, this, &Rejilla::CeldaCambiada);

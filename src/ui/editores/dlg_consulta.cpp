@@ -31,6 +31,9 @@ namespace {
 constexpr int kLargoMax = 4000;
 constexpr int kFilasMedidas = 200;  // by which the columns take their widths
 constexpr int kAnchoMaxColumna = 360;
+constexpr int kLetrasValor = 14;
+constexpr QSize kTamano(1240, 640);
+constexpr QSize kOrilla(60, 80);  // of the screen that stays free
 const auto kNombre = u"DlgConsulta"_s;
 
 QStringList Titulos(const catalog::Consulta& consulta) {
@@ -43,7 +46,7 @@ QStringList Titulos(const catalog::Consulta& consulta) {
 QLineEdit* CajaDeValor(const QString& nombre, const QString& accesible, ClaseValor clase) {
     auto* const caja = Nombrar(new QLineEdit, nombre, accesible);
     caja->setMaxLength(kLargoMax);
-    caja->setMinimumWidth(caja->fontMetrics().averageCharWidth() * 14);
+    caja->setMinimumWidth(caja->fontMetrics().averageCharWidth() * kLetrasValor);
     if (clase == ClaseValor::Fecha) caja->setPlaceholderText(u"dd/mm/aaaa"_s);
     return caja;
 }
@@ -102,7 +105,7 @@ DlgConsulta::DlgConsulta(catalog::Consulta& consulta, foundation::Dialogos& dial
     todo->addWidget(partes, 1);
     todo->addLayout(pie);
     const QSize pantalla = screen()->availableSize();
-    resize(std::min(1240, pantalla.width() - 60), std::min(640, pantalla.height() - 80));
+    resize(kTamano.boundedTo(pantalla - kOrilla));
     restoreGeometry(Ajustes().Leer(Ajuste::Dialogo, kNombre).toByteArray());
     if (!renglones_.isEmpty()) renglones_.first().Control()->setFocus();
     MostrarCuenta();
@@ -190,7 +193,7 @@ QWidget* DlgConsulta::Resultados() {
     tabla_->setWordWrap(false);
     tabla_->setTabKeyNavigation(false);
     tabla_->setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
-    tabla_->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 8);
+    tabla_->verticalHeader()->setDefaultSectionSize(AltoDeRenglon(*this));
     tabla_->verticalHeader()->hide();
     tabla_->horizontalHeader()->setHighlightSections(false);
     tabla_->horizontalHeader()->setResizeContentsPrecision(kFilasMedidas);

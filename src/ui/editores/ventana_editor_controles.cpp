@@ -16,6 +16,7 @@ using catalog::TipoCampo;
 namespace {
 
 constexpr int kFilasPorColumna = 6;
+constexpr int kSegunda = 3;  // column of the second half: label and control, after a gap
 constexpr int kLetrasAnchas = 34;
 constexpr int kLetrasNumero = 14;
 constexpr int kLetrasClave = 8;
@@ -110,7 +111,7 @@ QLayout* VentanaEditor::Colocar() {
         etiqueta->setTextFormat(Qt::PlainText);
         etiqueta->setBuddy(control);
         const auto fila = static_cast<int>(n % filas);
-        const int columna = n < filas ? 0 : 3;
+        const int columna = n < filas ? 0 : kSegunda;
         rejilla->addWidget(etiqueta, fila, columna, Qt::AlignRight | Qt::AlignVCenter);
         Qt::Alignment como;
         if (def.tipo == TipoCampo::Clave || def.tipo == TipoCampo::Numero) {
@@ -122,10 +123,10 @@ QLayout* VentanaEditor::Colocar() {
         }
         rejilla->addWidget(control, fila, columna + 1, como);
     }
-    if (dos) rejilla->setColumnMinimumWidth(2, letra * 2);
+    if (dos) rejilla->setColumnMinimumWidth(kSegunda - 1, letra * 2);
     rejilla->setColumnStretch(1, 1);
-    if (dos) rejilla->setColumnStretch(4, 1);
-    rejilla->addLayout(casillas, static_cast<int>(filas), 1, 1, dos ? 4 : 1);
+    if (dos) rejilla->setColumnStretch(kSegunda + 1, 1);
+    rejilla->addLayout(casillas, static_cast<int>(filas), 1, 1, dos ? kSegunda + 1 : 1);
     return rejilla;
 }
 

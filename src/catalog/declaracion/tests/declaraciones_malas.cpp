@@ -89,7 +89,7 @@ constexpr ColumnaDetalle SinInicial(TipoCeldaDetalle tipo) {
 #define MALA(cambio) static_assert(Compila([](Partes& p) { cambio; }))
 
 MALA(p.editor.nombre = {});                              // -> EditorSinNombre
-MALA(p.editor.comando = {});                               // -> EditorSinComando
+MALA(p.editor.comando = {});                             // -> EditorSinComando
 MALA(p.editor.titulo = {});                              // -> EditorSinTitulo
 MALA(p.editor.tabla = {});                               // -> EditorSinTabla
 MALA(p.editor.repetido = {});                            // -> EditorSinMensajeDeRepetido

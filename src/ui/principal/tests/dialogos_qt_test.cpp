@@ -1,7 +1,5 @@
 #include "ui/controles/dialogos_qt.h"
 
-#include <array>
-
 #include <gtest/gtest.h>
 
 #include <QApplication>
@@ -19,7 +17,7 @@ using foundation::Botones;
 using foundation::Icono;
 using foundation::Respuesta;
 
-TEST(DialogosQtTest, BoxesCarryIconTitleAndText) {
+TEST(DialogosQtTest, LasCajasLlevanIconoTituloYTexto) {
     DialogosQt dialogos;
     pruebas::CajasGuion cajas;
     dialogos.Avisar(u"uno"_s, Icono::Critico, u"Login"_s);
@@ -30,14 +28,14 @@ TEST(DialogosQtTest, BoxesCarryIconTitleAndText) {
                                           u"[i] Servidor Quimo|tres"_s, u"[-] QUIMO|cuatro"_s}));
 }
 
-TEST(DialogosQtTest, AVeryLongTextStaysReadable) {
+TEST(DialogosQtTest, UnTextoMuyLargoSePuedeLeer) {
     DialogosQt dialogos;
     pruebas::CajasGuion cajas;
     dialogos.Avisar(QString(10000, u'x'), Icono::Critico);
     EXPECT_LT(cajas.Tomar().value(0).size(), 1000);
 }
 
-TEST(DialogosQtTest, EveryButtonIsSpanishAndGivesItsAnswer) {
+TEST(DialogosQtTest, CadaBotonEstaEnEspanolYDaSuRespuesta) {
     DialogosQt dialogos;
     pruebas::CajasGuion cajas;
     const struct {
@@ -63,7 +61,7 @@ TEST(DialogosQtTest, EveryButtonIsSpanishAndGivesItsAnswer) {
     }
 }
 
-TEST(DialogosQtTest, TextIsAskedForAndTheBusyPointerNests) {
+TEST(DialogosQtTest, SePideUnTextoYElPunteroOcupadoSeAnida) {
     DialogosQt dialogos;
     pruebas::CajasGuion cajas;
     bool aceptar = true;

@@ -1,7 +1,6 @@
 #include "ui/principal/mdi_principal.h"
 
 #include <algorithm>
-#include <array>
 
 #include <gtest/gtest.h>
 
@@ -64,7 +63,6 @@ public:
 class MDIPrincipalTest : public testing::Test {
 protected:
     void SetUp() override {
-        QSettings(u"QUIMO"_s, u"QUIMO"_s).clear();
         QString servidor = u"embebido"_s;
         QString archivo = carpeta_.filePath(u"central.db"_s);
         QString nadie;
@@ -104,7 +102,7 @@ protected:
     std::unique_ptr<MDIPrincipal> principal_;
 };
 
-TEST_F(MDIPrincipalTest, StatusBarShowsBothDatesAndAMissingOneIsTold) {
+TEST_F(MDIPrincipalTest, LaBarraMuestraLasDosFechasYDiceSiFaltaUna) {
     Abrir();
     EXPECT_EQ(Panel(u"PanelFechaTrabajo"_s), u"Fecha de trabajo: 01/03/2007"_s);
     EXPECT_EQ(Panel(u"PanelFechaSistema"_s), u"Fecha del sistema: 15/11/2026"_s);
@@ -121,7 +119,7 @@ TEST_F(MDIPrincipalTest, StatusBarShowsBothDatesAndAMissingOneIsTold) {
     }
 }
 
-TEST_F(MDIPrincipalTest, EveryCommandDoesSomethingOrSaysThatItCannot) {
+TEST_F(MDIPrincipalTest, CadaComandoHaceAlgoODiceQueNoPuede) {
     Abrir();
     cajas_.ante_otra = [](QWidget& ventana) { ventana.close(); };
     const QStringList propias{u"mnuArCerrar"_s,     u"mnuArSalir"_s,    u"MnuVeArIconos"_s,
@@ -149,7 +147,7 @@ TEST_F(MDIPrincipalTest, EveryCommandDoesSomethingOrSaysThatItCannot) {
     EXPECT_EQ(comandos, 76);
 }
 
-TEST_F(MDIPrincipalTest, KeysButtonsAndMenuReachTheActiveChildAsItsStateAllows) {
+TEST_F(MDIPrincipalTest, TeclasBotonesYMenuLleganALaHijaComoSuEstadoPermite) {
     Abrir();
     EditorDePrueba* const editor = AbrirEditor();
     EXPECT_EQ(Panel(u"PanelRegistros"_s), u"Registros: 3"_s);
@@ -203,7 +201,7 @@ TEST_F(MDIPrincipalTest, KeysButtonsAndMenuReachTheActiveChildAsItsStateAllows) 
     EXPECT_EQ(editor->Tomar(), (QVector<Comando>{Comando::Aceptar, Comando::Cancelar}));
 }
 
-TEST_F(MDIPrincipalTest, ToolbarFollowsTheActiveWindow) {
+TEST_F(MDIPrincipalTest, LasHerramientasSiguenALaVentanaActiva) {
     Abrir();
     const auto habilitados = [this] {
         QApplication::processEvents();
@@ -237,7 +235,7 @@ TEST_F(MDIPrincipalTest, ToolbarFollowsTheActiveWindow) {
     EXPECT_EQ(habilitados(), (QStringList{u"BotonAceptar"_s, u"BotonCancelar"_s}));
 }
 
-TEST_F(MDIPrincipalTest, ARegisteredWindowOpensOnceAndTheGridMenuReachesIt) {
+TEST_F(MDIPrincipalTest, UnaVentanaRegistradaSeAbreUnaVezYElMenuDeLaRejillaLlegaAElla) {
     Abrir();
     int abiertas = 0;
     EditorDePrueba* editor = nullptr;
@@ -266,7 +264,7 @@ TEST_F(MDIPrincipalTest, ARegisteredWindowOpensOnceAndTheGridMenuReachesIt) {
     EXPECT_EQ(principal_->Activa(), nullptr);
 }
 
-TEST_F(MDIPrincipalTest, WindowCommandsArrangeTheChildren) {
+TEST_F(MDIPrincipalTest, LosComandosDeVentanaAcomodanALasHijas) {
     Abrir();
     const auto rectangulos = [this] {
         QVector<QRect> todos;
@@ -304,7 +302,7 @@ TEST_F(MDIPrincipalTest, WindowCommandsArrangeTheChildren) {
     EXPECT_EQ(iconos[0].bottom(), area.bottom());
 }
 
-TEST_F(MDIPrincipalTest, TheWallpaperIsChosenRememberedAndCleared) {
+TEST_F(MDIPrincipalTest, ElTapizSeEligeSeRecuerdaYSeLimpia) {
     const QString imagen = carpeta_.filePath(u"tapiz.bmp"_s);
     const QString falsa = carpeta_.filePath(u"falsa.jpg"_s);
     QImage(8, 8, QImage::Format_RGB32).save(imagen);

@@ -1,7 +1,5 @@
 #include "ui/controles/rejilla.h"
 
-#include <array>
-
 #include <gtest/gtest.h>
 
 #include <QApplication>

@@ -67,7 +67,7 @@ protected:
     QLineEdit* libre_ = nullptr;
 };
 
-TEST_F(ValidaTest, TypingAndPastingAreFilteredAlike) {
+TEST_F(ValidaTest, LoEscritoYLoPegadoSeFiltranIgual) {
     const QString escrito = u"aÑ 9.-é"_s;
     for (qsizetype i = 0; i < cajas_.size(); ++i) {
         const QString queda = QString::fromUtf16(kCasos[static_cast<std::size_t>(i)].queda);
@@ -88,7 +88,7 @@ TEST_F(ValidaTest, TypingAndPastingAreFilteredAlike) {
     }
 }
 
-TEST_F(ValidaTest, OnlyWhatTheUserWritesIsTouched) {
+TEST_F(ValidaTest, SoloSeTocaLoQueElUsuarioEscribe) {
     QLineEdit* const caja = cajas_[4];  // no signs
     caja->setText(u"Piña-1 ñ"_s);
     EXPECT_EQ(caja->text(), u"Piña-1 ñ"_s);
@@ -104,7 +104,7 @@ TEST_F(ValidaTest, OnlyWhatTheUserWritesIsTouched) {
     EXPECT_EQ(caja->text(), u"b"_s);
 }
 
-TEST_F(ValidaTest, LeavingABoxTellsAndOnlyAWrongAddressHoldsTheFocus) {
+TEST_F(ValidaTest, DejarUnaCajaAvisaYSoloUnaDireccionMalaRetieneElFoco) {
     const QStringList vacio{u"[!] |Este campo no puede estar vacío"_s};
     const QStringList mala{u"[!] |La direcciòn IP no es válida"_s};
     EXPECT_EQ(Dejar(cajas_[2], {}), vacio);
@@ -123,7 +123,7 @@ TEST_F(ValidaTest, LeavingABoxTellsAndOnlyAWrongAddressHoldsTheFocus) {
     EXPECT_EQ(Dejar(cajas_[2], {}), QStringList()) << "locked: there is nobody to blame";
 }
 
-TEST(AspectoTest, WhatQtSaysIsSpanish) {
+TEST(AspectoTest, LoQueDiceQtEstaEnEspanol) {
     QLineEdit caja;
     QMenu* const menu = caja.createStandardContextMenu();
     QStringList textos;

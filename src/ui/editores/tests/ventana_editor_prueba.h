@@ -3,6 +3,8 @@
 #include <functional>
 #include <memory>
 
+#include <gtest/gtest.h>
+
 #include <QDialog>
 #include <QTemporaryDir>
 
@@ -16,29 +18,9 @@ namespace quimo::ui {
 
 /// The real windows inside the real main window, over the recorded restaurant, with a scripted
 /// user.
-class VentanaEditorTest : public QObject {  // NOLINT(readability-identifier-naming)
-    Q_OBJECT
-private slots:
-    void initTestCase();
-    void init();
-    void cleanup();
-    void TodosSeManejanConElTeclado_data();
-    void TodosSeManejanConElTeclado();
-    void LosBotonesSiguenAlEstado();
-    void AvPagEsAnteriorYRePagSiguiente();
-    void ElComboYSuCajaOcultaVanJuntos();
-    void TeclasDeLaRejilla();
-    void LasColumnasSeOrdenanYGuardanSuAncho();
-    void PegarEnLaRejilla();
-    void UnaCeldaMalEscritaDetieneGuardar();
-    void EscapeSaleDeLaCeldaYDespuesDelRegistro();
-    void ElPrecioSeFiltraYSeRevisaAlSalir();
-    void CerrarPreguntaYAbrirDosVecesTraeAlFrente();
-    void BuscarMueveElRegistro();
-    void ConsultaLlevaAlRegistroElegido();
-    void LaColumnaQueNoExisteSeAvisaYSePuedeSeguir();
-
-private:
+class VentanaEditorTest : public testing::Test {
+protected:
+    void SetUp() override;
     VentanaEditor* Abrir(const catalog::EditorDef& def);
     /// Runs a command that opens a dialog, and does something with that dialog.
     void ConDialogo(VentanaEditor* ventana, ComandoVentana comando,
@@ -64,7 +46,6 @@ private:
         return filas->Filas().front().value(0).toString();
     }
 
-    QTemporaryDir ajustes_;
     std::unique_ptr<QTemporaryDir> carpeta_;
     pruebas::RelojFijo reloj_;
     DialogosQt ventanas_;
