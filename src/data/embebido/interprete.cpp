@@ -10,6 +10,7 @@ namespace quimo::data::embebido {
 
 void Interprete::Correr(const std::string& texto, const std::vector<ValorConTipo>& parametros) {
     std::vector<tsql::Tipo> tipos;
+    tipos.reserve(parametros.size());
     for (const ValorConTipo& parametro : parametros)
         tipos.push_back(parametro.tipo);
     const auto leido = sesion_.Textos().Leer(texto, tipos);

@@ -11,7 +11,7 @@ namespace quimo::data::embebido {
 /// What is alive while one text, procedure or function runs: its plans, parameters, variables and
 /// temporary tables.
 struct Marco {
-    explicit Marco(LoteListo& lote_) : lote(lote_) {}
+    explicit Marco(LoteListo& de) : lote(de) {}
 
     /// A variable that was declared (@name in lower case), or the error that it was not.
     Resultado<ValorConTipo*> Variable(const std::string& nombre);

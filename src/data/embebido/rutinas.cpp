@@ -171,6 +171,7 @@ Resultado<std::int64_t> Rutinas::InsertarLoQueDeje(const tsql::Insertar& inserta
 Resultado<std::int64_t> Rutinas::InsertarFilas(const tsql::Insertar& insertar,
                                                const ConjuntoInterno& conjunto, Marco& marco) {
     LoteListo lote;
+    lote.tipos_parametros.reserve(conjunto.columnas.size());
     for (const tsql::ColumnaSalida& columna : conjunto.columnas)
         lote.tipos_parametros.push_back(columna.tipo);
     const std::vector<tsql::Tipo>& tipos = lote.tipos_parametros;
@@ -180,6 +181,7 @@ Resultado<std::int64_t> Rutinas::InsertarFilas(const tsql::Insertar& insertar,
     QUIMO_TRY(PlanListo listo, planes_.PrepararSuelto(std::move(plan)));
     for (const std::vector<Valor>& fila : conjunto.filas) {
         std::vector<ValorConTipo> valores;
+        valores.reserve(fila.size());
         for (std::size_t i = 0; i < fila.size(); ++i)
             valores.push_back({tipos[i], fila[i]});
         Marco propio(lote);

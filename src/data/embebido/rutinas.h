@@ -14,15 +14,14 @@ enum class Flujo { Sigue, Rompe, Continua, Regresa, Aborta };
 /// Who runs statements: all that routines know of it.
 class CorreSentencias {
 public:
+    CorreSentencias() = default;
+    CorreSentencias(const CorreSentencias&) = delete;
+    CorreSentencias& operator=(const CorreSentencias&) = delete;
+    virtual ~CorreSentencias() = default;
+
     /// Runs them one after the other until one of them leads elsewhere. What goes wrong is told to
     /// the output that the runner was made with.
     virtual Flujo Lista(const std::vector<tsql::SentenciaPtr>& sentencias, Marco& marco) = 0;
-
-protected:
-    CorreSentencias() = default;
-    CorreSentencias(const CorreSentencias&) = default;
-    CorreSentencias& operator=(const CorreSentencias&) = default;
-    ~CorreSentencias() = default;
 };
 
 /// What is run by its name or as a text inside another: EXEC of procedures and texts, functions

@@ -79,6 +79,7 @@ template <typename Leer>
 Hecho Salida::Nuevo::Agregar(const Leer& leer) {
     if (interno_) {
         std::vector<Valor> valores;
+        valores.reserve(columnas_.size());
         for (std::size_t i = 0; i < columnas_.size(); ++i)
             valores.push_back(leer(i));
         capturado_.filas.push_back(std::move(valores));
