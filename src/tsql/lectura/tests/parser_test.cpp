@@ -42,6 +42,7 @@ INSTANTIATE_TEST_SUITE_P(
         Rechazo{"CREATE TABLE t (a NUMERIC(5,9))", 2751, "9"},
         Rechazo{"SELECT CONVERT('13/11/2026',103)", 102, "13/11/2026"},
         Rechazo{"GRANT SELECT ON t TO x", 156, "'GRANT'"},
+        Rechazo{"SELECT 1 EXCEPT ALL SELECT 2", 156, "'ALL'"},
         Rechazo{"SELECT 1 OPTION (FAST 1)", 156, "'OPTION'"}, Rechazo{"SELECT 1e999", 168, "1e999"},
         Rechazo{"SELECT 1234567890123456789012345678901234567890", 1007, "38"}));
 

@@ -14,15 +14,15 @@ struct Rechazo {
     const char* tsql;
     int nativo;
 };
-class RechazoTest : public testing::TestWithParam<Rechazo> {};
+class NoSeTraduceTest : public testing::TestWithParam<Rechazo> {};
 
-TEST_P(RechazoTest, ConElNumeroDelServidor) {
+TEST_P(NoSeTraduceTest, ConElNumeroDelServidor) {
     const auto plan = TraductorPrueba().Traducir(GetParam().tsql);
     ASSERT_FALSE(plan.has_value()) << plan->sql;
     EXPECT_EQ(plan.error().nativo, GetParam().nativo) << plan.error().mensaje;
 }
 
-INSTANTIATE_TEST_SUITE_P(Traductor, RechazoTest,
+INSTANTIATE_TEST_SUITE_P(Traductor, NoSeTraduceTest,
                          testing::ValuesIn(std::to_array<Rechazo>({
                              {"SELECT nada FROM A", 207},
                              {"SELECT ID FROM A, B", 209},
@@ -103,7 +103,7 @@ INSTANTIATE_TEST_SUITE_P(Traductor, RechazoTest,
                              {"SELECT clave FROM Vuelta", 217},
                          })));
 
-TEST(RechazoTest, LosMensajesNombranLoQueFalla) {
+TEST(NoSeTraduceTest, LosMensajesNombranLoQueFalla) {
     const auto mensaje = [](const char* tsql) {
         return TraductorPrueba().Traducir(tsql).error().mensaje;
     };
@@ -120,7 +120,7 @@ TEST(RechazoTest, LosMensajesNombranLoQueFalla) {
     EXPECT_EQ(mensaje("SELECT ~f FROM A"), "Operand data type float is invalid for '~' operator.");
 }
 
-TEST(RechazoTest, LoMuyAnidadoSeRechaza) {
+TEST(NoSeTraduceTest, LoMuyAnidadoSeRechaza) {
     std::string consulta = "SELECT n FROM A";
     for (int i = 0; i < 20; ++i)
         consulta = "SELECT n FROM (" + consulta + ") d" + std::to_string(i);

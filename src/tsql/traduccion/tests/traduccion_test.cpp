@@ -92,6 +92,10 @@ INSTANTIATE_TEST_SUITE_P(
          "q2,q_absoluto(t1.w,17683185938) AS q3,q_piso(t1.p,8740929810) AS q4,q_elevar(t1.n,CAST(2 "
          "AS REAL),167772430) AS q5,q_parte(0,t1.d) AS q6,q_sumar_fecha(4,t1.n,t1.d) AS "
          "q7,q_diferencia(2,t1.d,?1) AS q8,q_nombre_parte(6,t1.d) AS q9 FROM A AS t1"},
+        {"SELECT n FROM A WHERE n IN (1,1.5) AND n NOT IN (2,2.5)",
+         "SELECT t1.n AS q1 FROM A AS t1 WHERE (t1.n=1 OR t1.n*10=15) AND NOT (t1.n=2 OR "
+         "t1.n*10=25)"},
+        {"SELECT SUBSTRING(t,0,3) FROM A", "SELECT q_trozo(t1.t,0,3) AS q1 FROM A AS t1"},
         {"SELECT @n, @t+'x', ?, @@ROWCOUNT, GETDATE(), GETDATE(), @n",
          "SELECT ?1 AS q1,?2||'x' AS q2,?3 AS q3,?4 AS q4,?5 AS q5,?5 AS q6,?1 AS q7"},
         {"SELECT dbo.Doble(n), dbo.Suma(n), dbo.Suma(n+1), dbo.Larga(n) FROM A",

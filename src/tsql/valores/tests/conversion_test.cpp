@@ -141,6 +141,7 @@ INSTANTIATE_TEST_SUITE_P(AFechas, ConversionTest,
                              {R(0.5), TipoReal(), TipoFecha(), "1900-01-01 12:00:00.000"},
                              {E(9999999), kInt, TipoFecha(), "! 8115"},
                              {E(-86400000), TipoFecha(), kCorta, "! 242"},
+                             {E(65536 * kMilisegundosDia), TipoFecha(), kCorta, "! 242"},
                              {E(89999), TipoFecha(), kCorta, "1900-01-01 00:01:00.000"},
                          }));
 
