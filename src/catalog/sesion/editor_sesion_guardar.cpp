@@ -3,22 +3,17 @@
 #include "catalog/sesion/editor_sesion.h"
 #include "catalog/sesion/valor_columna.h"
 #include "data/valores.h"
+#include "data/valores_escritos.h"
 
 using namespace Qt::StringLiterals;
 
 namespace quimo::catalog {
 
-using data::TipoSql;
 using foundation::Botones;
 using foundation::Icono;
 using foundation::Respuesta;
 
 namespace {
-
-bool VaEntreComillas(TipoSql tipo) {
-    return tipo == TipoSql::Char || tipo == TipoSql::VarChar || tipo == TipoSql::Text ||
-           tipo == TipoSql::NChar || tipo == TipoSql::NVarChar || tipo == TipoSql::NText;
-}
 
 QString BorradoPorOtro() {
     return u"Otro usuario borró este registro mientras se modificaba: no se puede guardar"_s;
@@ -127,7 +122,7 @@ QString EditorSesion::Asignaciones() const {
         if (columna.isEmpty()) continue;
         const QString texto = TextoParaGuardar(i);
         const qsizetype lugar = conjunto_->IndiceDe(columna.toString());
-        const bool comillas = lugar >= 0 && VaEntreComillas(conjunto_->Columnas()[lugar].tipo);
+        const bool comillas = lugar >= 0 && data::EsTexto(conjunto_->Columnas()[lugar].tipo);
         QString valor = texto.trimmed().isEmpty() ? u"NULL"_s : texto;
         if (comillas) valor = u'\'' + data::DuplicaApostrofes(texto) + u'\'';
         if (EsNulo(i)) valor = u"NULL"_s;

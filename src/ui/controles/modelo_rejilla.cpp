@@ -5,10 +5,14 @@
 #include <QFont>
 
 #include "data/valores.h"
+#include "data/valores_escritos.h"
+#include "grid/formato.h"
 
 using namespace Qt::StringLiterals;
 
 namespace quimo::ui {
+
+using grid::TipoCelda;
 
 namespace {
 
@@ -128,7 +132,7 @@ QString ModeloRejilla::Visible(int fila, int columna) const {
     }
     // A row that is still being filled shows nothing rather than a zero.
     if (!EsNumerica(tipo) || !valor.isValid()) return data::TextoDeValor(valor);
-    return NumeroVisible(valor, tipo, columnas_[columna].decimales);
+    return grid::NumeroVisible(valor, tipo, columnas_[columna].decimales);
 }
 
 QVariant ModeloRejilla::data(const QModelIndex& lugar, int papel) const {

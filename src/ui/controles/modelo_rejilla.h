@@ -6,14 +6,14 @@
 #include <QVector>
 
 #include "foundation/cls_ado.h"
-#include "ui/controles/formato_celda.h"
+#include "grid/celda.h"
 
 namespace quimo::ui {
 
 /// One column of a grid.
 struct ColumnaRejilla {
     QString titulo;
-    TipoCelda tipo = TipoCelda::Texto;
+    grid::TipoCelda tipo = grid::TipoCelda::Texto;
     int ancho_mm = 25;
     int decimales = 2;      ///< of numbers
     int largo_max = 32767;  ///< characters that can be typed
@@ -39,8 +39,8 @@ public:
 
     void Poner(int fila, int columna, const QVariant& valor);
     QVariant Valor(int fila, int columna) const;
-    void PonerTipo(int fila, int columna, TipoCelda tipo);
-    TipoCelda Tipo(int fila, int columna) const;
+    void PonerTipo(int fila, int columna, grid::TipoCelda tipo);
+    grid::TipoCelda Tipo(int fila, int columna) const;
     void PonerNegrita(int fila, int columna, bool negrita);
     void PonerPuntos(int fila, int columna, int puntos);
     void Bloquear(int fila, int columna, bool bloqueada);
@@ -70,7 +70,7 @@ signals:
 private:
     struct Celda {
         QVariant valor = {};
-        std::optional<TipoCelda> tipo = {};
+        std::optional<grid::TipoCelda> tipo = {};
         int puntos = 0;
         bool negrita = false;
         bool bloqueada = false;

@@ -10,17 +10,19 @@
 #include <QMenu>
 #include <QStyledItemDelegate>
 
-#include "data/valores.h"
+#include "grid/formato.h"
+#include "grid/tabulado.h"
 #include "ui/controles/aspecto.h"
 
 using namespace Qt::StringLiterals;
 
 namespace quimo::ui {
 
+using grid::TipoCelda;
+
 namespace {
 
 constexpr double kMmPorPulgada = 25.4;
-constexpr qsizetype kPegadoMax = qsizetype{1024} * 1024;
 
 /// The editors of the cells: a combo box for lists, a text box with the column's length otherwise.
 class DelegadoRejilla final : public QStyledItemDelegate {
@@ -131,17 +133,9 @@ QVector<int> Rejilla::ColumnasVisibles() const {
 QString Rejilla::TextoPlano(const QModelIndex& lugar) const {
     const TipoCelda tipo = modelo_.Tipo(lugar.row(), lugar.column());
     const QVariant valor = modelo_.Valor(lugar.row(), lugar.column());
-    QString texto;
-    if (tipo == TipoCelda::Casilla) {
-        texto = valor.toInt() != 0 ? u"1"_s : u"0"_s;
-    } else if (EsNumerica(tipo) && valor.isValid()) {
-        texto =
-            NumeroVisible(valor, TipoCelda::Numero, modelo_.Columnas()[lugar.column()].decimales)
-                .remove(u',');
-    } else {
-        texto = Texto(lugar.row(), lugar.column());
-    }
-    return texto.replace(u'\t', u' ').replace(u'\n', u' ').replace(u'\r', u' ');
+    if (tipo == TipoCelda::Casilla) return valor.toInt() != 0 ? u"1"_s : u"0"_s;
+    if (!EsNumerica(tipo) || !valor.isValid()) return Texto(lugar.row(), lugar.column());
+    return grid::NumeroPlano(valor, tipo, modelo_.Columnas()[lugar.column()].decimales);
 }
 
 QString Rejilla::TextoSeleccionado() const {
@@ -156,7 +150,7 @@ QString Rejilla::TextoSeleccionado() const {
             const QModelIndex lugar = modelo_.index(fila, columna);
             if (seleccion->isSelected(lugar)) celdas << TextoPlano(lugar);
         }
-        if (!celdas.isEmpty()) lineas << celdas.join(u'\t');
+        if (!celdas.isEmpty()) lineas << grid::LineaTabulada(celdas);
     }
     return lineas.join(u'\n');
 }
@@ -182,6 +176,8 @@ void Rejilla::PegarCelda(const QModelIndex& lugar, const QString& texto) {
             break;
         case TipoCelda::Estatico:
         case TipoCelda::Texto:
+        case TipoCelda::Fecha:
+        case TipoCelda::Entero:
         case TipoCelda::Numero:
         case TipoCelda::Moneda:
         case TipoCelda::Porcentaje:
@@ -191,19 +187,17 @@ void Rejilla::PegarCelda(const QModelIndex& lugar, const QString& texto) {
 }
 
 void Rejilla::Pegar(const QString& texto) {
-    if (!currentIndex().isValid() || texto.size() > kPegadoMax) return;
-    QString limpio = texto;
-    limpio.remove(u'\r');
-    if (limpio.endsWith(u'\n')) limpio.chop(1);
+    const auto lineas = grid::LeerTabulado(texto);
+    if (!currentIndex().isValid() || !lineas) return;
     const QVector<int> columnas = ColumnasVisibles();
     const qsizetype primera = columnas.indexOf(ColumnaActual());
     int fila = FilaActual();
-    for (const QString& linea : limpio.split(u'\n')) {
+    for (const QStringList& linea : *lineas) {
         while (fila < Renglones() && isRowHidden(fila))
             ++fila;
         if (fila >= Renglones()) return;
         qsizetype c = primera;
-        for (const QString& celda : linea.split(u'\t')) {
+        for (const QString& celda : linea) {
             if (c < 0 || c >= columnas.size()) break;
             const QModelIndex lugar = modelo_.index(fila, columnas[c++]);
             PegarCelda(lugar, celda);

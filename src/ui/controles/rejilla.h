@@ -32,7 +32,7 @@ public:
     QVariant Valor(int fila, int columna) const { return modelo_.Valor(fila, columna); }
     /// As it is shown.
     QString Texto(int fila, int columna) const;
-    void PonerTipo(int fila, int columna, TipoCelda tipo) {
+    void PonerTipo(int fila, int columna, grid::TipoCelda tipo) {
         modelo_.PonerTipo(fila, columna, tipo);
     }
     void PonerNegrita(int fila, int columna, bool negrita = true) {
