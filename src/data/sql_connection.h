@@ -150,6 +150,3 @@ public:
 };
 
 }  // namespace quimo::data
-
-Q_DECLARE_METATYPE(quimo::base::Dinero)
-Q_DECLARE_METATYPE(quimo::base::Decimal)

@@ -1,7 +1,6 @@
 #include "data/valores.h"
 
 #include <QByteArray>
-#include <QRegularExpression>
 #include <QUuid>
 
 #include "base/decimal.h"
@@ -11,6 +10,12 @@
 using namespace Qt::StringLiterals;
 
 namespace quimo::data {
+
+namespace {
+
+constexpr QStringView kFormaDeFecha = u"dd/MM/yyyy";
+
+}  // namespace
 
 QString TextoDeValor(const QVariant& valor) {
     if (!valor.isValid()) return {};
@@ -25,7 +30,7 @@ QString TextoDeValor(const QVariant& valor) {
     if (tipo == QMetaType::Double) return QString::number(valor.toDouble(), 'g', 15);
     if (tipo == QMetaType::QDateTime) {
         const QDateTime momento = valor.toDateTime();
-        if (momento.time() == QTime(0, 0)) return momento.toString(u"dd/MM/yyyy"_s);
+        if (momento.time() == QTime(0, 0)) return TextoDeFecha(momento.date());
         return FechaHoraSql(momento);
     }
     if (tipo == QMetaType::QByteArray) {
@@ -35,47 +40,6 @@ QString TextoDeValor(const QVariant& valor) {
         return valor.toUuid().toString(QUuid::WithoutBraces).toUpper();
     }
     return valor.toString();
-}
-
-namespace {
-
-/// The text with its thousands' signs taken away and a point for the decimals. Nothing when the
-/// thousands are not groups of three.
-std::optional<QString> SinMillares(QString numero, QChar millares, QChar decimales) {
-    const QString m = QRegularExpression::escape(millares);
-    const QRegularExpression forma(u"^-?[0-9]{1,3}(%1[0-9]{3})*(%2[0-9]+)?$"_s.arg(
-        m, QRegularExpression::escape(QString(decimales))));
-    if (!forma.match(numero).hasMatch()) return std::nullopt;
-    return numero.remove(millares).replace(decimales, u'.');
-}
-
-}  // namespace
-
-std::optional<QString> NumeroEscrito(const QString& texto) {
-    QString numero = texto.simplified().remove(u' ').remove(u'$');
-    if (numero.startsWith(u'+')) numero.remove(0, 1);
-    const qsizetype coma = numero.lastIndexOf(u',');
-    const qsizetype punto = numero.lastIndexOf(u'.');
-    if (coma >= 0) {
-        const QChar decimal = coma > punto && punto >= 0 ? u',' : u'.';
-        const auto limpio = SinMillares(numero, decimal == u',' ? u'.' : u',', decimal);
-        // "0,125" is less than one: nobody writes thousands behind a zero.
-        static const QRegularExpression kTrasCero(u"^-?0,"_s);
-        if (limpio && !numero.contains(kTrasCero)) {
-            numero = *limpio;
-        } else if (punto < 0 && numero.count(u',') == 1) {
-            numero.replace(u',', u'.');
-        } else {
-            return std::nullopt;
-        }
-    }
-    static const QRegularExpression kNumero(u"^-?([0-9]+\\.?[0-9]*|\\.[0-9]+)$"_s);
-    if (!kNumero.match(numero).hasMatch()) return std::nullopt;
-    if (numero.endsWith(u'.')) numero.chop(1);
-    numero.replace(QRegularExpression(u"^(-?)\\."_s), u"\\10."_s);
-    const auto leido = base::Decimal::DeTexto(numero.toStdString());
-    if (!leido) return std::nullopt;
-    return QString::fromStdString(leido->ATexto());
 }
 
 QString LiteralSql(const QVariant& valor) {
@@ -93,6 +57,13 @@ QString LiteralSql(const QVariant& valor) {
 QString DuplicaApostrofes(const QString& texto) {
     QString doblado = texto;
     return doblado.replace(u'\'', u"''"_s);
+}
+
+QString TextoDeFecha(const QDate& dia) { return dia.toString(kFormaDeFecha); }
+
+std::optional<QDate> FechaDeTexto(const QString& texto) {
+    const QDate dia = QDate::fromString(texto.left(kFormaDeFecha.size()), kFormaDeFecha);
+    return dia.isValid() ? std::optional(dia) : std::nullopt;
 }
 
 QString FechaHoraSql(const QDateTime& momento) {

@@ -13,17 +13,17 @@ namespace quimo::data {
 /// the time at midnight).
 QString TextoDeValor(const QVariant& valor);
 
-/// What somebody wrote as a number, with a point and nothing else: "$1,234.5", "1234,5" and
-/// "1.234,5" are "1234.5". A comma before three digits sets thousands apart. Nothing when it is no
-/// number.
-std::optional<QString> NumeroEscrito(const QString& texto);
-
 /// A database value as a T-SQL literal: NULL, numbers bare, texts and dates between quotes with
 /// apostrophes doubled.
 QString LiteralSql(const QVariant& valor);
 
 /// The text with every apostrophe doubled, so that it can stand between quotes in a statement.
 QString DuplicaApostrofes(const QString& texto);
+
+/// "dd/mm/yyyy", the form in which statements carry a day and people read it.
+QString TextoDeFecha(const QDate& dia);
+/// The day that a text in that form begins with, whatever its year; nothing when there is none.
+std::optional<QDate> FechaDeTexto(const QString& texto);
 
 /// "dd/mm/yyyy hh:mm:ss", the form in which statements carry a date and time.
 QString FechaHoraSql(const QDateTime& momento);

@@ -14,7 +14,6 @@ namespace quimo::data {
 
 namespace {
 
-constexpr int kPrimerAno = 1753;  // the first that the database can keep
 constexpr QChar kTilde(0x0303);
 
 /// Folds any text, by taking its letters and their accents apart.
@@ -42,10 +41,19 @@ std::array<char16_t, kLatinas> TablaLatina() {
     return tabla;
 }
 
+/// The text with its thousands' signs taken away and a point for the decimals. Nothing when the
+/// thousands are not groups of three.
+std::optional<QString> SinMillares(QString numero, QChar millares, QChar decimales) {
+    const QString m = QRegularExpression::escape(millares);
+    const QRegularExpression forma(u"^-?[0-9]{1,3}(%1[0-9]{3})*(%2[0-9]+)?$"_s.arg(
+        m, QRegularExpression::escape(QString(decimales))));
+    if (!forma.match(numero).hasMatch()) return std::nullopt;
+    return numero.remove(millares).replace(decimales, u'.');
+}
+
 }  // namespace
 
-ClaseValor ClaseDe(data::TipoSql tipo) {
-    using data::TipoSql;
+ClaseValor ClaseDe(TipoSql tipo) {
     switch (tipo) {
         case TipoSql::Bit:
             return ClaseValor::Logico;
@@ -78,10 +86,48 @@ ClaseValor ClaseDe(data::TipoSql tipo) {
     return ClaseValor::Otro;
 }
 
+bool EsTexto(TipoSql tipo) {
+    return ClaseDe(tipo) == ClaseValor::Texto || tipo == TipoSql::Text || tipo == TipoSql::NText;
+}
+
+bool EsTextoAncho(TipoSql tipo) {
+    return tipo == TipoSql::NChar || tipo == TipoSql::NVarChar || tipo == TipoSql::NText;
+}
+
+RangoDeFechas FechasDe(TipoSql tipo) {
+    if (tipo == TipoSql::SmallDateTime) return {QDate(1900, 1, 1), QDate(2079, 6, 6)};
+    return {QDate(1753, 1, 1), QDate(9999, 12, 31)};
+}
+
 std::optional<base::Decimal> LeerNumero(const QString& escrito) {
-    const auto numero = data::NumeroEscrito(escrito);
+    QString numero = escrito.simplified().remove(u' ').remove(u'$');
+    if (numero.startsWith(u'+')) numero.remove(0, 1);
+    const qsizetype coma = numero.lastIndexOf(u',');
+    const qsizetype punto = numero.lastIndexOf(u'.');
+    if (coma >= 0) {
+        const QChar decimal = coma > punto && punto >= 0 ? u',' : u'.';
+        const auto limpio = SinMillares(numero, decimal == u',' ? u'.' : u',', decimal);
+        // "0,125" is less than one: nobody writes thousands behind a zero.
+        static const QRegularExpression kTrasCero(u"^-?0,"_s);
+        if (limpio && !numero.contains(kTrasCero)) {
+            numero = *limpio;
+        } else if (punto < 0 && numero.count(u',') == 1) {
+            numero.replace(u',', u'.');
+        } else {
+            return std::nullopt;
+        }
+    }
+    static const QRegularExpression kNumero(u"^-?([0-9]+\\.?[0-9]*|\\.[0-9]+)$"_s);
+    if (!kNumero.match(numero).hasMatch()) return std::nullopt;
+    if (numero.endsWith(u'.')) numero.chop(1);
+    numero.replace(QRegularExpression(u"^(-?)\\."_s), u"\\10."_s);
+    return base::Decimal::DeTexto(numero.toStdString());
+}
+
+std::optional<QString> NumeroEscrito(const QString& escrito) {
+    const auto numero = LeerNumero(escrito);
     if (!numero) return std::nullopt;
-    return base::Decimal::DeTexto(numero->toStdString());
+    return QString::fromStdString(numero->ATexto());
 }
 
 std::optional<QDate> LeerFecha(const QString& escrito) {
@@ -90,7 +136,7 @@ std::optional<QDate> LeerFecha(const QString& escrito) {
     if (!partes.hasMatch()) return std::nullopt;
     const QDate fecha(partes.captured(4).toInt(), partes.captured(3).toInt(),
                       partes.captured(1).toInt());
-    if (!fecha.isValid() || fecha.year() < kPrimerAno) return std::nullopt;
+    if (!fecha.isValid() || fecha < FechasDe(TipoSql::DateTime).desde) return std::nullopt;
     return fecha;
 }
 
@@ -110,12 +156,12 @@ QString TextoVisible(const QVariant& valor) {
     if (valor.typeId() == qMetaTypeId<base::Dinero>()) {
         return QString::fromStdString(valor.value<base::Dinero>().AMoneda());
     }
-    return data::TextoDeValor(valor);
+    return TextoDeValor(valor);
 }
 
 QString TextoPlano(const QVariant& valor) {
     if (valor.typeId() != qMetaTypeId<base::Dinero>()) return TextoVisible(valor);
-    QString texto = data::TextoDeValor(valor);
+    QString texto = TextoDeValor(valor);
     for (int i = 0; i < 2 && texto.endsWith(u'0'); ++i)
         texto.chop(1);
     return texto;

@@ -4,6 +4,7 @@
 
 #include <QRegularExpression>
 
+#include "data/valores.h"
 #include "data/valores_escritos.h"
 
 using namespace Qt::StringLiterals;
@@ -38,7 +39,7 @@ struct Buscador::Patron {
           cifras(numero ? QString::fromStdString(numero->ATexto()) : SoloCifras(texto)),
           es_cifras(cifras.contains(QRegularExpression(u"^[-.0-9]+$"_s))),
           dia(data::LeerFecha(criterio.texto)),
-          fecha(dia ? dia->toString(u"dd/MM/yyyy"_s) : texto),
+          fecha(dia ? data::TextoDeFecha(*dia) : texto),
           logico(data::LeerLogico(criterio.texto)) {}
 
     ModoBusqueda modo;

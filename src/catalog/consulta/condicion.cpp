@@ -30,7 +30,7 @@ struct Literal {
 QString Entrecomillar(const QString& texto, TipoSql tipo) {
     // A narrow literal would lose what its code page lacks, and then "☕" would match "?".
     const bool ancho =
-        tipo == TipoSql::NChar || tipo == TipoSql::NVarChar ||
+        data::EsTextoAncho(tipo) ||
         std::any_of(texto.begin(), texto.end(), [](QChar c) { return c > kUltimoLatino; });
     return (ancho ? u"N'"_s : u"'"_s) + data::DuplicaApostrofes(texto) + u'\'';
 }
@@ -49,23 +49,19 @@ QString EscaparLike(const QString& texto) {
     return escapado;
 }
 
-QDate UltimoDiaDe(TipoSql tipo) {
-    return tipo == TipoSql::SmallDateTime ? QDate(2079, 6, 6) : QDate(9999, 12, 31);
-}
-
 base::Result<Literal, Motivo> LeerDia(TipoSql tipo, const QString& valor) {
     const auto dia = data::LeerFecha(valor);
     if (!dia)
         return Motivo{
             u"«%1» no es una fecha que exista. Escríbala como día/mes/año: 31/12/2026."_s.arg(
                 valor)};
-    const QDate primero(tipo == TipoSql::SmallDateTime ? 1900 : 1753, 1, 1);
-    if (*dia < primero || *dia > UltimoDiaDe(tipo))
+    const auto [primero, ultimo] = data::FechasDe(tipo);
+    if (*dia < primero || *dia > ultimo)
         return Motivo{u"La fecha %1 está fuera de lo que se puede guardar."_s.arg(valor)};
     const auto literal = [](const QDate& fecha) {
-        return u'\'' + fecha.toString(u"dd/MM/yyyy"_s) + u'\'';
+        return u'\'' + data::TextoDeFecha(fecha) + u'\'';
     };
-    Literal leido{literal(*dia), *dia < UltimoDiaDe(tipo) ? literal(dia->addDays(1)) : QString()};
+    Literal leido{literal(*dia), *dia < ultimo ? literal(dia->addDays(1)) : QString()};
     leido.dia = dia;
     return leido;
 }
@@ -248,7 +244,7 @@ QVector<Operador> ColumnaFiltrable::Operadores() const {
         case data::ClaseValor::Otro:
             break;
     }
-    if (tipo == TipoSql::Text || tipo == TipoSql::NText) return {Contiene, Empieza, Vacio};
+    if (data::EsTexto(tipo)) return {Contiene, Empieza, Vacio};
     return {Vacio};
 }
 

@@ -9,6 +9,7 @@
 
 #include "catalog/declaracion/declaracion_mala.h"
 #include "catalog/declaracion/filtro_def.h"
+#include "grid/celda.h"
 
 namespace quimo::catalog {
 
@@ -135,6 +136,7 @@ constexpr CampoDef Lista(QStringView control, QStringView oculto, QStringView co
             .lista = &lista};
 }
 
+/// What a cell of a detail grid is for; CeldaDe tells its kind.
 enum class TipoCeldaDetalle : std::uint8_t {
     Oculta,   ///< not shown; keys and copies
     Nombre,   ///< filled by the program
@@ -147,6 +149,31 @@ enum class TipoCeldaDetalle : std::uint8_t {
     Fecha,    ///< dd/mm/yyyy
     Marca,    ///< the row's change mark
 };
+
+/// How such a cell is shown.
+constexpr grid::TipoCelda CeldaDe(TipoCeldaDetalle tipo) {
+    switch (tipo) {
+        case TipoCeldaDetalle::Codigo:
+            return grid::TipoCelda::Texto;
+        case TipoCeldaDetalle::Lista:
+            return grid::TipoCelda::Lista;
+        case TipoCeldaDetalle::Entero:
+            return grid::TipoCelda::Entero;
+        case TipoCeldaDetalle::Dinero:
+            return grid::TipoCelda::Moneda;
+        case TipoCeldaDetalle::Numero:
+            return grid::TipoCelda::Numero;
+        case TipoCeldaDetalle::Casilla:
+            return grid::TipoCelda::Casilla;
+        case TipoCeldaDetalle::Fecha:
+            return grid::TipoCelda::Fecha;
+        case TipoCeldaDetalle::Oculta:
+        case TipoCeldaDetalle::Nombre:
+        case TipoCeldaDetalle::Marca:
+            break;
+    }
+    return grid::TipoCelda::Estatico;
+}
 
 /// Which rows' cells can be changed. The key of a stored row is what finds it.
 enum class Cambiable : std::uint8_t { No, SoloNuevas, Siempre };

@@ -1,5 +1,6 @@
 #include "catalog/editores/editores.h"
 #include "catalog/sesion/detalle_sesion.h"
+#include "data/valores.h"
 
 using namespace Qt::StringLiterals;
 
@@ -15,18 +16,13 @@ constexpr int kFin = 2;
 constexpr int kPorcentaje = 3;
 constexpr int kInicioCargado = 5;
 
-/// dd/mm/yyyy as a number that grows with the date.
-int OrdenDeFecha(const QString& fecha) {
-    return (fecha.right(4) + fecha.mid(3, 2) + fecha.left(2)).toInt();
-}
-
 QString RevisarPorcentajes(std::span<const DetalleSesion> detalles) {
     for (const Renglon& renglon : detalles.front().Renglones()) {
         if (renglon.marca == Marca::Borrada) continue;
         const QString& inicio = renglon.celdas[kInicio];
         const QString& fin = renglon.celdas[kFin];
         if (inicio.isEmpty()) return u"Datos de porcentajes incompletos"_s;
-        if (!fin.isEmpty() && OrdenDeFecha(fin) < OrdenDeFecha(inicio)) {
+        if (!fin.isEmpty() && data::FechaDeTexto(fin) < data::FechaDeTexto(inicio)) {
             return u"La fecha final no puede ser anterior a la fecha inicial"_s;
         }
         if (renglon.celdas[kPorcentaje].isEmpty()) return u"Datos de porcentajes incompletos"_s;

@@ -4,21 +4,11 @@
 
 #include "catalog/sesion/valor_columna.h"
 #include "data/valores.h"
+#include "data/valores_escritos.h"
 
 using namespace Qt::StringLiterals;
 
 namespace quimo::catalog {
-
-using data::TipoSql;
-
-namespace {
-
-bool VaEntreComillas(TipoSql tipo) {
-    return tipo == TipoSql::Char || tipo == TipoSql::VarChar || tipo == TipoSql::Text ||
-           tipo == TipoSql::NChar || tipo == TipoSql::NVarChar || tipo == TipoSql::NText;
-}
-
-}  // namespace
 
 CamposSesion::CamposSesion(const EditorDef& def)
     : def_(&def), elegidos_(Cantidad(), -1), listas_(Cantidad()) {
@@ -207,7 +197,7 @@ QString CamposSesion::Asignaciones(const data::Recordset& conjunto) const {
         if (columna.isEmpty()) continue;
         const QString texto = TextoParaGuardar(i);
         const qsizetype lugar = conjunto.IndiceDe(columna.toString());
-        const bool comillas = lugar >= 0 && VaEntreComillas(conjunto.Columnas()[lugar].tipo);
+        const bool comillas = lugar >= 0 && data::EsTexto(conjunto.Columnas()[lugar].tipo);
         QString valor = texto.trimmed().isEmpty() ? u"NULL"_s : texto;
         if (comillas) valor = u'\'' + data::DuplicaApostrofes(texto) + u'\'';
         if (EsNulo(i)) valor = u"NULL"_s;

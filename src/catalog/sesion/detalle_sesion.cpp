@@ -7,6 +7,8 @@
 #include "base/decimal.h"
 #include "catalog/sesion/valor_columna.h"
 #include "data/valores.h"
+#include "data/valores_escritos.h"
+#include "grid/tabulado.h"
 
 using namespace Qt::StringLiterals;
 
@@ -17,14 +19,13 @@ using foundation::Icono;
 
 namespace {
 
-constexpr qsizetype kPegadoMax = 1024 * 1024;
 constexpr int kRenglonesMax = 5000;
 constexpr int kClaveDigitosMax = 9;
-constexpr int kLargoFecha = 10;
 
 QString TextoDeCelda(const QVariant& valor, TipoCeldaDetalle tipo) {
-    const QString texto = data::TextoDeValor(valor);
-    return tipo == TipoCeldaDetalle::Fecha ? texto.left(kLargoFecha) : texto;
+    if (tipo == TipoCeldaDetalle::Fecha && valor.isValid())
+        return data::TextoDeFecha(valor.toDateTime().date());
+    return data::TextoDeValor(valor);
 }
 
 bool EsClave(const QString& texto) {
@@ -241,14 +242,12 @@ bool DetalleSesion::Escribir(int fila, int columna, const QString& texto) {
 }
 
 void DetalleSesion::Pegar(int fila, const QVector<int>& columnas, const QString& texto) {
-    if (texto.size() > kPegadoMax) return Avisar(u"Lo copiado es demasiado para pegarlo aquí"_s);
-    QString limpio = texto;
-    limpio.remove(u'\r');
-    if (limpio.endsWith(u'\n')) limpio.chop(1);
+    const auto lineas = grid::LeerTabulado(texto);
+    if (!lineas) return Avisar(u"Lo copiado es demasiado para pegarlo aquí"_s);
     int rechazadas = 0;
     QString primera;
     fila = std::max(fila, 0);
-    for (const QString& linea : limpio.split(u'\n')) {
+    for (const QStringList& celdas : *lineas) {
         while (fila < renglones_.size() && renglones_[fila].marca == Marca::Borrada)
             ++fila;
         if (fila >= kRenglonesMax) {
@@ -256,7 +255,6 @@ void DetalleSesion::Pegar(int fila, const QVector<int>& columnas, const QString&
             continue;
         }
         if (fila == renglones_.size()) AgregarAlFinal();
-        const QStringList celdas = linea.split(u'\t');
         for (qsizetype c = 0; c < std::min(celdas.size(), columnas.size()); ++c) {
             if (!Editable(fila, columnas[c])) continue;
             Renglon& renglon = renglones_[fila];
@@ -281,12 +279,7 @@ void DetalleSesion::Ordenar(int columna, Qt::SortOrder orden) {
     sentido_ = orden;
     const TipoCeldaDetalle tipo = Columna(columna).tipo;
     const auto menor = [tipo](const QString& a, const QString& b) {
-        if (tipo == TipoCeldaDetalle::Fecha) {
-            const auto al_reves = [](const QString& f) {
-                return f.mid(6, 4) + f.mid(3, 2) + f.left(2);
-            };
-            return al_reves(a) < al_reves(b);
-        }
+        if (tipo == TipoCeldaDetalle::Fecha) return data::FechaDeTexto(a) < data::FechaDeTexto(b);
         if (tipo == TipoCeldaDetalle::Lista || tipo == TipoCeldaDetalle::Nombre) {
             return a.localeAwareCompare(b) < 0;
         }

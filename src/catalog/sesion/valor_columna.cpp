@@ -6,6 +6,7 @@
 #include "base/decimal.h"
 #include "base/dinero.h"
 #include "base/letras_terminal.h"
+#include "data/valores.h"
 #include "data/valores_escritos.h"
 #include "security/pagina_codigos.h"
 
@@ -111,7 +112,7 @@ base::Result<QString, Objecion> FechaEscrita(const QString& texto) {
         return Objecion{u"La fecha "_s + texto +
                         u" no existe. Se escribe día/mes/año, como 31/12/2026"_s};
     }
-    return fecha->toString(u"dd/MM/yyyy"_s);
+    return data::TextoDeFecha(*fecha);
 }
 
 }  // namespace quimo::catalog

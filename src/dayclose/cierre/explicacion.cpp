@@ -10,6 +10,7 @@
 
 #include "base/decimal.h"
 #include "data/valores.h"
+#include "data/valores_escritos.h"
 #include "dayclose/terminales/nombres_ventas.h"
 
 using namespace Qt::StringLiterals;
@@ -26,12 +27,7 @@ namespace {
 constexpr int kDiferenciasMostradas = 3;
 constexpr qsizetype kCifrasMostradas = 40;
 
-bool EsTexto(TipoSql tipo) {
-    return tipo == TipoSql::Char || tipo == TipoSql::VarChar || tipo == TipoSql::NChar ||
-           tipo == TipoSql::NVarChar || tipo == TipoSql::Text || tipo == TipoSql::NText;
-}
-
-bool EsFecha(TipoSql tipo) { return tipo == TipoSql::DateTime || tipo == TipoSql::SmallDateTime; }
+bool EsFecha(TipoSql tipo) { return data::ClaseDe(tipo) == data::ClaseValor::Fecha; }
 
 /// The smallest and largest number that a column holds. Other columns have no such ends.
 struct Extremos {
@@ -59,18 +55,15 @@ QString ProblemaDeTexto(const Columna& columna, const QString& texto) {
 }
 
 QString ProblemaDeFecha(const Columna& columna, const QString& texto) {
-    const QDate dia = QDate::fromString(texto.left(10), u"dd/MM/yyyy"_s);
-    if (!dia.isValid()) {
+    const auto dia = data::FechaDeTexto(texto);
+    if (!dia) {
         return u"La columna %1 tiene %2, que no se entiende como fecha."_s.arg(columna.nombre,
                                                                                TextoVisible(texto));
     }
-    const bool corta = columna.tipo == TipoSql::SmallDateTime;
-    const QDate desde = corta ? QDate(1900, 1, 1) : QDate(1753, 1, 1);
-    const QDate hasta = corta ? QDate(2079, 6, 6) : QDate(9999, 12, 31);
-    if (dia >= desde && dia <= hasta) return {};
+    const auto [desde, hasta] = data::FechasDe(columna.tipo);
+    if (*dia >= desde && *dia <= hasta) return {};
     return u"La fecha de la columna %1 es %2, y la base central admite del %3 al %4."_s.arg(
-        columna.nombre, texto.left(10), desde.toString(u"dd/MM/yyyy"_s),
-        hasta.toString(u"dd/MM/yyyy"_s));
+        columna.nombre, texto.left(10), data::TextoDeFecha(desde), data::TextoDeFecha(hasta));
 }
 
 QString ProblemaDeNumero(const Columna& columna, const QString& texto) {

@@ -1,5 +1,7 @@
 #include "dayclose/cierre/turno_cierre.h"
 
+#include "data/valores.h"
+
 using namespace Qt::StringLiterals;
 
 namespace quimo::dayclose {
@@ -19,7 +21,7 @@ Interrupcion Ocupado(const DuenoCandado& dueno) {
     QString texto =
         u"Ya hay un cierre en marcha, o un trabajo con las terminales: lo hace "_s + quien;
     if (dueno.desde.isValid()) {
-        texto += u", desde el "_s + dueno.desde.toString(u"dd/MM/yyyy"_s) + u" a las "_s +
+        texto += u", desde el "_s + data::TextoDeFecha(dueno.desde.date()) + u" a las "_s +
                  dueno.desde.toString(u"HH:mm"_s);
     }
     return {Interrupcion::Motivo::SinEmpezar, 0,

@@ -4,7 +4,7 @@
 
 #include <QFocusEvent>
 
-#include "data/valores.h"
+#include "data/valores_escritos.h"
 
 namespace quimo::ui {
 

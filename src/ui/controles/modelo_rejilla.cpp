@@ -1,8 +1,12 @@
 #include "ui/controles/modelo_rejilla.h"
 
 #include "data/valores.h"
+#include "data/valores_escritos.h"
+#include "grid/formato.h"
 
 namespace quimo::ui {
+
+using grid::TipoCelda;
 
 void ModeloRejilla::PonerColumnas(const QVector<ColumnaRejilla>& columnas) {
     beginResetModel();
@@ -67,7 +71,7 @@ QString ModeloRejilla::Visible(int fila, int columna) const {
     }
     // A row that is still being filled shows nothing rather than a zero.
     if (!EsNumerica(tipo) || !valor.isValid()) return data::TextoDeValor(valor);
-    return NumeroVisible(valor, tipo, columnas_[columna].decimales);
+    return grid::NumeroVisible(valor, tipo, columnas_[columna].decimales);
 }
 
 QVariant ModeloRejilla::data(const QModelIndex& lugar, int papel) const {

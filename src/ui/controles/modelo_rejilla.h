@@ -6,14 +6,14 @@
 #include <QVector>
 
 #include "foundation/cls_ado.h"
-#include "ui/controles/formato_celda.h"
+#include "grid/celda.h"
 
 namespace quimo::ui {
 
 /// One column of a grid.
 struct ColumnaRejilla {
     QString titulo;
-    TipoCelda tipo = TipoCelda::Texto;
+    grid::TipoCelda tipo = grid::TipoCelda::Texto;
     int ancho_mm = 25;
     int decimales = 2;  ///< of numbers
     bool editable = false;
@@ -35,7 +35,7 @@ public:
 
     void Poner(int fila, int columna, const QVariant& valor);
     QVariant Valor(int fila, int columna) const;
-    TipoCelda Tipo(int columna) const { return columnas_[columna].tipo; }
+    grid::TipoCelda Tipo(int columna) const { return columnas_[columna].tipo; }
     void Bloquear(int fila, int columna, bool bloqueada);
     /// While it is on, no cell can be edited.
     void PonerSoloLectura(bool solo_lectura) { solo_lectura_ = solo_lectura; }

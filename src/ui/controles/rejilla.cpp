@@ -8,12 +8,15 @@
 #include <QLineEdit>
 #include <QStyledItemDelegate>
 
-#include "data/valores.h"
+#include "grid/formato.h"
+#include "grid/tabulado.h"
 #include "ui/controles/aspecto.h"
 
 using namespace Qt::StringLiterals;
 
 namespace quimo::ui {
+
+using grid::TipoCelda;
 
 namespace {
 
@@ -109,17 +112,9 @@ QVector<int> Rejilla::ColumnasVisibles() const {
 QString Rejilla::TextoPlano(const QModelIndex& lugar) const {
     const TipoCelda tipo = modelo_.Tipo(lugar.column());
     const QVariant valor = modelo_.Valor(lugar.row(), lugar.column());
-    QString texto;
-    if (tipo == TipoCelda::Casilla) {
-        texto = valor.toInt() != 0 ? u"1"_s : u"0"_s;
-    } else if (EsNumerica(tipo) && valor.isValid()) {
-        texto =
-            NumeroVisible(valor, TipoCelda::Numero, modelo_.Columnas()[lugar.column()].decimales)
-                .remove(u',');
-    } else {
-        texto = Texto(lugar.row(), lugar.column());
-    }
-    return texto.replace(u'\t', u' ').replace(u'\n', u' ').replace(u'\r', u' ');
+    if (tipo == TipoCelda::Casilla) return valor.toInt() != 0 ? u"1"_s : u"0"_s;
+    if (!EsNumerica(tipo) || !valor.isValid()) return Texto(lugar.row(), lugar.column());
+    return grid::NumeroPlano(valor, tipo, modelo_.Columnas()[lugar.column()].decimales);
 }
 
 QString Rejilla::TextoSeleccionado() const {
@@ -134,7 +129,7 @@ QString Rejilla::TextoSeleccionado() const {
             const QModelIndex lugar = modelo_.index(fila, columna);
             if (seleccion->isSelected(lugar)) celdas << TextoPlano(lugar);
         }
-        if (!celdas.isEmpty()) lineas << celdas.join(u'\t');
+        if (!celdas.isEmpty()) lineas << grid::LineaTabulada(celdas);
     }
     return lineas.join(u'\n');
 }

@@ -13,7 +13,9 @@
 #include <QSplitter>
 #include <QStandardPaths>
 
-#include "catalog/consulta/exportar.h"
+#include "catalog/consulta/vista_consulta.h"
+#include "grid/exportar.h"
+#include "grid/tabulado.h"
 #include "ui/controles/ajustes.h"
 #include "ui/controles/aspecto.h"
 
@@ -71,7 +73,7 @@ struct DlgConsulta::Formato {
     QString titulo;
     QString filtro;
     QString sufijo;
-    base::Result<void> (*escribir)(const catalog::TablaConsulta&, const QString&);
+    base::Result<void> (*escribir)(const grid::Rejilla&, const QString&);
 };
 
 DlgConsulta::DlgConsulta(catalog::Consulta& consulta, foundation::Dialogos& dialogos,
@@ -305,21 +307,21 @@ void DlgConsulta::Aceptar() {
 
 void DlgConsulta::Copiar() {
     QVector<qsizetype> filas;
+    const catalog::VistaConsulta vista(consulta_.Tabla());
     for (const QModelIndex& lugar : tabla_->selectionModel()->selectedRows())
-        filas << lugar.row();
+        filas << vista.FilasDeTitulos() + lugar.row();
     std::sort(filas.begin(), filas.end());
-    QApplication::clipboard()->setText(catalog::TextoTabulado(consulta_.Tabla(), filas));
+    QApplication::clipboard()->setText(grid::TextoTabulado(vista, filas));
     aviso_->setText(u"Renglones copiados: %1"_s.arg(filas.size()));
 }
 
 void DlgConsulta::ExportarExcel() {
-    Exportar(
-        {u"Exportar a Excel"_s, u"Libro de Excel (*.xlsx)"_s, u"xlsx"_s, &catalog::ExportarXlsx});
+    Exportar({u"Exportar a Excel"_s, u"Libro de Excel (*.xlsx)"_s, u"xlsx"_s, &grid::ExportarXlsx});
 }
 
 void DlgConsulta::ExportarCsv() {
-    Exportar({u"Exportar a CSV"_s, u"Texto separado por comas (*.csv)"_s, u"csv"_s,
-              &catalog::ExportarCsv});
+    Exportar(
+        {u"Exportar a CSV"_s, u"Texto separado por comas (*.csv)"_s, u"csv"_s, &grid::ExportarCsv});
 }
 
 void DlgConsulta::Exportar(const Formato& formato) {
@@ -340,7 +342,7 @@ void DlgConsulta::Exportar(const Formato& formato) {
     const QString archivo = dialogo.selectedFiles().value(0);
     const auto escrito = [&] {
         const foundation::PunteroOcupado ocupado(dialogos_);
-        return formato.escribir(consulta_.Tabla(), archivo);
+        return formato.escribir(catalog::VistaConsulta(consulta_.Tabla()), archivo);
     }();
     if (!escrito)
         return dialogos_.Avisar(QString::fromStdString(escrito.error().mensaje), Icono::Critico);

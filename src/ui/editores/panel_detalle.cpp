@@ -17,32 +17,6 @@ using catalog::Marca;
 using catalog::Renglon;
 using catalog::TipoCeldaDetalle;
 
-namespace {
-
-TipoCelda TipoDe(TipoCeldaDetalle tipo) {
-    switch (tipo) {
-        case TipoCeldaDetalle::Codigo:
-        case TipoCeldaDetalle::Fecha:
-            return TipoCelda::Texto;
-        case TipoCeldaDetalle::Lista:
-            return TipoCelda::Lista;
-        case TipoCeldaDetalle::Entero:
-        case TipoCeldaDetalle::Numero:
-            return TipoCelda::Numero;
-        case TipoCeldaDetalle::Dinero:
-            return TipoCelda::Moneda;
-        case TipoCeldaDetalle::Casilla:
-            return TipoCelda::Casilla;
-        case TipoCeldaDetalle::Oculta:
-        case TipoCeldaDetalle::Nombre:
-        case TipoCeldaDetalle::Marca:
-            break;
-    }
-    return TipoCelda::Estatico;
-}
-
-}  // namespace
-
 PanelDetalle::PanelDetalle(catalog::EditorSesion& sesion, std::size_t cual, QWidget* padre)
     : QObject(padre), sesion_(sesion), cual_(cual) {
     const DetalleDef& def = Detalle().Def();
@@ -77,9 +51,9 @@ void PanelDetalle::PonerColumnas() {
     for (const ColumnaDetalle& def : Detalle().Def().columnas) {
         ColumnaRejilla columna;
         columna.titulo = def.titulo.toString();
-        columna.tipo = TipoDe(def.tipo);
+        columna.tipo = catalog::CeldaDe(def.tipo);
         columna.ancho_mm = def.ancho_mm;
-        columna.decimales = def.tipo == TipoCeldaDetalle::Entero ? 0 : def.decimales;
+        columna.decimales = def.decimales;
         columna.editable = def.cambiable != catalog::Cambiable::No;
         columna.oculta =
             def.tipo == TipoCeldaDetalle::Oculta || def.tipo == TipoCeldaDetalle::Marca;

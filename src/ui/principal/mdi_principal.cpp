@@ -14,6 +14,7 @@
 #include <QTreeView>
 
 #include "base/check.h"
+#include "data/valores.h"
 #include "ui/controles/ajustes.h"
 #include "ui/controles/aspecto.h"
 #include "ui/controles/iconos.h"
@@ -117,7 +118,7 @@ void MDIPrincipal::CrearBarraDeStatus() {
 
 void MDIPrincipal::Tictac() {
     const QDateTime ahora = contexto_.reloj.Ahora();
-    panel_fecha_sistema_->setText(u"Fecha del sistema: "_s + ahora.toString(u"dd/MM/yyyy"_s));
+    panel_fecha_sistema_->setText(u"Fecha del sistema: "_s + data::TextoDeFecha(ahora.date()));
     panel_reloj_->setText(ahora.toString(u"HH:mm:ss"_s));
 }
 

@@ -10,44 +10,6 @@ namespace {
 using data::TipoSql;
 using enum Operador;
 
-struct Numero {
-    const char16_t* escrito;
-    const char* leido;  // "" is refused
-};
-class LeerNumeroTest : public testing::TestWithParam<Numero> {};
-TEST_P(LeerNumeroTest, EntiendeComaYPunto) {
-    const auto numero = data::LeerNumero(QString::fromUtf16(GetParam().escrito));
-    EXPECT_EQ(numero ? numero->ATexto() : "", GetParam().leido);
-}
-INSTANTIATE_TEST_SUITE_P(
-    Numeros, LeerNumeroTest,
-    testing::Values(Numero{u"1234.5", "1234.5"}, Numero{u"1234,5", "1234.5"},
-                    Numero{u"$1,234.50", "1234.50"}, Numero{u"1.234,50", "1234.50"},
-                    Numero{u"1,234", "1234"}, Numero{u"0,125", "0.125"}, Numero{u"1.234", "1.234"},
-                    Numero{u"12,5", "12.5"}, Numero{u"1,234,567", "1234567"},
-                    Numero{u" - 5 ", "-5"}, Numero{u"+7", "7"}, Numero{u".5", "0.5"},
-                    Numero{u"5.", "5"}, Numero{u"1.2.3", ""}, Numero{u"1,2,3", ""},
-                    Numero{u"12,34.5", ""}, Numero{u"1,234.5,6", ""}, Numero{u"--1", ""},
-                    Numero{u"", ""}, Numero{u".", ""}, Numero{u"12a", ""}, Numero{u"😀", ""},
-                    Numero{u"1e5", ""}, Numero{u"99999999999999999999999999999999999999999", ""}));
-
-TEST(LeerFechaTest, SoloLasQueExisten) {
-    EXPECT_EQ(data::LeerFecha(u" 1/2/2026 "_s), QDate(2026, 2, 1));
-    EXPECT_EQ(data::LeerFecha(u"29-02-2024"_s), QDate(2024, 2, 29));
-    for (const QString& mala :
-         {u"29/02/2026"_s, u"31/04/2026"_s, u"1/13/2026"_s, u"01/01/26"_s, u"2026/01/01"_s,
-          u"01/01-2026"_s, u"01/01/1752"_s, u"01/01/0000"_s, u"hoy"_s, QString()}) {
-        EXPECT_FALSE(data::LeerFecha(mala)) << mala.toStdString();
-    }
-}
-
-TEST(PlegarTest, LosAcentosCaenYLaEneQueda) {
-    EXPECT_EQ(data::Plegar(u"CAFÉ Ü"_s), u"cafe u"_s);
-    EXPECT_EQ(data::Plegar(u"NIÑO"_s), u"niño"_s);
-    EXPECT_EQ(data::Plegar(u"nin\u0303o"_s), u"niño"_s);
-    EXPECT_NE(data::Plegar(u"piña"_s), data::Plegar(u"pina"_s));
-}
-
 constexpr ItemCodigo kClases[] = {{u"Efectivo", u"E"}, {u"Débito", u"D"}, {u"D'otro", u"O"}};
 constexpr ColumnaFiltro kClase = {u"Clase", u"Clase", u"c", kClases, OtroCodigo::ElUltimo};
 

@@ -52,8 +52,14 @@ TEST_F(ConsultaTest, CadaFiltroListaLoQueHayYAceptaTodasSusCondiciones) {
           Caso{kMensajes, 10}, Caso{kProducto, 69}, Caso{kImpuesto, 4}, Caso{kMenu, 3},
           Caso{kSubMenu, 6}, Caso{kModificador, 16}, Caso{kGrupoModificador, 3},
           Caso{kPaquete, 2}}) {
-        Consulta consulta(caso.filtro, central_.Ado());
-        EXPECT_EQ(Columna(consulta, {}, 0).size(), caso.filas) << caso.filtro.base.toUtf8().data();
+        EXPECT_EQ(Columna(caso.filtro, {}, 0).size(), caso.filas)
+            << caso.filtro.base.toUtf8().data();
+    }
+    QVector<const FiltroDef*> filtros = {&kPaquete};
+    for (const EditorDef* const def : Editores())
+        filtros << &def->filtro;
+    for (const FiltroDef* const filtro : filtros) {
+        Consulta consulta(*filtro, central_.Ado());
         for (qsizetype c = 0; c < consulta.Columnas().size(); ++c) {
             const ColumnaFiltrable& columna = consulta.Columnas()[c];
             if (columna.columna == u"Nombre_Menuu"_s) continue;

@@ -268,11 +268,14 @@ TEST_P(TodosTest, CerrarConCambiosPregunta) {
 }
 
 TEST_P(TodosTest, TablaVacia) {
+    for (const EditorDef* const def : Editores()) {
+        for (const DetalleDef& detalle : def->detalles)
+            Otro(u"DELETE FROM "_s + detalle.tabla.toString());
+    }
     for (const char16_t* tabla :
          {u"ProductosXseccion", u"Secciones_Paquete", u"ProductoXTipo_Cortesia",
-          u"Detalle_Gpo_Promocional", u"Detalle_Gpo_Obsequios", u"ProductosXSubmenu",
-          u"SubMenuXMenu", u"PreciosXMenu", u"ImpuestosXProducto", u"TiposXGrupo_Modificadores",
-          u"PorcentajeXTipo_Impuesto", u"Producto", u"Terminal", u"Grupo_Modificadores"}) {
+          u"Detalle_Gpo_Promocional", u"Detalle_Gpo_Obsequios", u"Producto", u"Terminal",
+          u"Grupo_Modificadores"}) {
         ado_.Conexion().Ejecutar(u"UPDATE Impresora SET ID_Terminal=NULL"_s);
         Otro((u"DELETE FROM "_s + QString::fromUtf16(tabla)));
     }

@@ -11,12 +11,12 @@
 
 #include "base/decimal.h"
 #include "base/dinero.h"
-#include "data/valores.h"
 
 namespace quimo::ui {
 namespace {
 
 using namespace Qt::StringLiterals;
+using grid::TipoCelda;
 
 constexpr int kNombre = 0;
 constexpr int kPrecio = 1;
@@ -125,29 +125,6 @@ TEST_F(RejillaTest, SeCopiaElTextoLlanoDeLoQueSeVe) {
     rejilla_.setRowHidden(1, true);
     rejilla_.selectAll();
     EXPECT_EQ(rejilla_.TextoSeleccionado(), u"Agua\t1234.57\t0\tBebida"_s);
-}
-
-TEST(FormatoCeldaTest, LosNumerosSonExactosVenganComoVengan) {
-    const struct {
-        QVariant valor;
-        TipoCelda tipo;
-        int decimales;
-        QString visible;
-    } casos[] = {
-        {{}, TipoCelda::Moneda, 2, u"$0.00"_s},
-        {u"-1234567.895"_s, TipoCelda::Moneda, 2, u"-$1,234,567.90"_s},
-        {u"999"_s, TipoCelda::Numero, 0, u"999"_s},
-        {u"-100"_s, TipoCelda::Numero, 0, u"-100"_s},
-        {u"1000"_s, TipoCelda::Numero, 0, u"1,000"_s},
-        {12.5, TipoCelda::Porcentaje, 2, u"12.50%"_s},
-        {QVariant::fromValue(*base::Decimal::DeTexto("12345678901234567890.125")),
-         TipoCelda::Numero, 2, u"12,345,678,901,234,567,890.13"_s},
-        {u"no es"_s, TipoCelda::Numero, 2, u"no es"_s},
-    };
-    for (const auto& caso : casos)
-        EXPECT_EQ(NumeroVisible(caso.valor, caso.tipo, caso.decimales), caso.visible);
-    EXPECT_FALSE(data::NumeroEscrito(u"12x"_s) || data::NumeroEscrito(u""_s) ||
-                 data::NumeroEscrito(u"1.2.3"_s));
 }
 
 }  // namespace
