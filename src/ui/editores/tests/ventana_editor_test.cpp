@@ -45,6 +45,7 @@ void VentanaEditorTest::init() {
     QString nadie;
     QVERIFY(ado_->Conectar(servidor, archivo, nadie, nadie));
     sesion_.id_empleado = 1;
+    QVERIFY(pruebas::ConcederTodo(*ado_, 1));
     principal_ = std::make_unique<MDIPrincipal>(Contexto{*ado_, sesion_, reloj_, ventanas_});
     principal_->show();
     QVERIFY(QTest::qWaitForWindowActive(principal_.get()));
