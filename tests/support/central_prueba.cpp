@@ -6,6 +6,7 @@
 
 #include "data/esquema.h"
 #include "foundation/conector.h"
+#include "foundation/permisos.h"
 
 using namespace Qt::StringLiterals;
 
@@ -36,6 +37,20 @@ bool CopiarRestaurante(const QString& destino) {
         (*conexion)->Cerrar();
     }
     return QFile::copy(original, destino);
+}
+
+bool ConcederTodo(foundation::ClsAdo& ado, int id_empleado) {
+    for (const QString& permiso : foundation::NombresDePermisos()) {
+        // One that is there already is refused.
+        static_cast<void>(ado.Conexion().Ejecutar(
+            u"INSERT INTO Permisos SELECT MAX(ID_Permiso)+1,'%1',1 FROM Permisos"_s.arg(permiso)));
+    }
+    const data::RespuestaSql dado = ado.Conexion().Ejecutar(
+        u"INSERT INTO PermisosXGrupo_Trabajo SELECT ID_Grupo_Trabajo,ID_Permiso FROM "
+        u"EmpleadosXGrupo,Permisos WHERE ID_Empleado=%1 AND NOT EXISTS (SELECT * FROM "
+        u"PermisosXGrupo_Trabajo P WHERE P.ID_Grupo_Trabajo=EmpleadosXGrupo.ID_Grupo_Trabajo AND "
+        u"P.ID_Permiso=Permisos.ID_Permiso)"_s.arg(id_empleado));
+    return !dado.fallo;
 }
 
 CentralPrueba::CentralPrueba()

@@ -10,6 +10,9 @@ namespace quimo::pruebas {
 /// The recorded restaurant's central database, made once and copied for each who asks.
 bool CopiarRestaurante(const QString& destino);
 
+/// Gives an employee's groups every right, also one that the recorded restaurant does not know yet.
+bool ConcederTodo(foundation::ClsAdo& ado, int id_empleado);
+
 /// A central database of the embedded engine in a folder of its own, with the schema and the
 /// catalogues of the recorded day, and a data-access object over it.
 class CentralPrueba {

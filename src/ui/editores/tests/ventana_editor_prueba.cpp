@@ -30,6 +30,7 @@ void VentanaEditorTest::SetUp() {
     QString nadie;
     ASSERT_TRUE(ado_->Conectar(servidor, archivo, nadie, nadie));
     sesion_.id_empleado = 1;
+    ASSERT_TRUE(pruebas::ConcederTodo(*ado_, 1));
     principal_ = std::make_unique<MDIPrincipal>(Contexto{*ado_, sesion_, reloj_, ventanas_});
     principal_->show();
     ASSERT_TRUE(QTest::qWaitForWindowActive(principal_.get()));
