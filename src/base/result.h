@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <variant>
 
@@ -28,6 +29,12 @@ struct Error {
     std::string detalle = {};
 };
 
+/// An error of a lower layer that the error E takes by an implicit constructor: QUIMO_TRY passes it
+/// on as an E.
+template <typename F, typename T, typename E>
+concept FalloDeOtraCapa = std::is_class_v<F> && !std::is_same_v<F, E> &&
+                          std::is_convertible_v<F, E> && !std::is_convertible_v<F, T>;
+
 /// A value of type T, or the error E that took its place. The compiler does not let it be ignored.
 /// Implicit from both, so that `return value;` and `return Error{...};` read plainly.
 template <typename T, typename E = Error>
@@ -37,6 +44,9 @@ public:
     Result(T valor) : contenido_(std::in_place_index<0>, std::move(valor)) {}
     // NOLINTNEXTLINE(google-explicit-constructor)
     Result(E fallo) : contenido_(std::in_place_index<1>, std::move(fallo)) {}
+    template <FalloDeOtraCapa<T, E> F>
+    // NOLINTNEXTLINE(google-explicit-constructor)
+    Result(F fallo) : contenido_(std::in_place_index<1>, std::move(fallo)) {}
 
     bool has_value() const { return contenido_.index() == 0; }
     explicit operator bool() const { return has_value(); }
@@ -78,6 +88,9 @@ public:
     Result() = default;
     // NOLINTNEXTLINE(google-explicit-constructor)
     Result(E fallo) : fallo_(std::move(fallo)) {}
+    template <FalloDeOtraCapa<void, E> F>
+    // NOLINTNEXTLINE(google-explicit-constructor)
+    Result(F fallo) : fallo_(E(std::move(fallo))) {}
 
     bool has_value() const { return !fallo_.has_value(); }
     explicit operator bool() const { return has_value(); }

@@ -3,6 +3,8 @@
 #include <thread>
 #include <utility>
 
+#include "data/consultar.h"
+#include "data/numeros_nativos.h"
 #include "data/transaccion.h"
 
 using namespace Qt::StringLiterals;
@@ -11,7 +13,6 @@ namespace quimo::data {
 
 namespace {
 
-constexpr int kSinTabla = 208;
 constexpr int kSinServicio = -999;
 constexpr int kArriendo_s = 120;
 constexpr int kQuienMaximo = 200;
@@ -24,28 +25,9 @@ QDateTime EnSegundos(const QDateTime& fecha) {
     return {fecha.date(), hora, Qt::UTC};
 }
 
-/// The first row of what a text left.
-base::Result<Fila, FalloSql> PrimeraFila(SqlConnection& conexion, const QString& tsql,
-                                         const QVector<QVariant>& parametros = {}) {
-    RespuestaSql respuesta = conexion.Ejecutar(tsql, parametros);
-    if (respuesta.fallo) return *std::move(respuesta.fallo);
-    for (const ResultadoSql& resultado : std::as_const(respuesta.resultados)) {
-        if (resultado.conjunto && !resultado.conjunto->filas.isEmpty())
-            return resultado.conjunto->filas[0];
-    }
-    return Fila();
-}
-
-base::Result<void, FalloSql> Correr(SqlConnection& conexion, const QString& tsql,
-                                    const QVector<QVariant>& parametros = {}) {
-    RespuestaSql respuesta = conexion.Ejecutar(tsql, parametros);
-    if (respuesta.fallo) return *std::move(respuesta.fallo);
-    return {};
-}
-
 base::Result<Fila, FalloSql> FilaDe(SqlConnection& conexion, const QString& nombre) {
-    return PrimeraFila(conexion, u"SELECT Quien,Desde,Renovado FROM Candado WHERE Nombre=?"_s,
-                       {nombre});
+    return ConsultarFila(conexion, u"SELECT Quien,Desde,Renovado FROM Candado WHERE Nombre=?"_s,
+                         {nombre});
 }
 
 /// Who holds it. The holder writes its row just after it got the lock.
@@ -62,17 +44,16 @@ DuenoCandado Dueno(SqlConnection& conexion, const QString& nombre) {
 }
 
 base::Result<void, FalloSql> AsegurarTabla(SqlConnection& conexion) {
-    const auto hay = PrimeraFila(conexion, u"SELECT COUNT(*) FROM Candado"_s);
+    const auto hay = ConsultarFila(conexion, u"SELECT COUNT(*) FROM Candado"_s);
     if (hay) return {};
-    if (hay.error().Nativo() != kSinTabla) return hay.error();
+    if (hay.error().Nativo() != nativo::kSinTabla) return hay.error();
     // A database of before. Somebody else may just be making it too.
-    constexpr int kYaEsta = 2714;
     const auto hecha =
         Correr(conexion,
                u"CREATE TABLE Candado (Nombre VARCHAR(50) NOT NULL CONSTRAINT PK_Candado PRIMARY "
                "KEY, Quien VARCHAR(200) NOT NULL, Desde DATETIME NOT NULL, Renovado DATETIME NOT "
                "NULL)"_s);
-    if (!hecha && hecha.error().Nativo() != kYaEsta) return hecha.error();
+    if (!hecha && hecha.error().Nativo() != nativo::kYaExiste) return hecha.error();
     return {};
 }
 
@@ -97,10 +78,10 @@ base::Result<CandadoODueno, FalloSql> Candado::Tomar(SqlConnection& conexion, co
                                                      const QString& quien, const QDateTime& ahora) {
     QUIMO_TRY(
         const Fila fila,
-        PrimeraFila(conexion,
-                    u"DECLARE @r INT EXEC @r = sp_getapplock @Resource=%1,"
-                    "@LockMode='Exclusive',@LockOwner='Session',@LockTimeout=0 SELECT @r"_s.arg(
-                        Literal(nombre))));
+        ConsultarFila(conexion,
+                      u"DECLARE @r INT EXEC @r = sp_getapplock @Resource=%1,"
+                      "@LockMode='Exclusive',@LockOwner='Session',@LockTimeout=0 SELECT @r"_s.arg(
+                          Literal(nombre))));
     const int codigo = fila.value(0, kSinServicio).toInt();
     const QString quien_corto = quien.left(kQuienMaximo);
     if (codigo == kSinServicio) {
@@ -145,7 +126,7 @@ base::Result<void, FalloSql> Candado::Anotar() {
 bool Candado::Vigente() {
     if (conexion_ == nullptr) return false;
     if (clase_ == Clase::DeSesion) {
-        const auto modo = PrimeraFila(
+        const auto modo = ConsultarFila(
             *conexion_, u"SELECT APPLOCK_MODE('public',%1,'Session')"_s.arg(Literal(nombre_)));
         return modo && modo.value().value(0).toString() == "Exclusive"_L1;
     }
@@ -155,11 +136,11 @@ bool Candado::Vigente() {
 }
 
 base::Result<bool, FalloSql> Candado::Renovado(const QDateTime& ahora) {
-    RespuestaSql respuesta = conexion_->Ejecutar(
-        u"UPDATE Candado SET Renovado=? WHERE Nombre=? AND Quien=? AND Desde=?"_s,
-        {EnSegundos(ahora), nombre_, quien_, desde_});
-    if (respuesta.fallo) return *std::move(respuesta.fallo);
-    return !respuesta.resultados.isEmpty() && respuesta.resultados.last().afectadas == 1;
+    QUIMO_TRY(const qint64 cambiadas,
+              AfectadasDe(conexion_->Ejecutar(
+                  u"UPDATE Candado SET Renovado=? WHERE Nombre=? AND Quien=? AND Desde=?"_s,
+                  {EnSegundos(ahora), nombre_, quien_, desde_})));
+    return cambiadas == 1;
 }
 
 bool Candado::Renovar(const QDateTime& ahora) {

@@ -2,6 +2,7 @@
 
 #include <QFile>
 
+#include "data/consultar.h"
 #include "data/transaccion.h"
 #include "tsql/lectura/lotes.h"
 
@@ -12,23 +13,13 @@ namespace quimo::data {
 namespace {
 
 FalloSql Fallo(const QString& descripcion) {
-    return {FalloSql::kSentencia, {ErrorProveedor{u"HY000"_s, 0, u"QUIMO"_s, descripcion}}};
-}
-
-base::Result<void, FalloSql> EjecutarUno(SqlConnection& conexion, const QString& lote) {
-    RespuestaSql respuesta = conexion.Ejecutar(lote);
-    if (respuesta.fallo) return *std::move(respuesta.fallo);
-    return {};
+    return FalloSql::De(FalloSql::kSentencia, u"QUIMO"_s, descripcion);
 }
 
 base::Result<void, FalloSql> ExigirVacia(SqlConnection& conexion) {
-    RespuestaSql respuesta =
-        conexion.Ejecutar(u"SELECT COUNT(*) AS n FROM INFORMATION_SCHEMA.TABLES"_s);
-    if (respuesta.fallo) return *std::move(respuesta.fallo);
-    const bool contada = !respuesta.resultados.isEmpty() && respuesta.resultados.first().conjunto;
-    if (contada && respuesta.resultados.first().conjunto->filas.value(0).value(0).toInt() == 0) {
-        return {};
-    }
+    QUIMO_TRY(const Fila cuantas,
+              ConsultarFila(conexion, u"SELECT COUNT(*) AS n FROM INFORMATION_SCHEMA.TABLES"_s));
+    if (cuantas.value(0).toInt() == 0) return {};
     return Fallo(u"la base de datos ya contiene tablas."_s);
 }
 
@@ -38,7 +29,7 @@ base::Result<void, FalloSql> EjecutarPorLineas(SqlConnection& conexion, const QS
         ++numero;
         const QString limpia = linea.trimmed();
         if (limpia.isEmpty() || limpia.startsWith(u"--"_s)) continue;
-        auto hecho = EjecutarUno(conexion, limpia);
+        auto hecho = Correr(conexion, limpia);
         if (hecho) continue;
         FalloSql fallo = std::move(hecho).error();
         if (!fallo.errores.isEmpty()) {
@@ -69,7 +60,7 @@ base::Result<void, FalloSql> CrearBase(SqlConnection& conexion, const QString& d
             return Fallo(u"No se puede leer el texto "_s + ruta + u" del programa."_s);
         }
         for (const QString& lote : PartirLotes(QString::fromUtf8(archivo.readAll()))) {
-            QUIMO_TRY_VOID(EjecutarUno(conexion, lote));
+            QUIMO_TRY_VOID(Correr(conexion, lote));
         }
     }
     QUIMO_TRY_VOID(EjecutarPorLineas(conexion, datos));

@@ -2,27 +2,16 @@
 
 #include <QRegularExpression>
 
+#include "data/consultar.h"
+
 using namespace Qt::StringLiterals;
 
 namespace quimo::data {
 
 namespace {
 
-constexpr qint64 kColumnaAusente = 3265;
-constexpr qint64 kNoEscribible = 3251;
-constexpr qint64 kFilaPerdida = 0x80040E38;
-
 FalloSql Fallo(qint64 numero, const QString& descripcion) {
-    return {numero, {ErrorProveedor{u"HY000"_s, 0, u"Recordset"_s, descripcion}}};
-}
-
-/// The first result set of an answer, or its failure.
-base::Result<Conjunto, FalloSql> PrimerConjunto(RespuestaSql respuesta) {
-    if (respuesta.fallo) return *std::move(respuesta.fallo);
-    for (ResultadoSql& resultado : respuesta.resultados) {
-        if (resultado.conjunto) return *std::move(resultado.conjunto);
-    }
-    return Fallo(3704, u"La sentencia no devuelve registros."_s);
+    return FalloSql::De(numero, u"Recordset"_s, descripcion);
 }
 
 }  // namespace
@@ -65,7 +54,7 @@ std::shared_ptr<Recordset> Recordset::DeConjunto(SqlConnection& conexion, Conjun
 }
 
 Recordset::Hecho Recordset::Cargar() {
-    QUIMO_TRY(Conjunto leido, PrimerConjunto(conexion_.Ejecutar(consulta_)));
+    QUIMO_TRY(Conjunto leido, ConjuntoDe(conexion_.Ejecutar(consulta_)));
     conjunto_ = std::move(leido);
     indices_.clear();
     for (qsizetype i = conjunto_.columnas.size() - 1; i >= 0; --i) {
@@ -79,7 +68,8 @@ Recordset::Hecho Recordset::Cargar() {
 }
 
 Recordset::Hecho Recordset::Requery() {
-    if (consulta_.isEmpty()) return Fallo(kNoEscribible, u"El conjunto no se puede releer."_s);
+    if (consulta_.isEmpty())
+        return Fallo(FalloSql::kNoEscribible, u"El conjunto no se puede releer."_s);
     return Cargar();
 }
 
@@ -137,13 +127,14 @@ qsizetype Recordset::IndiceDe(const QString& nombre) const {
 
 base::Result<QVariant, FalloSql> Recordset::Campo(const QString& nombre) const {
     const qsizetype indice = IndiceDe(nombre);
-    if (indice < 0) return Fallo(kColumnaAusente, u"La consulta no tiene la columna "_s + nombre);
+    if (indice < 0)
+        return Fallo(FalloSql::kColumnaAusente, u"La consulta no tiene la columna "_s + nombre);
     return Campo(indice);
 }
 
 base::Result<QVariant, FalloSql> Recordset::Campo(qsizetype indice) const {
     if (indice < 0 || indice >= Columnas().size()) {
-        return Fallo(kColumnaAusente, u"La consulta no tiene tantas columnas."_s);
+        return Fallo(FalloSql::kColumnaAusente, u"La consulta no tiene tantas columnas."_s);
     }
     if (alta_) return (*alta_)[indice];
     if (!HayActual() || borrada_) return SinRegistro();
@@ -155,7 +146,8 @@ base::Result<QVariant, FalloSql> Recordset::Campo(qsizetype indice) const {
 base::Result<const DefinicionTabla*, FalloSql> Recordset::TablaEscribible() {
     if (!tabla_) {
         const QString nombre = TablaDeConsulta(consulta_);
-        if (nombre.isEmpty()) return Fallo(kNoEscribible, u"La consulta es de solo lectura."_s);
+        if (nombre.isEmpty())
+            return Fallo(FalloSql::kNoEscribible, u"La consulta es de solo lectura."_s);
         QUIMO_TRY(DefinicionTabla definicion, conexion_.Describir(nombre));
         tabla_ = std::move(definicion);
     }
@@ -166,13 +158,14 @@ base::Result<QString, FalloSql> Recordset::CondicionDeClave(const Fila& fila,
                                                             QVector<QVariant>& valores) {
     QUIMO_TRY(const DefinicionTabla* tabla, TablaEscribible());
     if (tabla->clave.isEmpty()) {
-        return Fallo(kNoEscribible, u"La tabla "_s + tabla->nombre + u" no tiene llave."_s);
+        return Fallo(FalloSql::kNoEscribible,
+                     u"La tabla "_s + tabla->nombre + u" no tiene llave."_s);
     }
     QStringList partes;
     for (const QString& columna : tabla->clave) {
         const qsizetype indice = IndiceDe(columna);
         if (indice < 0) {
-            return Fallo(kNoEscribible, u"La consulta no trae la llave "_s + columna);
+            return Fallo(FalloSql::kNoEscribible, u"La consulta no trae la llave "_s + columna);
         }
         partes << u"["_s + columna + u"]=?"_s;
         valores << fila[indice];
@@ -190,7 +183,8 @@ Recordset::Hecho Recordset::AddNew() {
 
 Recordset::Hecho Recordset::Asignar(const QString& nombre, const QVariant& valor) {
     const qsizetype indice = IndiceDe(nombre);
-    if (indice < 0) return Fallo(kColumnaAusente, u"La consulta no tiene la columna "_s + nombre);
+    if (indice < 0)
+        return Fallo(FalloSql::kColumnaAusente, u"La consulta no tiene la columna "_s + nombre);
     if (alta_) {
         (*alta_)[indice] = valor;
     } else if (!HayActual() || borrada_) {
@@ -217,13 +211,12 @@ Recordset::Hecho Recordset::Update() {
         valores << it.value();
     }
     QUIMO_TRY(const QString condicion, CondicionDeClave(conjunto_.filas[posicion_], valores));
-    RespuestaSql respuesta =
-        conexion_.Ejecutar(u"UPDATE ["_s + tabla->nombre + u"] SET "_s + asignaciones.join(u',') +
-                               u" WHERE "_s + condicion,
-                           valores);
-    if (respuesta.fallo) return *std::move(respuesta.fallo);
-    if (respuesta.resultados.isEmpty() || respuesta.resultados.last().afectadas == 0) {
-        return Fallo(kFilaPerdida,
+    QUIMO_TRY(const qint64 cambiadas,
+              AfectadasDe(conexion_.Ejecutar(u"UPDATE ["_s + tabla->nombre + u"] SET "_s +
+                                                 asignaciones.join(u',') + u" WHERE "_s + condicion,
+                                             valores)));
+    if (cambiadas == 0) {
+        return Fallo(FalloSql::kFilaPerdida,
                      u"No se encuentra la fila por actualizar: otro usuario la borró "
                      u"o cambió su llave."_s);
     }
@@ -252,13 +245,12 @@ Recordset::Hecho Recordset::InsertarAlta() {
         campos.isEmpty() ? u"INSERT INTO ["_s + tabla->nombre + u"] DEFAULT VALUES"_s
                          : u"INSERT INTO ["_s + tabla->nombre + u"] ("_s + campos.join(u',') +
                                u") VALUES ("_s + marcas.join(u',') + u")"_s;
-    RespuestaSql respuesta = conexion_.Ejecutar(sentencia, valores);
-    if (respuesta.fallo) return *std::move(respuesta.fallo);
+    QUIMO_TRY_VOID(Correr(conexion_, sentencia, valores));
     Fila nueva = *alta_;
     if (!tabla->identidad.isEmpty() && IndiceDe(tabla->identidad) >= 0) {
-        QUIMO_TRY(const Conjunto numero,
-                  PrimerConjunto(conexion_.Ejecutar(u"SELECT CAST(@@IDENTITY AS INT) AS Clave"_s)));
-        nueva[IndiceDe(tabla->identidad)] = numero.filas.value(0).value(0);
+        QUIMO_TRY(const Fila numero,
+                  ConsultarFila(conexion_, u"SELECT CAST(@@IDENTITY AS INT) AS Clave"_s));
+        nueva[IndiceDe(tabla->identidad)] = numero.value(0);
     }
     conjunto_.filas.append(nueva);
     posicion_ = RecordCount() - 1;
@@ -275,11 +267,11 @@ Recordset::Hecho Recordset::Releer(const QString& condicion, const QVector<QVari
     QStringList nombres;
     for (const Columna& columna : Columnas())
         nombres << u"["_s + columna.nombre + u"]"_s;
-    QUIMO_TRY(const Conjunto leido,
-              PrimerConjunto(conexion_.Ejecutar(u"SELECT "_s + nombres.join(u',') + u" FROM ["_s +
-                                                    tabla_->nombre + u"] WHERE "_s + condicion,
-                                                valores)));
-    if (!leido.filas.isEmpty()) conjunto_.filas[lugar] = leido.filas.first();
+    QUIMO_TRY(const Fila leida, ConsultarFila(conexion_,
+                                              u"SELECT "_s + nombres.join(u',') + u" FROM ["_s +
+                                                  tabla_->nombre + u"] WHERE "_s + condicion,
+                                              valores));
+    if (!leida.isEmpty()) conjunto_.filas[lugar] = leida;
     return {};
 }
 
@@ -289,11 +281,11 @@ Recordset::Hecho Recordset::Delete() {
     QUIMO_TRY(const DefinicionTabla* tabla, TablaEscribible());
     QVector<QVariant> valores;
     QUIMO_TRY(const QString condicion, CondicionDeClave(conjunto_.filas[posicion_], valores));
-    RespuestaSql respuesta =
-        conexion_.Ejecutar(u"DELETE FROM ["_s + tabla->nombre + u"] WHERE "_s + condicion, valores);
-    if (respuesta.fallo) return *std::move(respuesta.fallo);
-    if (respuesta.resultados.isEmpty() || respuesta.resultados.last().afectadas == 0) {
-        return Fallo(kFilaPerdida,
+    QUIMO_TRY(const qint64 borradas,
+              AfectadasDe(conexion_.Ejecutar(
+                  u"DELETE FROM ["_s + tabla->nombre + u"] WHERE "_s + condicion, valores)));
+    if (borradas == 0) {
+        return Fallo(FalloSql::kFilaPerdida,
                      u"No se encuentra la fila por borrar: otro usuario ya la borró."_s);
     }
     conjunto_.filas.removeAt(posicion_);

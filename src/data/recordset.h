@@ -36,21 +36,22 @@ public:
     bool Eof() const { return posicion_ >= RecordCount(); }
     bool HayActual() const { return !Bof() && !Eof(); }
 
-    /// Cursor moves. On an empty set, and past an end that was already passed: number 3021.
+    /// Cursor moves. On an empty set, and past an end that was already passed:
+    /// FalloSql::kSinRegistro.
     Hecho MoveFirst();
     Hecho MoveLast();
     Hecho MoveNext();
     Hecho MovePrevious();
 
-    /// The current row's mark, 3021 without one.
+    /// The current row's mark, kSinRegistro without one.
     base::Result<Marcador, FalloSql> Bookmark() const;
-    /// Goes to a marked row; 3021 when the set no longer reaches so far.
+    /// Goes to a marked row; kSinRegistro when the set no longer reaches so far.
     Hecho IrA(Marcador marcador);
     /// Runs the query again and goes to its first row. A pending row is given up.
     Hecho Requery();
 
     /// A field of the current (or pending) row, NULL as an invalid value. A column that the set
-    /// does not have: number 3265. No current row: 3021.
+    /// does not have: kColumnaAusente. No current row: kSinRegistro.
     base::Result<QVariant, FalloSql> Campo(const QString& nombre) const;
     base::Result<QVariant, FalloSql> Campo(qsizetype indice) const;
     /// Place of a column by name, without regard to case; -1 when there is none.

@@ -82,9 +82,18 @@ struct FalloSql {
         kConexionPerdida = 40023,
         kConexionCerrada = 3709,
         kSinRegistro = 3021,
+        kSinConjunto = 3704,     ///< the statement gives no result set
+        kColumnaAusente = 3265,  ///< the record set has no such column
+        kNoEscribible = 3251,    ///< the record set cannot be written or read again
+        kFilaPerdida = 0x80040E38,
     };
     qint64 numero = kSentencia;
     QVector<ErrorProveedor> errores = {};
+
+    /// A failure that no server gave, but the program itself.
+    static FalloSql De(qint64 numero, const QString& origen, const QString& descripcion) {
+        return {numero, {{QStringLiteral("HY000"), 0, origen, descripcion}}};
+    }
 
     /// Native number of the first provider error, 0 without one.
     int Nativo() const { return errores.isEmpty() ? 0 : errores.first().nativo; }
@@ -143,7 +152,7 @@ public:
     /// Whoever began one knows by it whether the open one is still that.
     virtual std::uint64_t TransaccionActual() const = 0;
 
-    /// Definition of a table, a temporary one included. Native 208 when there is none.
+    /// Definition of a table, a temporary one included. nativo::kSinTabla when there is none.
     virtual base::Result<DefinicionTabla, FalloSql> Describir(const QString& tabla) = 0;
     virtual bool Abierta() const = 0;
     virtual void Cerrar() = 0;

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "data/numeros_nativos.h"
 #include "data/sql_connection.h"
 
 namespace quimo::data {
@@ -28,15 +29,15 @@ public:
     /// Whether it is the one that is open: not confirmed, not rolled back, not lost.
     bool Viva() const { return conexion_ != nullptr && conexion_->TransaccionActual() == numero_; }
 
-    /// Runs a text in this transaction. Refused (native 3902) once it is over: what should have
-    /// been part of it would be written outside of any.
+    /// Runs a text in this transaction. Refused (nativo::kSinTransaccion) once it is over: what
+    /// should have been part of it would be written outside of any.
     RespuestaSql Ejecutar(const QString& tsql, const QVector<QVariant>& parametros = {}) {
         if (!Viva()) return {{}, {}, Terminada()};
         return conexion_->Ejecutar(tsql, parametros);
     }
 
     /// Ends the transaction; what it changed survives a power cut from here on. When it fails,
-    /// nothing of it is kept. Native 3902 when it was over already.
+    /// nothing of it is kept. nativo::kSinTransaccion when it was over already.
     base::Result<void, FalloSql> Confirmar() {
         if (!Viva()) return Terminada();
         QUIMO_TRY_VOID(conexion_->Confirmar());
@@ -56,7 +57,7 @@ private:
     static FalloSql Terminada() {
         return {FalloSql::kSentencia,
                 {ErrorProveedor{
-                    QStringLiteral("25000"), 3902, QStringLiteral("QUIMO"),
+                    QStringLiteral("25000"), nativo::kSinTransaccion, QStringLiteral("QUIMO"),
                     QStringLiteral(
                         "La transacción ya no está abierta: nada de ella quedó guardado.")}}};
     }

@@ -1,12 +1,13 @@
 #include "demo/sql_demo.h"
 
+#include "data/consultar.h"
+
 namespace quimo::demo {
 
 using namespace Qt::StringLiterals;
 using base::Error;
 using base::Result;
 using data::Fila;
-using data::RespuestaSql;
 using data::SqlConnection;
 
 Error ErrorDe(const data::FalloSql& fallo) {
@@ -31,20 +32,12 @@ Error ErrorDe(const dayclose::Interrupcion& interrupcion) {
 
 Result<void> Ejecutar(SqlConnection& conexion, const QString& tsql,
                       const QVector<QVariant>& parametros) {
-    const RespuestaSql respuesta = conexion.Ejecutar(tsql, parametros);
-    if (respuesta.fallo) return ErrorDe(*respuesta.fallo);
-    return {};
+    return Traducido(data::Correr(conexion, tsql, parametros));
 }
 
 Result<QVector<Fila>> Consultar(SqlConnection& conexion, const QString& tsql,
                                 const QVector<QVariant>& parametros) {
-    const RespuestaSql respuesta = conexion.Ejecutar(tsql, parametros);
-    if (respuesta.fallo) return ErrorDe(*respuesta.fallo);
-    for (const data::ResultadoSql& resultado : respuesta.resultados) {
-        if (resultado.conjunto) return resultado.conjunto->filas;
-    }
-    return Error{Error::Codigo::Interno, "La consulta no devolvió un resultado.",
-                 tsql.toStdString()};
+    return Traducido(data::Consultar(conexion, tsql, parametros));
 }
 
 Result<void> Insertar(SqlConnection& conexion, const QString& tabla, const QString& columnas,

@@ -29,11 +29,10 @@ base::Result<T> Traducido(base::Result<T, E> resultado) {
     }
 }
 
-/// Runs statements that return nothing.
+/// data::Correr and data::Consultar with their failure in that form.
 base::Result<void> Ejecutar(data::SqlConnection& conexion, const QString& tsql,
                             const QVector<QVariant>& parametros = {});
 
-/// The rows of the first result set.
 base::Result<QVector<data::Fila>> Consultar(data::SqlConnection& conexion, const QString& tsql,
                                             const QVector<QVariant>& parametros = {});
 

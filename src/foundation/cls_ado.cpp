@@ -3,6 +3,7 @@
 #include <QStringBuilder>
 
 #include "data/conexion_vigilada.h"
+#include "data/consultar.h"
 #include "data/fallos.h"
 #include "data/valores.h"
 
@@ -11,8 +12,6 @@ using namespace Qt::StringLiterals;
 namespace quimo::foundation {
 
 namespace {
-
-constexpr qint64 kErrorPropio = 1;
 
 data::FalloSql Cerrada() { return data::ConexionCerrada(u"ClsAdo"); }
 
@@ -88,39 +87,44 @@ bool ClsAdo::Consultar(data::RecordsetPtr& PrdrVariable, const QString& PsConsul
 
 bool ClsAdo::EjecutarCambio(const QString& sentencia) {
     if (!Conectado()) return Fallar(Cerrada());
-    data::RespuestaSql respuesta = conexion_->Ejecutar(sentencia);
-    if (respuesta.fallo) return Fallar(*std::move(respuesta.fallo));
+    auto hecho = data::Correr(*conexion_, sentencia);
+    if (!hecho) return Fallar(std::move(hecho).error());
     return true;
 }
 
-void ClsAdo::Registrar(std::initializer_list<QStringView> partes) {
+void ClsAdo::AlRegistro(const std::function<void(QByteArray& lineas)>& agregar) {
     if (Conectado() && conexion_->EnTransaccion()) {
-        ClsBitacora::AgregarLinea(por_confirmar_, CClsBitacora.Principio(), partes);
+        agregar(por_confirmar_);
         return;
     }
-    QByteArray linea;
-    ClsBitacora::AgregarLinea(linea, CClsBitacora.Principio(), partes);
-    CClsBitacora.EscribirLineas(linea);
+    QByteArray lineas;
+    agregar(lineas);
+    CClsBitacora.EscribirLineas(lineas);
+}
+
+void ClsAdo::Registrar(std::initializer_list<QStringView> partes) {
+    AlRegistro([&](QByteArray& lineas) {
+        ClsBitacora::AgregarLinea(lineas, CClsBitacora.Principio(), partes);
+    });
 }
 
 void ClsAdo::RegistrarCambios(std::span<const Cambio> cambios) {
     if (cambios.empty()) return;
-    const bool por_confirmar = Conectado() && conexion_->EnTransaccion();
-    QByteArray escritas;
-    QByteArray& lineas = por_confirmar ? por_confirmar_ : escritas;
-    const QByteArray principio = CClsBitacora.Principio();
-    for (const Cambio& cambio : cambios) {
-        if (cambio.clase == Cambio::Clase::Insertar) {
-            const QStringView partes[] = {u"Valor insertado en ", cambio.tabla,  u" campos: ",
-                                          cambio.campos,          u" valores: ", cambio.valores};
-            ClsBitacora::AgregarLinea(lineas, principio, partes);
-        } else {
-            const QStringView partes[] = {u"Modificacion en ", cambio.tabla, u" Valor: ",
-                                          cambio.campos};
-            ClsBitacora::AgregarLinea(lineas, principio, partes);
+    AlRegistro([&](QByteArray& lineas) {
+        const QByteArray principio = CClsBitacora.Principio();
+        for (const Cambio& cambio : cambios) {
+            if (cambio.clase == Cambio::Clase::Insertar) {
+                const QStringView partes[] = {u"Valor insertado en ", cambio.tabla,
+                                              u" campos: ",           cambio.campos,
+                                              u" valores: ",          cambio.valores};
+                ClsBitacora::AgregarLinea(lineas, principio, partes);
+            } else {
+                const QStringView partes[] = {u"Modificacion en ", cambio.tabla, u" Valor: ",
+                                              cambio.campos};
+                ClsBitacora::AgregarLinea(lineas, principio, partes);
+            }
         }
-    }
-    if (!por_confirmar) CClsBitacora.EscribirLineas(escritas);
+    });
 }
 
 bool ClsAdo::Cambiar(const Cambio& cambio) {

@@ -37,6 +37,8 @@ public:
     static constexpr int kCursorEstatico = 3;
     static constexpr int kBloqueoOptimista = 3;
     static constexpr int kTextoComando = 1;
+    /// Number of a failure of this class itself, whose text is shown as it stands.
+    static constexpr qint64 kErrorPropio = 1;
 
     /// The ports and the log must outlive the object.
     ClsAdo(data::Conector conector, Dialogos& dialogos, ClsBitacora& bitacora)
@@ -131,6 +133,8 @@ private:
     bool EjecutarCambio(const QString& sentencia);
     bool Cambiar(const Cambio& cambio);
     void DespacharNativo(const data::FalloSql& fallo, bool& sin_servidor);
+    /// Log lines that wait for the transaction that is open, or are written at once without one.
+    void AlRegistro(const std::function<void(QByteArray& lineas)>& agregar);
     void Registrar(std::initializer_list<QStringView> partes);
     void RegistrarCambios(std::span<const Cambio> cambios);
     void RegistrarFallo(const QVector<QVariant>& partes) { CClsBitacora.Escribir(partes); }
@@ -145,7 +149,7 @@ private:
 };
 
 /// One value as text: "SELECT PsExpresion FROM PsTabla WHERE PsCondicion", both parts left out when
-/// empty; NULL is "". An answer without rows is number 3021.
+/// empty; NULL is "". An answer without rows is FalloSql::kSinRegistro.
 base::Result<QString, data::FalloSql> ValorCampo(ClsAdo& ado, const QString& tabla,
                                                  const QString& expresion,
                                                  const QString& condicion);

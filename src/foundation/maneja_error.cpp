@@ -1,5 +1,6 @@
 #include <array>
 
+#include "data/numeros_nativos.h"
 #include "foundation/cls_ado.h"
 
 using namespace Qt::StringLiterals;
@@ -10,6 +11,10 @@ namespace {
 
 constexpr auto kMarca = "ClsRdo_Error"_L1;
 constexpr qint64 kNoHayRegistros = 40022;
+constexpr int kTuberiaCerrada = 232;  // of the system, not of the server
+constexpr int kServidorNoEncontrado = 6;
+constexpr int kNombreDnsIncorrecto = 0;
+constexpr int kUsuarioIncorrecto = 4002;
 // A message raised by a procedure comes behind the driver's 47 characters in brackets.
 constexpr int kPrincipioDelMensaje = 48;
 
@@ -28,9 +33,9 @@ const QString& TextoConexionPerdida() {
 }
 
 constexpr std::array<TextoNativo, 3> kTextosNativos = {{
-    {6, "No se pudo encontrar al servidor"_L1, true, true, true},
-    {0, "El nombre del DNS es incorrecto"_L1, false, true, true},
-    {4002, "Usuario incorrecto"_L1, true, false, false},
+    {kServidorNoEncontrado, "No se pudo encontrar al servidor"_L1, true, true, true},
+    {kNombreDnsIncorrecto, "El nombre del DNS es incorrecto"_L1, false, true, true},
+    {kUsuarioIncorrecto, "Usuario incorrecto"_L1, true, false, false},
 }};
 
 /// The number as the user has always seen it: signed, 32 bits.
@@ -48,7 +53,7 @@ bool ClsAdo::ManejaError() {
         case data::FalloSql::kSinRegistro:
             dialogos_.Avisar(u"no hay registros"_s, Icono::Informacion);
             break;
-        case 1:
+        case ClsAdo::kErrorPropio:
             dialogos_.Avisar(descripcion, Icono::Ninguno);
             break;
         case data::FalloSql::kOtroAlAbrir:
@@ -102,25 +107,25 @@ void ClsAdo::DespacharNativo(const data::FalloSql& fallo, bool& sin_servidor) {
         return;
     }
     switch (nativo) {
-        case 2601:
+        case data::nativo::kIndiceRepetido:
             dialogos_.Avisar(CpsMen_LLave_Repetida, Icono::Exclamacion, CpsTitulo);
             RegistrarFallo({CpsMen_LLave_Repetida, QString(kMarca)});
             if (!fallo.errores.isEmpty()) RegistrarFallo({descripcion, QString(kMarca)});
             break;
-        case 2627:
+        case data::nativo::kLlaveRepetida:
             if (!CbNoMensaje) {
                 dialogos_.Avisar(CpsMen_LLave_Repetida, Icono::Exclamacion, CpsTitulo);
             }
             RegistrarFallo({CpsMen_LLave_Repetida, QString(kMarca)});
             break;
-        case 547:
+        case data::nativo::kReferencia:
             ConflictoDeReferencia(descripcion);
             break;
-        case 232:
+        case kTuberiaCerrada:
             dialogos_.Avisar(TextoConexionPerdida(), Icono::Critico, CpsTitulo);
             RegistrarFallo({TextoConexionPerdida(), u"Fatal"_s, QString(kMarca)});
             break;
-        case 50000: {
+        case data::nativo::kDeProcedimiento: {
             const QString texto = descripcion.mid(kPrincipioDelMensaje - 1);
             dialogos_.Avisar(texto, Icono::Exclamacion);
             RegistrarFallo({texto, kPrincipioDelMensaje, QString(kMarca)});

@@ -20,9 +20,9 @@ public:
     /// The data-access object must outlive it.
     explicit Parametros(ClsAdo& ado) : ado_(ado) {}
 
-    /// Valor_Cad of a key, NULL as an empty text. A missing key is number 3021.
+    /// Valor_Cad of a key, NULL as an empty text. A missing key is FalloSql::kSinRegistro.
     base::Result<QString, data::FalloSql> Cadena(QStringView clave) const;
-    /// Valor_Num of a key as text, NULL as an empty text. A missing key is number 3021.
+    /// Valor_Num of a key as text, NULL as an empty text. A missing key is FalloSql::kSinRegistro.
     base::Result<QString, data::FalloSql> Numero(QStringView clave) const;
 
 private:

@@ -3,6 +3,7 @@
 #include <array>
 
 #include "app/comandos/consola.h"
+#include "data/consultar.h"
 #include "dayclose/cierre/cierre_pendiente.h"
 #include "dayclose/terminales/tablas_ventas.h"
 #include "foundation/parametros.h"
@@ -98,18 +99,16 @@ public:
 private:
     /// The rows of a query; what cannot be read is a finding about `de_que`.
     QVector<Fila> Filas(const QString& de_que, const QString& consulta) {
-        RespuestaSql respuesta = conexion_.Ejecutar(consulta);
-        if (respuesta.fallo) {
-            const bool dicha = std::any_of(
-                revision_.fallas.begin(), revision_.fallas.end(),
-                [&](const QString& falla) { return falla.startsWith(de_que + u": "_s); });
-            if (dicha) return {};
-            Falla(de_que, u"no se pudo leer: "_s + TextoDeFallo(*respuesta.fallo),
+        auto filas = data::Consultar(conexion_, consulta);
+        if (filas) return std::move(filas).value();
+        const bool dicha =
+            std::any_of(revision_.fallas.begin(), revision_.fallas.end(),
+                        [&](const QString& falla) { return falla.startsWith(de_que + u": "_s); });
+        if (!dicha) {
+            Falla(de_que, u"no se pudo leer: "_s + TextoDeFallo(filas.error()),
                   u"restaure el respaldo"_s);
-            return {};
         }
-        if (respuesta.resultados.isEmpty() || !respuesta.resultados.first().conjunto) return {};
-        return respuesta.resultados.first().conjunto->filas;
+        return {};
     }
 
     void Falla(const QString& de_que, const QString& que, const QString& que_hacer) {

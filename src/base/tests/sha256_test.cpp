@@ -7,7 +7,7 @@
 namespace quimo::base {
 namespace {
 
-TEST(Sha256, TellsTheDigestsOfTheStandardHoweverTheBytesCome) {
+TEST(Sha256, DaLosResumenesDelEstandarComoQuieraQueLleguen) {
     const struct {
         std::string bytes;
         const char* resumen;
@@ -29,7 +29,7 @@ TEST(Sha256, TellsTheDigestsOfTheStandardHoweverTheBytesCome) {
     }
 }
 
-TEST(Sha256, BeginsAnewAfterItsEnd) {
+TEST(Sha256, EmpiezaDeNuevoTrasSuFin) {
     Sha256 resumen;
     resumen.Agregar("otro", 4);
     resumen.Terminar();

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/letras_terminal.h"
+#include "data/consultar.h"
 #include "data/valores.h"
 #include "dayclose/cierre/folios.h"
 #include "dayclose/terminales/valor_terminal.h"
@@ -41,6 +42,19 @@ Interrupcion NoCabe(const QVariant& valor, const QString& columna, const QString
 
 QString TextoDe(const char16_t* texto) {
     return texto == nullptr ? QString() : QString::fromUtf16(texto);
+}
+
+/// What holds at this hour: begun and not ended, or without an end, whatever its beginning.
+QString VigenteAhora(const QString& que) {
+    return u"(GETDATE() BETWEEN Fecha_Inicio_%1 AND Fecha_Fin_%1 OR Fecha_Fin_%1 IS NULL)"_s.arg(
+        que);
+}
+
+QString CondicionDe(const DefCatalogo& catalogo) {
+    const QString condicion = TextoDe(catalogo.condicion);
+    if (catalogo.vigencia == nullptr) return condicion;
+    const QString vigente = VigenteAhora(TextoDe(catalogo.vigencia));
+    return condicion.isEmpty() ? vigente : condicion + u" AND "_s + vigente;
 }
 
 /// What names a row to people: its first value and its first text.
@@ -89,9 +103,9 @@ QString QuitarLetrasAjenas(jet::Valor& valor) {
 
 ResultadoCierre<QVector<Terminal>> TerminalesPorMenu(ClsAdo& ado) {
     QUIMO_TRY(const QVector<Fila> filas,
-              LeerFilas(ado,
-                        u"SELECT ID_Terminal,Nombre_Terminal,ID_Menu FROM Terminal WHERE "
-                        u"Estado_Terminal='A' ORDER BY ID_Menu"_s));
+              data::Consultar(ado.Conexion(),
+                              u"SELECT ID_Terminal,Nombre_Terminal,ID_Menu FROM Terminal WHERE "
+                              u"Estado_Terminal='A' ORDER BY ID_Menu"_s));
     QVector<Terminal> terminales;
     for (const Fila& fila : filas) {
         terminales.append({fila[0].toInt(), fila[1].toString(), fila[2].toInt()});
@@ -101,7 +115,7 @@ ResultadoCierre<QVector<Terminal>> TerminalesPorMenu(ClsAdo& ado) {
 
 ResultadoCierre<BaseNueva> BaseNueva::Preparar(ClsAdo& ado, const QString& carpeta) {
     const QString archivo = carpeta + u"/Quimo_Terminal.mdb"_s;
-    QUIMO_INTENTAR(const Copiado copiado, CopiarEntero(carpeta + u"/Plantilla.mdb"_s, archivo));
+    QUIMO_TRY(const Copiado copiado, CopiarEntero(carpeta + u"/Plantilla.mdb"_s, archivo));
     static_cast<void>(copiado);
     QUIMO_TRY(jet::BaseDatos base,
               DePlantilla(jet::BaseDatos::Abrir(archivo.toStdString(), jet::Modo::Escritura)));
@@ -113,7 +127,7 @@ ResultadoCierre<BaseNueva> BaseNueva::Preparar(ClsAdo& ado, const QString& carpe
 ResultadoCierre<void> BaseNueva::Ensayar(ClsAdo& ado, const QString& carpeta) {
     const QString plantilla = carpeta + u"/Plantilla.mdb"_s;
     // Whether it can be read at all is told as when it is copied.
-    QUIMO_INTENTAR(const QString sha256, Sha256DeArchivo(plantilla));
+    QUIMO_TRY(const QString sha256, Sha256DeArchivo(plantilla));
     static_cast<void>(sha256);
     QUIMO_TRY(jet::BaseDatos base,
               DePlantilla(jet::BaseDatos::Abrir(plantilla.toStdString(), jet::Modo::Escritura)));
@@ -130,7 +144,7 @@ ResultadoCierre<void> BaseNueva::Llenar() {
         const QString destino = TextoDe(catalogo.destino);
         QUIMO_TRY_VOID(Copiar(destino, TextoDe(catalogo.columnas),
                               catalogo.fuentes == nullptr ? destino : TextoDe(catalogo.fuentes),
-                              TextoDe(catalogo.condicion)));
+                              CondicionDe(catalogo)));
     }
     QUIMO_TRY(propios_, DePlantilla(LeerParametrosTerminal(base_)));
     return {};
@@ -146,28 +160,25 @@ ResultadoCierre<jet::Tabla> BaseNueva::Tabla(const QString& nombre) const {
 ResultadoCierre<std::size_t> BaseNueva::Columna(const jet::Tabla& tabla,
                                                 const QString& nombre) const {
     auto columna = tabla.Columna(nombre.toStdString());
-    if (columna) return *columna;
-    Interrupcion fallo = DeFallo(columna.error(), SobrePlantilla());
-    fallo.numero = kColumnaAusente;
-    return fallo;
+    if (!columna) return DeFallo(columna.error(), SobrePlantilla(), Buscado::Columna);
+    return *columna;
 }
 
 ResultadoCierre<void> BaseNueva::Copiar(const QString& destino, const QString& columnas,
                                         const QString& fuentes, const QString& condicion) {
     QString consulta = u"SELECT "_s + columnas + u" FROM "_s + fuentes;
     if (!condicion.isEmpty()) consulta += u" WHERE "_s + condicion;
-    data::RecordsetPtr origen;
-    if (!ado_->Consultar(origen, consulta)) return FalloPendiente(*ado_);
+    QUIMO_TRY(const data::Conjunto origen, data::ConjuntoDe(ado_->Conexion().Ejecutar(consulta)));
     QUIMO_TRY(jet::Tabla tabla, Tabla(destino));
     std::vector<std::size_t> lugares;
-    for (const data::Columna& columna : origen->Columnas()) {
+    for (const data::Columna& columna : origen.columnas) {
         QUIMO_TRY(const std::size_t lugar, Columna(tabla, columna.nombre));
         lugares.push_back(lugar);
     }
     const jet::DefTabla& definicion = tabla.Definicion();
     const std::vector<bool> indexadas = ColumnasDeIndices(definicion);
     jet::Fila valores(definicion.columnas.size());
-    for (const Fila& fila : origen->Filas()) {
+    for (const Fila& fila : origen.filas) {
         for (std::size_t i = 0; i < lugares.size(); ++i) {
             const jet::DefColumna& columna = definicion.columnas[lugares[i]];
             const QVariant& central = fila[static_cast<qsizetype>(i)];
@@ -178,14 +189,14 @@ ResultadoCierre<void> BaseNueva::Copiar(const QString& destino, const QString& c
             const QString ajenas = QuitarLetrasAjenas(valores[lugares[i]]);
             if (ajenas.isEmpty()) continue;
             avisos_ << u"%1: las terminales no pueden guardar '%2' en %3; en su lugar va '?'."_s
-                           .arg(NombreDeFila(destino, origen->Columnas(), fila), ajenas,
+                           .arg(NombreDeFila(destino, origen.columnas, fila), ajenas,
                                 QString::fromStdString(columna.nombre));
         }
         const auto id = tabla.Insertar(valores);
         if (!id) {
             Interrupcion fallo = DeFallo(id.error(), SobrePlantilla());
             fallo.detalle = u"No se pudo pasar a las terminales: "_s +
-                            NombreDeFila(destino, origen->Columnas(), fila);
+                            NombreDeFila(destino, origen.columnas, fila);
             return fallo;
         }
     }
@@ -208,8 +219,9 @@ ResultadoCierre<void> BaseNueva::PonerMenu(int menu) {
 
 ResultadoCierre<void> BaseNueva::PonerPrecios(int menu) {
     QUIMO_TRY(const QVector<Fila> precios,
-              LeerFilas(*ado_, u"SELECT ID_Producto,Precio FROM PreciosXMenu WHERE ID_Menu="_s +
-                                   QString::number(menu)));
+              data::Consultar(ado_->Conexion(),
+                              u"SELECT ID_Producto,Precio FROM PreciosXMenu WHERE ID_Menu="_s +
+                                  QString::number(menu)));
     QHash<qint64, QVariant> precio_de;
     for (const Fila& fila : precios)
         precio_de.insert(fila[0].toLongLong(), fila[1]);

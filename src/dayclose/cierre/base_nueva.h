@@ -17,6 +17,8 @@ struct DefCatalogo {
     const char16_t* columnas;
     const char16_t* fuentes = nullptr;    ///< nullptr: the destination's own name
     const char16_t* condicion = nullptr;  ///< nullptr: every row
+    /// Only rows that hold today by their columns Fecha_Inicio_X and Fecha_Fin_X; nullptr: any.
+    const char16_t* vigencia = nullptr;
 };
 
 /// In the order in which they are copied.

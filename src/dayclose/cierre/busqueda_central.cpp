@@ -5,7 +5,9 @@
 #include <QHash>
 #include <QSet>
 
+#include "data/consultar.h"
 #include "data/valores.h"
+#include "dayclose/cierre/clave_entera.h"
 #include "dayclose/cierre/contexto_cierre.h"
 
 using namespace Qt::StringLiterals;
@@ -20,12 +22,6 @@ using Renglon = BaseTerminal::Renglon;
 
 /// How many numbers may lie between those that are asked for, for each of them.
 constexpr qint64 kHolgura = 4;
-
-qint64 Unida(qint64 primera, qint64 segunda) {
-    constexpr int kBits = 32;
-    return static_cast<qint64>(static_cast<quint64>(primera) << kBits) |
-           static_cast<qint64>(static_cast<quint32>(segunda));
-}
 
 QString ConComas(QString lista, const QString& parte) {
     if (!lista.isEmpty()) lista += u',';
@@ -44,20 +40,20 @@ BusquedaCentral::BusquedaCentral(foundation::ClsAdo& ado, const DefCopia& copia,
         columnas_insertar_ = ConComas(columnas_insertar_, QString::fromUtf16(campo.columna));
 }
 
-std::optional<qint64> BusquedaCentral::Clave(const Renglon& renglon) const {
+std::optional<quint64> BusquedaCentral::Clave(const Renglon& renglon) const {
     std::array<qint64, 2> partes = {};
     for (std::size_t i = 0; i < copia_.clave.size(); ++i) {
         const auto* parte = std::get_if<std::int32_t>(&renglon.Clave(i));
         if (parte == nullptr) return std::nullopt;
         partes[i] = *parte;
     }
-    return Unida(partes[0], partes[1]);
+    return UnirClave(partes[0], partes[1]);
 }
 
 std::vector<BusquedaCentral::Grupo> BusquedaCentral::EnGrupos(
     std::span<const Renglon> renglones) const {
     std::vector<Grupo> grupos;
-    QSet<qint64> claves;
+    QSet<quint64> claves;
     bool abierto = false;
     for (const Renglon& renglon : renglones) {
         const auto clave = Clave(renglon);
@@ -120,7 +116,7 @@ ResultadoCierre<QString> BusquedaCentral::Donde(const Grupo& grupo, Alcance alca
            data::DuplicaApostrofes(fecha_) + u"' AND "_s + condicion;
 }
 
-ResultadoCierre<qint64> BusquedaCentral::ClaveCentral(const Fila& fila) const {
+ResultadoCierre<quint64> BusquedaCentral::ClaveCentral(const Fila& fila) const {
     std::array<qint64, 2> partes = {};
     for (std::size_t i = 0; i < copia_.clave.size(); ++i) {
         bool entera = false;
@@ -132,7 +128,7 @@ ResultadoCierre<qint64> BusquedaCentral::ClaveCentral(const Fila& fila) const {
                                     u" no es de números enteros."_s};
         }
     }
-    return Unida(partes[0], partes[1]);
+    return UnirClave(partes[0], partes[1]);
 }
 
 ResultadoCierre<std::vector<bool>> BusquedaCentral::Presentes(const Grupo& grupo, Alcance alcance) {
@@ -157,12 +153,13 @@ ResultadoCierre<std::vector<bool>> BusquedaCentral::Presentes(const Grupo& grupo
 ResultadoCierre<std::vector<bool>> BusquedaCentral::DelAlcance(const Grupo& grupo,
                                                                Alcance alcance) {
     QUIMO_TRY(const QString donde, Donde(grupo, alcance));
-    QUIMO_TRY(const QVector<Fila> filas, LeerFilas(ado_, u"SELECT "_s + columnas_clave_ + donde));
+    QUIMO_TRY(const QVector<Fila> filas,
+              data::Consultar(ado_.Conexion(), u"SELECT "_s + columnas_clave_ + donde));
     if (grupo.size() == 1) return std::vector<bool>{!filas.isEmpty()};
-    QSet<qint64> halladas;
+    QSet<quint64> halladas;
     halladas.reserve(filas.size());
     for (const Fila& fila : filas) {
-        QUIMO_TRY(const qint64 clave, ClaveCentral(fila));
+        QUIMO_TRY(const quint64 clave, ClaveCentral(fila));
         halladas.insert(clave);
     }
     std::vector<bool> presentes;
@@ -175,16 +172,17 @@ ResultadoCierre<std::vector<bool>> BusquedaCentral::DelAlcance(const Grupo& grup
 ResultadoCierre<std::vector<std::optional<Fila>>> BusquedaCentral::Filas(const Grupo& grupo) {
     QUIMO_TRY(const QString donde, Donde(grupo, Alcance::Todas));
     QUIMO_TRY(const QVector<Fila> filas,
-              LeerFilas(ado_, u"SELECT "_s + columnas_clave_ + u',' + columnas_insertar_ + donde));
+              data::Consultar(ado_.Conexion(),
+                              u"SELECT "_s + columnas_clave_ + u',' + columnas_insertar_ + donde));
     const auto de_insertar = static_cast<qsizetype>(copia_.clave.size());
     if (grupo.size() == 1) {
         if (filas.isEmpty()) return std::vector<std::optional<Fila>>(1);
         return std::vector<std::optional<Fila>>{filas.first().mid(de_insertar)};
     }
-    QHash<qint64, Fila> halladas;
+    QHash<quint64, Fila> halladas;
     halladas.reserve(filas.size());
     for (const Fila& fila : filas) {
-        QUIMO_TRY(const qint64 clave, ClaveCentral(fila));
+        QUIMO_TRY(const quint64 clave, ClaveCentral(fila));
         halladas.insert(clave, fila.mid(de_insertar));
     }
     std::vector<std::optional<Fila>> centrales;

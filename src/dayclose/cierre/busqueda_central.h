@@ -19,9 +19,9 @@ public:
 
     BusquedaCentral(foundation::ClsAdo& ado, const DefCopia& copia, const QString& fecha);
 
-    /// The key as one number; nothing for one that is not made of whole numbers, which only the
-    /// server can compare.
-    std::optional<qint64> Clave(const BaseTerminal::Renglon& renglon) const;
+    /// The key as one number (clave_entera.h); nothing for one that is not made of whole numbers,
+    /// which only the server can compare.
+    std::optional<quint64> Clave(const BaseTerminal::Renglon& renglon) const;
     /// Cuts rows, in their order, into groups that can be looked up at once: no key stands twice in
     /// one, and a key that is no number stands alone.
     std::vector<Grupo> EnGrupos(std::span<const BaseTerminal::Renglon> renglones) const;
@@ -38,7 +38,7 @@ private:
     ResultadoCierre<std::vector<bool>> DelAlcance(const Grupo& grupo, Alcance alcance);
     ResultadoCierre<QString> DeVarios(const Grupo& grupo) const;
     ResultadoCierre<QString> Donde(const Grupo& grupo, Alcance alcance) const;
-    ResultadoCierre<qint64> ClaveCentral(const data::Fila& fila) const;
+    ResultadoCierre<quint64> ClaveCentral(const data::Fila& fila) const;
 
     foundation::ClsAdo& ado_;
     const DefCopia& copia_;

@@ -23,8 +23,7 @@ constexpr DefCatalogo kCatalogos[] = {
     {u"Tipos_Impuesto",
      u"Tipos_Impuesto.ID_Tipo_Impuesto,Nombre_Tipo_Impuesto,Porcentaje,Tipo_Imp_Activo",
      u"Tipos_Impuesto,PorcentajeXTipo_Impuesto",
-     u"Tipos_Impuesto.ID_Tipo_Impuesto=PorcentajeXTipo_Impuesto.ID_Tipo_Impuesto AND (GETDATE() "
-     u"BETWEEN Fecha_Inicio_Impuesto AND Fecha_Fin_Impuesto OR Fecha_Fin_Impuesto IS NULL)"},
+     u"Tipos_Impuesto.ID_Tipo_Impuesto=PorcentajeXTipo_Impuesto.ID_Tipo_Impuesto", u"Impuesto"},
     {u"Tipos_Anulacion", u"ID_Tipo_Anulacion,Nombre_Tipos_Anulacion,Regresa_Existencia"},
     {u"Modo_Preparacion", u"ID_Modo_Preparacion,Nombre_Modo_Preparacion,Indicador"},
     {u"Tipo_Modificador",
@@ -38,21 +37,16 @@ constexpr DefCatalogo kCatalogos[] = {
     {u"Tipo_Cortesia",
      u"ID_Tipo_Cortesia,Nombre_Tipo_Cortesia,Tipo_Cortesia,Cantidad_Cortesia,Cantidad_Maxima,"
      u"Sel_articulo,Cortesia_Activa",
-     nullptr,
-     u"(GETDATE() BETWEEN Fecha_Inicio_Cortesia AND Fecha_Fin_Cortesia OR Fecha_Fin_Cortesia IS "
-     u"NULL)"},
+     nullptr, nullptr, u"Cortesia"},
     {u"ProductoXTipo_Cortesia", u"Tipo_Cortesia.ID_Tipo_Cortesia,ID_Producto",
      u"Tipo_Cortesia,ProductoXTipo_Cortesia",
-     u"Tipo_Cortesia.ID_Tipo_Cortesia=ProductoXTipo_Cortesia.ID_Tipo_Cortesia AND (GETDATE() "
-     u"BETWEEN Fecha_Inicio_Cortesia AND Fecha_Fin_Cortesia OR Fecha_Fin_Cortesia IS NULL)"},
+     u"Tipo_Cortesia.ID_Tipo_Cortesia=ProductoXTipo_Cortesia.ID_Tipo_Cortesia", u"Cortesia"},
     {u"Tipo_Pago", u"ID_Tipo_Pago,Nombre_Tipo_Pago,Clase,Abrir_gaveta"},
     {u"ImpuestosXProducto", u"ID_Tipo_Impuesto,ID_Producto,Incluir_en_precio"},
     {u"Secciones_Paquete", u"Id_Seccion_Paquete,Nombre_Seccion,ID_Producto,Numero"},
     {u"ProductosXSeccion", u"ID_Seccion_Paquete,ID_Producto"},
     {u"Promocion", u"ID_Promocion,ClaveUsr,Nombre_Promocion,Tipo_Promocion,CantMesa,Activo",
-     nullptr,
-     u"(GETDATE() BETWEEN Fecha_Inicio_Promocion AND Fecha_Fin_Promocion OR Fecha_Fin_Promocion IS "
-     u"NULL)"},
+     nullptr, nullptr, u"Promocion"},
     {u"Grupo_Promocional", u"ID_Grupo_Promocional,Nombre_Gpo_Promocional"},
     {u"Detalle_Gpo_Promocional", u"ID_Grupo_Promocional,ID_Producto"},
     {u"Grupo_Obsequios", u"ID_Grupo_Obsequio,Nombre_Gpo_Obsequio"},

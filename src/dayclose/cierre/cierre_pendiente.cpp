@@ -2,16 +2,15 @@
 
 #include <algorithm>
 
+#include "data/consultar.h"
 #include "dayclose/terminales/tablas_ventas.h"
 
 using namespace Qt::StringLiterals;
 
 namespace quimo::dayclose {
 
-using data::Conjunto;
 using data::FalloSql;
 using data::Fila;
-using data::RespuestaSql;
 using data::SqlConnection;
 using data::Transaccion;
 
@@ -42,32 +41,25 @@ QStringList TablasDe(int mascara) {
 
 CierrePendiente::Hecho Ejecutar(Transaccion& transaccion, const QString& sentencia,
                                 const QVector<QVariant>& valores = {}) {
-    RespuestaSql respuesta = transaccion.Ejecutar(sentencia, valores);
-    if (respuesta.fallo) return *std::move(respuesta.fallo);
-    return {};
-}
-
-base::Result<QVector<Fila>, FalloSql> Filas(SqlConnection& conexion, const QString& consulta) {
-    RespuestaSql respuesta = conexion.Ejecutar(consulta);
-    if (respuesta.fallo) return *std::move(respuesta.fallo);
-    QUIMO_CHECK(!respuesta.resultados.isEmpty() && respuesta.resultados.first().conjunto);
-    return respuesta.resultados.first().conjunto->filas;
+    return data::HechoDe(transaccion.Ejecutar(sentencia, valores));
 }
 
 }  // namespace
 
 base::Result<std::optional<CierrePendiente>, FalloSql> CierrePendiente::Leer(
     SqlConnection& conexion) {
-    QUIMO_TRY(const QVector<Fila> cierres,
-              Filas(conexion, u"SELECT Fecha_Cierre,Paso,Inicio FROM Cierre_Pendiente"_s));
+    QUIMO_TRY(
+        const QVector<Fila> cierres,
+        data::Consultar(conexion, u"SELECT Fecha_Cierre,Paso,Inicio FROM Cierre_Pendiente"_s));
     if (cierres.isEmpty()) return std::optional<CierrePendiente>();
     CierrePendiente cierre;
     cierre.fecha_ = cierres.first()[0].toString();
     cierre.paso_ = static_cast<Paso>(cierres.first()[1].toInt());
     cierre.inicio_ = cierres.first()[2].toDateTime();
-    QUIMO_TRY(const QVector<Fila> avances,
-              Filas(conexion,
-                    u"SELECT Nombre_Term,Tabla,Estado,Detalle,ID_Terminal FROM Cierre_Avance"_s));
+    QUIMO_TRY(
+        const QVector<Fila> avances,
+        data::Consultar(
+            conexion, u"SELECT Nombre_Term,Tabla,Estado,Detalle,ID_Terminal FROM Cierre_Avance"_s));
     for (const Fila& fila : avances) {
         const QString terminal = fila[0].toString();
         cierre.avances_[terminal].insert(fila[1].toString(), {fila[2].toInt(), fila[3].toString()});
@@ -102,12 +94,11 @@ CierrePendiente::Hecho CierrePendiente::Anotar(Transaccion& transaccion, int id_
                                                const Avance& avance) {
     // What the table holds decides, not what this object remembers: a mark may have gone with a
     // transaction that was rolled back.
-    RespuestaSql cambiada = transaccion.Ejecutar(
-        u"UPDATE Cierre_Avance SET Estado=?,Detalle=? "
-        u"WHERE Nombre_Term=? AND Tabla=?"_s,
-        {avance.estado, avance.detalle, terminal, marca});
-    if (cambiada.fallo) return *std::move(cambiada.fallo);
-    if (cambiada.resultados.isEmpty() || cambiada.resultados.first().afectadas < 1) {
+    QUIMO_TRY(const qint64 cambiadas,
+              data::AfectadasDe(transaccion.Ejecutar(
+                  u"UPDATE Cierre_Avance SET Estado=?,Detalle=? WHERE Nombre_Term=? AND Tabla=?"_s,
+                  {avance.estado, avance.detalle, terminal, marca})));
+    if (cambiadas < 1) {
         QUIMO_TRY_VOID(Ejecutar(transaccion,
                                 u"INSERT INTO Cierre_Avance "
                                 u"(ID_Terminal,Nombre_Term,Tabla,Estado,Detalle) "

@@ -1,6 +1,7 @@
 #include "dayclose/cierre/colisiones.h"
 
 #include <algorithm>
+#include <array>
 #include <map>
 #include <optional>
 #include <tuple>
@@ -10,6 +11,7 @@
 #include <QMap>
 #include <QStringList>
 
+#include "dayclose/cierre/clave_entera.h"
 #include "dayclose/terminales/archivos.h"
 #include "dayclose/terminales/base_terminal.h"
 #include "dayclose/terminales/nombres_ventas.h"
@@ -91,24 +93,26 @@ std::vector<std::size_t> LugaresDe(const DefCopia& copia, const Columnas& column
     return lugares;
 }
 
-/// Up to two whole numbers in one. Nothing when one of the columns holds none.
-std::optional<quint64> Empacar(const BaseTerminal::Renglon& renglon,
+/// The whole number of a column, whatever its type is; nothing when it holds none.
+std::optional<qint32> Entero(const BaseTerminal::Renglon& renglon, std::size_t lugar) {
+    const auto* entero = std::get_if<std::int32_t>(&renglon.AlInsertar(lugar));
+    if (entero != nullptr) return *entero;
+    const auto literal = renglon.LiteralAlInsertar(lugar, Forma::Numero);
+    bool es_entero = false;
+    const qint32 numero = literal ? literal->toInt(&es_entero) : 0;
+    return es_entero ? std::optional(numero) : std::nullopt;
+}
+
+/// The key that up to two columns are. Nothing when one of them holds no whole number.
+std::optional<quint64> ClaveDe(const BaseTerminal::Renglon& renglon,
                                const std::vector<std::size_t>& lugares) {
-    quint64 clave = 0;
-    int corrimiento = 32;
-    for (const std::size_t lugar : lugares) {
-        const auto* entero = std::get_if<std::int32_t>(&renglon.AlInsertar(lugar));
-        std::int32_t numero = entero != nullptr ? *entero : 0;
-        if (entero == nullptr) {
-            const auto literal = renglon.LiteralAlInsertar(lugar, Forma::Numero);
-            bool es_entero = false;
-            if (literal) numero = literal->toInt(&es_entero);
-            if (!es_entero) return std::nullopt;
-        }
-        clave |= quint64{static_cast<quint32>(numero)} << corrimiento;
-        corrimiento -= 32;
+    std::array<qint32, 2> partes = {};
+    for (std::size_t i = 0; i < lugares.size(); ++i) {
+        const auto parte = Entero(renglon, lugares[i]);
+        if (!parte) return std::nullopt;
+        partes[i] = *parte;
     }
-    return clave;
+    return UnirClave(partes[0], partes[1]);
 }
 
 ResultadoCierre<void> CadaRenglon(
@@ -125,11 +129,9 @@ ResultadoCierre<void> CadaRenglon(
 
 QString ClaveTexto(const DefCopia& copia, quint64 clave) {
     QStringList partes;
-    int corrimiento = 32;
-    for (const char16_t* columna : copia.clave) {
-        const auto numero = static_cast<qint32>(static_cast<quint32>(clave >> corrimiento));
-        partes << QString::fromUtf16(columna) + u'=' + QString::number(numero);
-        corrimiento -= 32;
+    for (std::size_t i = 0; i < copia.clave.size(); ++i) {
+        partes << QString::fromUtf16(copia.clave[i]) + u'=' +
+                      QString::number(ParteDeClave(clave, i));
     }
     return partes.join(u", "_s);
 }
@@ -183,6 +185,14 @@ quint64 Huella(const DefCopia& copia, const BaseTerminal::Renglon& renglon) {
 QString Lista(const QStringList& textos, qint64 cuantos) {
     const qint64 mas = cuantos - textos.size();
     return textos.join(u", "_s) + (mas > 0 ? u" y %1 más"_s.arg(mas) : QString());
+}
+
+/// The keys of a sample: "ID_Pago=5, ID_Pago=6, ID_Pago=7 y 2 más".
+QString ClavesTexto(const DefCopia& copia, const Muestra& muestra) {
+    QStringList claves;
+    for (const quint64 clave : muestra.claves)
+        claves << ClaveTexto(copia, clave);
+    return Lista(claves, muestra.cuantas);
 }
 
 class Busqueda {
@@ -258,7 +268,7 @@ ResultadoCierre<void> Busqueda::ArchivosIguales() {
     for (int t = 0; t < archivos_.size(); ++t) {
         QString sha256 = archivos_[t].sha256;
         if (sha256.isEmpty()) {
-            QUIMO_INTENTAR(sha256, Sha256DeArchivo(archivos_[t].ruta));
+            QUIMO_TRY(sha256, Sha256DeArchivo(archivos_[t].ruta));
         }
         if (!vistos.contains(sha256)) {
             vistos.insert(sha256, t);
@@ -314,16 +324,15 @@ ResultadoCierre<void> Busqueda::LeerDeTerminal(const DefCopia& copia, int termin
                 const QString dia = literal ? LeerLiteral(*literal).texto : QString();
                 if (dia != fecha_cierre_) ++fechas[dia];
             }
-            const auto clave = Empacar(renglon, columnas_clave);
+            const auto clave = ClaveDe(renglon, columnas_clave);
             // Without a key no other row has the same one; the copy itself will refuse it.
             if (!clave) return {};
             anotados_.push_back({*clave, Huella(copia, renglon), terminal});
-            const auto numero = static_cast<qint32>(static_cast<quint32>(*clave >> 32));
-            if (con_prefijo && !QString::number(numero).startsWith(prefijo)) {
+            if (con_prefijo && !QString::number(ParteDeClave(*clave, 0)).startsWith(prefijo)) {
                 sin_prefijo.Agregar(*clave);
             }
             if (madres == nullptr) return {};
-            const auto madre = Empacar(renglon, columnas_madre);
+            const auto madre = ClaveDe(renglon, columnas_madre);
             if (!madre || !std::binary_search(madres->begin(), madres->end(), *madre)) {
                 huerfanas.Agregar(*clave);
             }
@@ -367,27 +376,21 @@ void Busqueda::ContarFechas(int terminal, const QMap<QString, qint64>& fechas) {
 
 void Busqueda::ContarPrefijos(const DefCopia& copia, int terminal, const Muestra& muestra) {
     if (muestra.cuantas == 0) return;
-    QStringList claves;
-    for (const quint64 clave : muestra.claves)
-        claves << ClaveTexto(copia, clave);
     Anotar(terminal,
            u"%1 es la terminal %2, y su archivo tiene %3 cuyo número no empieza con %2: %4\n"
            u"Puede ser el archivo de otra terminal."_s.arg(
                Nombre(terminal), QString::number(archivos_[terminal].id),
                RenglonesContados(muestra.cuantas, QString::fromUtf16(copia.tabla)),
-               Lista(claves, muestra.cuantas)));
+               ClavesTexto(copia, muestra)));
 }
 
 void Busqueda::ContarHuerfanas(const DefCopia& copia, int terminal, const Muestra& muestra) {
     if (muestra.cuantas == 0) return;
-    QStringList claves;
-    for (const quint64 clave : muestra.claves)
-        claves << ClaveTexto(copia, clave);
     const QString tabla = QString::fromUtf16(copia.tabla);
     Anotar(terminal,
            u"%1 tiene %2 (tabla %3) sin su %4, que no está en ninguna terminal: %5"_s.arg(
                Nombre(terminal), RenglonesContados(muestra.cuantas, tabla), tabla,
-               QString::fromUtf16(ParentescoDe(copia.tabla)->que), Lista(claves, muestra.cuantas)));
+               QString::fromUtf16(ParentescoDe(copia.tabla)->que), ClavesTexto(copia, muestra)));
 }
 
 void Busqueda::ContarIguales() {
@@ -415,7 +418,7 @@ ResultadoCierre<QHash<quint64, QStringList>> Busqueda::Renglones(const DefCopia&
     QUIMO_TRY(const BaseTerminal base, Abrir(terminal));
     QUIMO_TRY_VOID(CadaRenglon(base, copia,
                                [&](const BaseTerminal::Renglon& renglon) -> ResultadoCierre<void> {
-                                   const auto clave = Empacar(renglon, columnas_clave);
+                                   const auto clave = ClaveDe(renglon, columnas_clave);
                                    if (clave && muestra.claves.contains(*clave)) {
                                        renglones.insert(*clave, Contenido(copia, renglon));
                                    }
@@ -428,13 +431,10 @@ ResultadoCierre<void> Busqueda::ContarDistintos(const Par& par, const Muestra& m
     const auto [copia, uno, otro] = par;
     const QString tabla = QString::fromUtf16(copia->tabla);
     if (uno == otro) {
-        QStringList claves;
-        for (const quint64 clave : muestra.claves)
-            claves << ClaveTexto(*copia, clave);
         Anotar(uno,
                u"%1 tiene %2 (tabla %3) con una clave que se repite en su archivo: %4"_s.arg(
                    Nombre(uno), RenglonesContados(muestra.cuantas, tabla), tabla,
-                   Lista(claves, muestra.cuantas)),
+                   ClavesTexto(*copia, muestra)),
                Perdida::Si);
         return {};
     }

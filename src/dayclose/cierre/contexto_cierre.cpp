@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "data/consultar.h"
 #include "dayclose/cierre/explicacion.h"
 
 using namespace Qt::StringLiterals;
@@ -72,20 +73,14 @@ bool OfrecerApartar(foundation::ClsAdo& ado, Interrupcion& fallo) {
 
 Interrupcion FalloPendiente(const foundation::ClsAdo& ado) {
     QUIMO_CHECK(ado.Pendiente().has_value());
-    return DeFallo(*ado.Pendiente());
-}
-
-ResultadoCierre<QVector<Fila>> LeerFilas(foundation::ClsAdo& ado, const QString& consulta) {
-    data::RecordsetPtr filas;
-    if (!ado.Consultar(filas, consulta)) return FalloPendiente(ado);
-    return filas->Filas();
+    return *ado.Pendiente();
 }
 
 ResultadoCierre<QVector<Terminal>> TodasLasTerminales(foundation::ClsAdo& ado) {
     QUIMO_TRY(
         const QVector<Fila> filas,
-        LeerFilas(
-            ado,
+        data::Consultar(
+            ado.Conexion(),
             u"SELECT ID_Terminal,Nombre_Terminal,ID_Menu FROM Terminal ORDER BY ID_Terminal"_s));
     QVector<Terminal> terminales;
     for (const Fila& fila : filas) {
@@ -95,7 +90,7 @@ ResultadoCierre<QVector<Terminal>> TodasLasTerminales(foundation::ClsAdo& ado) {
 }
 
 ResultadoCierre<void> RecordarOtraVez(foundation::ClsAdo& ado, CierrePendiente& cierre) {
-    QUIMO_INTENTAR(auto guardado, CierrePendiente::Leer(ado.Conexion()));
+    QUIMO_TRY(auto guardado, CierrePendiente::Leer(ado.Conexion()));
     if (!guardado || guardado->Inicio() != cierre.Inicio()) {
         return Interrupcion{Interrupcion::Motivo::Error, kErrorArchivo,
                             u"El cierre ya no está pendiente: otro programa lo terminó."_s};
@@ -106,11 +101,11 @@ ResultadoCierre<void> RecordarOtraVez(foundation::ClsAdo& ado, CierrePendiente& 
 
 ResultadoCierre<void> Apartar(foundation::ClsAdo& ado, CierrePendiente& cierre,
                               const Terminal& terminal, Apartada motivo, const QString& sha256) {
-    QUIMO_INTENTAR(auto transaccion, data::Transaccion::Iniciar(ado.Conexion()));
-    QUIMO_INTENTAR_VOID(cierre.Anotar(transaccion, terminal.id, terminal.nombre,
-                                      QString::fromUtf16(CierrePendiente::kApartada),
-                                      {static_cast<int>(motivo), sha256}));
-    QUIMO_INTENTAR_VOID(transaccion.Confirmar());
+    QUIMO_TRY(auto transaccion, data::Transaccion::Iniciar(ado.Conexion()));
+    QUIMO_TRY_VOID(cierre.Anotar(transaccion, terminal.id, terminal.nombre,
+                                 QString::fromUtf16(CierrePendiente::kApartada),
+                                 {static_cast<int>(motivo), sha256}));
+    QUIMO_TRY_VOID(transaccion.Confirmar());
     return {};
 }
 

@@ -115,9 +115,6 @@ bool OfrecerApartar(foundation::ClsAdo& ado, Interrupcion& fallo);
 /// The failure of the data-access object's last operation.
 Interrupcion FalloPendiente(const foundation::ClsAdo& ado);
 
-/// Runs a query; its rows, or why not.
-ResultadoCierre<QVector<data::Fila>> LeerFilas(foundation::ClsAdo& ado, const QString& consulta);
-
 /// Every terminal of the restaurant, active or not, by number.
 ResultadoCierre<QVector<Terminal>> TodasLasTerminales(foundation::ClsAdo& ado);
 

@@ -129,7 +129,7 @@ private:
     }
 
     ResultadoCierre<Resultado> Llevar(const QString& archivo) {
-        QUIMO_INTENTAR(const QString sha256, Sha256DeArchivo(archivo));
+        QUIMO_TRY(const QString sha256, Sha256DeArchivo(archivo));
         QUIMO_TRY_VOID(Anotar(CierrePendiente::kEnviando, sha256));
         bool cambio = false;
         QUIMO_TRY(const bool llevado, Intentar([&]() -> ResultadoArchivo<void> {
@@ -145,10 +145,10 @@ private:
     }
 
     ResultadoCierre<void> Anotar(int estado, const QString& sha256) {
-        QUIMO_INTENTAR(auto transaccion, Transaccion::Iniciar(contexto_.ado.Conexion()));
-        QUIMO_INTENTAR_VOID(cierre_.Anotar(transaccion, terminal_.id, terminal_.nombre,
-                                           EnvioMarca(), {estado, sha256}));
-        QUIMO_INTENTAR_VOID(transaccion.Confirmar());
+        QUIMO_TRY(auto transaccion, Transaccion::Iniciar(contexto_.ado.Conexion()));
+        QUIMO_TRY_VOID(cierre_.Anotar(transaccion, terminal_.id, terminal_.nombre, EnvioMarca(),
+                                      {estado, sha256}));
+        QUIMO_TRY_VOID(transaccion.Confirmar());
         return {};
     }
 
@@ -188,9 +188,8 @@ ResultadoCierre<void> EnviarTodas(ContextoCierre& contexto, CierrePendiente& cie
 Interrupcion SinReemplazo(const QString& terminal, const QString& remoto, const QString& presente) {
     // Nothing that can be read, and yet something lies there: a folder, a link to nowhere.
     if (presente.isEmpty()) {
-        Interrupcion fallo = DeFallo(FalloDeNumero(FalloArchivo::kAccesoRuta, remoto));
-        fallo.descripcion += u" (lo que hay ahí no es un archivo)"_s;
-        return fallo;
+        return FalloDeNumero(FalloArchivo::kAccesoRuta, remoto,
+                             u"lo que hay ahí no es un archivo"_s);
     }
     return {Interrupcion::Motivo::Error, FalloArchivo::kPermisoDenegado,
             u"La terminal "_s + terminal +
@@ -198,11 +197,11 @@ Interrupcion SinReemplazo(const QString& terminal, const QString& remoto, const 
 }
 
 ResultadoCierre<void> TerminarCierre(ContextoCierre& contexto, CierrePendiente& cierre) {
-    QUIMO_INTENTAR(Transaccion transaccion, Transaccion::Iniciar(contexto.ado.Conexion()));
+    QUIMO_TRY(Transaccion transaccion, Transaccion::Iniciar(contexto.ado.Conexion()));
     QUIMO_TRY_VOID(PonerFolios(contexto.ado, Folios::AlSiguiente));
     // At once with the counters: a close that goes on later must not send the new ones to the
     // terminals that are still missing.
-    QUIMO_INTENTAR_VOID(cierre.Olvidar(transaccion));
+    QUIMO_TRY_VOID(cierre.Olvidar(transaccion));
     const auto confirmado = transaccion.Confirmar();
     if (confirmado) return {};
     if (confirmado.error().numero == data::FalloSql::kConexionPerdida) {
@@ -210,7 +209,7 @@ ResultadoCierre<void> TerminarCierre(ContextoCierre& contexto, CierrePendiente& 
         const auto quedo = CierrePendiente::Leer(contexto.ado.Conexion());
         if (quedo && (!*quedo || (*quedo)->Inicio() != cierre.Inicio())) return {};
     }
-    return DeFallo(confirmado.error());
+    return confirmado.error();
 }
 
 ResultadoCierre<void> DistribuirCatalogos(ContextoCierre& contexto, CierrePendiente& cierre) {

@@ -9,6 +9,8 @@
 #include <QStringList>
 
 #include "base/decimal.h"
+#include "data/consultar.h"
+#include "data/numeros_nativos.h"
 #include "data/valores.h"
 #include "data/valores_escritos.h"
 #include "dayclose/terminales/nombres_ventas.h"
@@ -21,6 +23,7 @@ using data::Columna;
 using data::Conjunto;
 using data::SqlConnection;
 using data::TipoSql;
+namespace nativo = data::nativo;
 
 namespace {
 
@@ -97,7 +100,7 @@ QString Problema(const Columna& columna, const LiteralLeido& leido) {
 }
 
 bool EsRepetida(const data::FalloSql& fallo) {
-    return fallo.Nativo() == 2601 || fallo.Nativo() == 2627;
+    return fallo.Nativo() == nativo::kIndiceRepetido || fallo.Nativo() == nativo::kLlaveRepetida;
 }
 
 /// What stands between quotes in the server's description: it names things in a fixed order.
@@ -121,9 +124,9 @@ public:
     QStringList Lineas() {
         if (EsRepetida(renglon_.fallo)) return Repetida();
         switch (renglon_.fallo.Nativo()) {
-            case 515:
+            case nativo::kNuloNoAdmitido:
                 return SinValor();
-            case 547:
+            case nativo::kReferencia:
                 return Referencia();
             default:
                 return NoCabe();
@@ -134,11 +137,9 @@ private:
     std::optional<Conjunto> Consultar(const QString& consulta,
                                       const QVector<QVariant>& parametros = {}) {
         if (!se_puede_leer_) return std::nullopt;
-        auto respuesta = conexion_.Ejecutar(consulta, parametros);
-        if (respuesta.fallo || respuesta.resultados.isEmpty()) return std::nullopt;
-        auto conjunto = std::move(respuesta.resultados.first().conjunto);
+        auto conjunto = data::ConjuntoDe(conexion_.Ejecutar(consulta, parametros));
         if (!conjunto || conjunto->filas.isEmpty()) return std::nullopt;
-        return conjunto;
+        return std::move(conjunto).value();
     }
 
     /// The row's literal for a column; nothing when the statement did not write it.
@@ -325,19 +326,19 @@ QStringList Explicacion::NoCabe() {
     }
     if (!lineas.isEmpty()) return lineas;
     switch (renglon_.fallo.Nativo()) {
-        case 8152:
-        case 2628:
+        case nativo::kTextoCortado:
+        case nativo::kTextoCortadoConColumna:
             return {u"Un texto del renglón es demasiado largo para la base central."_s};
-        case 241:
-        case 242:
-        case 295:
-        case 296:
+        case nativo::kFechaIlegible:
+        case nativo::kFechaFueraDeRango:
+        case nativo::kFechaCortaIlegible:
+        case nativo::kFechaCortaFueraDeRango:
             return {u"Una fecha del renglón no cabe en la base central o no se entiende."_s};
-        case 220:
-        case 232:
-        case 244:
-        case 248:
-        case 8115:
+        case nativo::kDesbordeDeEntero:
+        case nativo::kDesbordeDeReal:
+        case nativo::kDesbordeDeTextoCorto:
+        case nativo::kDesbordeDeTexto:
+        case nativo::kDesbordeAlConvertir:
             return {u"Un número del renglón no cabe en la base central."_s};
         default:
             return {u"El servidor no aceptó el renglón."_s};

@@ -40,7 +40,7 @@ ResultadoCierre<QString> LeerCadena(ClsAdo& ado, const char16_t* clave) {
         return ParametroErroneo(u"Falta el parámetro "_s + QString::fromUtf16(clave) +
                                 u" en la tabla Parametros."_s);
     }
-    return DeFallo(valor.error());
+    return valor.error();
 }
 
 QString Visible(const CierrePendiente& cierre) {
@@ -58,7 +58,7 @@ ResultadoCierre<CierrePendiente> FinDeDia::Avanzar() {
     contexto_.Progreso(u"Avanzando la fecha de trabajo"_s);
     // The date moves on, the queues are emptied and the close is remembered at once: after a power
     // cut either all of it happened or nothing.
-    QUIMO_INTENTAR(auto transaccion, data::Transaccion::Iniciar(ado.Conexion()));
+    QUIMO_TRY(auto transaccion, data::Transaccion::Iniciar(ado.Conexion()));
     for (const QString& cola :
          {u"TransaccionesXTerminal"_s, u"Transacciones"_s, u"Control_Paquetes"_s}) {
         // Borrar has already told what the database refused.
@@ -78,9 +78,9 @@ ResultadoCierre<CierrePendiente> FinDeDia::Avanzar() {
                        u"ID_Parametro='FECHA_TRABAJO'"_s)) {
         return FalloPendiente(ado);
     }
-    QUIMO_INTENTAR(CierrePendiente cierre,
-                   CierrePendiente::Iniciar(transaccion, fecha, contexto_.reloj.Ahora()));
-    QUIMO_INTENTAR_VOID(transaccion.Confirmar());
+    QUIMO_TRY(CierrePendiente cierre,
+              CierrePendiente::Iniciar(transaccion, fecha, contexto_.reloj.Ahora()));
+    QUIMO_TRY_VOID(transaccion.Confirmar());
     return cierre;
 }
 
@@ -96,7 +96,7 @@ void FinDeDia::BorrarCopiasLocales() {
 
 /// Which close is run: the one that did not end, or none yet.
 ResultadoCierre<void> FinDeDia::Elegir() {
-    QUIMO_INTENTAR(cierre_, CierrePendiente::Leer(contexto_.ado.Conexion()));
+    QUIMO_TRY(cierre_, CierrePendiente::Leer(contexto_.ado.Conexion()));
     using Pendiente = OpcionesCierre::Pendiente;
     const Pendiente modo = contexto_.opciones.pendiente;
     if (!cierre_) {
@@ -241,7 +241,7 @@ ResultadoCierre<void> FinDeDia::DescartarPendiente() {
     ClsAdo& ado = contexto_.ado;
     QUIMO_TRY(const TurnoCierre turno, TurnoCierre::Tomar(ado.Conexion(), contexto_.opciones.quien,
                                                           contexto_.reloj.Ahora()));
-    QUIMO_INTENTAR(auto pendiente, CierrePendiente::Leer(ado.Conexion()));
+    QUIMO_TRY(auto pendiente, CierrePendiente::Leer(ado.Conexion()));
     if (!pendiente) return SinEmpezar(u"No hay ningún cierre pendiente"_s);
     const QString fecha = Visible(*pendiente);
     for (const QString& pregunta :
@@ -253,9 +253,9 @@ ResultadoCierre<void> FinDeDia::DescartarPendiente() {
             return SinEmpezar(u"El cierre del "_s + fecha + u" sigue pendiente."_s);
         }
     }
-    QUIMO_INTENTAR(auto transaccion, data::Transaccion::Iniciar(ado.Conexion()));
-    QUIMO_INTENTAR_VOID(pendiente->Olvidar(transaccion));
-    QUIMO_INTENTAR_VOID(transaccion.Confirmar());
+    QUIMO_TRY(auto transaccion, data::Transaccion::Iniciar(ado.Conexion()));
+    QUIMO_TRY_VOID(pendiente->Olvidar(transaccion));
+    QUIMO_TRY_VOID(transaccion.Confirmar());
     BorrarCopiasLocales();
     ado.Dialogo().Avisar(
         u"Se descartó el cierre del %1. Lo que falte de sus ventas se trae con: quimoctl cerrar "

@@ -1,5 +1,6 @@
 #include "dayclose/cierre/folios.h"
 
+#include "data/consultar.h"
 #include "data/valores.h"
 #include "foundation/parametros.h"
 
@@ -18,10 +19,10 @@ qint64 SiguienteDe(const QVector<Fila>& maximo) {
 ResultadoCierre<qint64> SiguienteFolioProductos(ClsAdo& ado, int terminal) {
     const QString prefijo = QString::number(terminal);
     QUIMO_TRY(const QVector<Fila> filas,
-              LeerFilas(ado,
-                        u"SELECT MAX(ID_ProductosXCuenta) AS ID FROM ProductosXCuenta WHERE "
-                        u"ID_ProductosXCuenta LIKE '"_s +
-                            prefijo + u"%'"_s));
+              data::Consultar(ado.Conexion(),
+                              u"SELECT MAX(ID_ProductosXCuenta) AS ID FROM ProductosXCuenta WHERE "
+                              u"ID_ProductosXCuenta LIKE '"_s +
+                                  prefijo + u"%'"_s));
     const QVariant maximo = filas.value(0).value(0);
     if (!maximo.isValid()) return 1;
     return data::TextoDeValor(maximo).mid(prefijo.size()).toLongLong() + 1;
@@ -35,7 +36,7 @@ ResultadoCierre<void> PonerFolios(ClsAdo& ado, Folios modo) {
          u"SELECT MAX(ID_Comanda) AS ID FROM Comanda"_s},
     };
     for (const auto& [parametro, consulta] : folios) {
-        QUIMO_TRY(const QVector<Fila> maximo, LeerFilas(ado, consulta));
+        QUIMO_TRY(const QVector<Fila> maximo, data::Consultar(ado.Conexion(), consulta));
         const QString siguiente = QString::number(SiguienteDe(maximo));
         QString condicion = u"ID_Parametro='"_s + parametro + u'\'';
         if (modo == Folios::SinBajar) condicion += u" AND Valor_Num<"_s + siguiente;

@@ -37,8 +37,8 @@ ResultadoCierre<bool> Reparar(foundation::ClsAdo& ado, const ArchivoVentas& arch
     if (ado.Dialogo().Preguntar(pregunta, Botones::SiNo, Icono::Exclamacion) != Respuesta::Si) {
         return false;
     }
-    QUIMO_INTENTAR(const Archivado guardada, archivo.Agregar(copia.Ruta(), fecha, terminal));
-    QUIMO_INTENTAR(const Copiado puesta, CopiarEntero(guardada.ruta, ruta));
+    QUIMO_TRY(const Archivado guardada, archivo.Agregar(copia.Ruta(), fecha, terminal));
+    QUIMO_TRY(const Copiado puesta, CopiarEntero(guardada.ruta, ruta));
     static_cast<void>(puesta);
     return true;
 }
@@ -51,7 +51,7 @@ ResultadoCierre<ArchivoContado> ContarArchivo(foundation::ClsAdo& ado, const Arc
     ArchivoContado contado;
     contado.recibido = sha256;
     if (sha256.isEmpty()) {
-        QUIMO_INTENTAR(contado.recibido, Sha256DeArchivo(ruta));
+        QUIMO_TRY(contado.recibido, Sha256DeArchivo(ruta));
     }
     auto cifras = Contar(ruta, terminal);
     if (!cifras && cifras.error().numero == kBaseDanada) {
@@ -63,7 +63,7 @@ ResultadoCierre<ArchivoContado> ContarArchivo(foundation::ClsAdo& ado, const Arc
     contado.cifras = *cifras;
     contado.sha256 = contado.recibido;
     if (contado.reparada) {
-        QUIMO_INTENTAR(contado.sha256, Sha256DeArchivo(ruta));
+        QUIMO_TRY(contado.sha256, Sha256DeArchivo(ruta));
     }
     return contado;
 }

@@ -11,10 +11,8 @@ using foundation::Icono;
 using foundation::Respuesta;
 
 Interrupcion Detenido() {
-    Interrupcion fallo;
-    fallo.motivo = Interrupcion::Motivo::Detenido;
-    fallo.descripcion = u"El cierre se detuvo porque se pidió terminar el programa."_s;
-    return fallo;
+    return {Interrupcion::Motivo::Detenido, 0,
+            u"El cierre se detuvo porque se pidió terminar el programa."_s};
 }
 
 ResultadoCierre<bool> ManejadorFallas::Esperar(const QString& terminal) {
@@ -42,8 +40,8 @@ ResultadoCierre<bool> ManejadorFallas::Decidir(const QString& terminal, const Fa
     if (!fallo.EsDeComunicacion()) {
         // A disk of our own that fails or is full is no terminal's matter: without that one it
         // stays so.
-        if (fallo.propio || fallo.numero == FalloArchivo::kDiscoLleno) return DeFallo(fallo);
-        return DeTerminal(DeFallo(fallo), terminal);
+        if (fallo.propio || fallo.numero == FalloArchivo::kDiscoLleno) return fallo;
+        return DeTerminal(fallo, terminal);
     }
     if (fase_ == Fase::Distribuir) {
         lista_ << terminal + u' ' + fallo.descripcion;

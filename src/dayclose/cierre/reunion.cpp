@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "data/consultar.h"
 #include "data/transaccion.h"
 #include "data/valores.h"
 #include "dayclose/cierre/colisiones.h"
@@ -24,8 +25,7 @@ constexpr char16_t kConciliacion[] = u"#Tmp_Conciliacion";
 constexpr char16_t kMontos[] = u"#Tmp_Conciliacion_Montos";
 
 ResultadoCierre<void> Mandar(ClsAdo& ado, const QString& sentencia) {
-    const data::RespuestaSql respuesta = ado.Conexion().Ejecutar(sentencia);
-    if (respuesta.fallo) return DeFallo(*respuesta.fallo);
+    QUIMO_TRY_VOID(data::Correr(ado.Conexion(), sentencia));
     return {};
 }
 
@@ -50,9 +50,9 @@ ResultadoCierre<void> CrearTemporales(ClsAdo& ado) {
 
 ResultadoCierre<QVector<Terminal>> TerminalesActivas(ClsAdo& ado) {
     QUIMO_TRY(const QVector<Fila> filas,
-              LeerFilas(ado,
-                        u"SELECT ID_Terminal,Nombre_Terminal FROM Terminal WHERE "
-                        u"Estado_Terminal='A'"_s));
+              data::Consultar(ado.Conexion(),
+                              u"SELECT ID_Terminal,Nombre_Terminal FROM Terminal WHERE "
+                              u"Estado_Terminal='A'"_s));
     QVector<Terminal> terminales;
     for (const Fila& fila : filas)
         terminales.append({fila[0].toInt(), fila[1].toString()});
@@ -100,16 +100,16 @@ QStringList TablasQueDifieren(const ValoresCifras& terminal, const ValoresCifras
 ResultadoCierre<void> AnotarTablas(Transaccion& transaccion, CierrePendiente& cierre,
                                    const Terminal& terminal, const ArchivoContado& contado,
                                    const QStringList& tablas) {
-    QUIMO_INTENTAR_VOID(cierre.Anotar(transaccion, terminal.id, terminal.nombre,
-                                      QString::fromUtf16(CierrePendiente::kArchivo),
-                                      {CierrePendiente::kHecho, contado.sha256}));
-    QUIMO_INTENTAR_VOID(cierre.Anotar(transaccion, terminal.id, terminal.nombre,
-                                      QString::fromUtf16(CierrePendiente::kRecibido),
-                                      {CierrePendiente::kHecho, contado.recibido}));
+    QUIMO_TRY_VOID(cierre.Anotar(transaccion, terminal.id, terminal.nombre,
+                                 QString::fromUtf16(CierrePendiente::kArchivo),
+                                 {CierrePendiente::kHecho, contado.sha256}));
+    QUIMO_TRY_VOID(cierre.Anotar(transaccion, terminal.id, terminal.nombre,
+                                 QString::fromUtf16(CierrePendiente::kRecibido),
+                                 {CierrePendiente::kHecho, contado.recibido}));
     for (const QString& tabla : tablas) {
         // What an earlier copy of this close did is counted on.
         const auto antes = cierre.De(terminal.nombre, tabla);
-        QUIMO_INTENTAR_VOID(
+        QUIMO_TRY_VOID(
             cierre.Anotar(transaccion, terminal.id, terminal.nombre, tabla,
                           {CierrePendiente::kPorHacer, antes ? antes->detalle : QString()}));
     }
@@ -207,7 +207,7 @@ namespace {
 
 ResultadoCierre<void> LeerCifra(ClsAdo& ado, ValoresCifras& valores, Cifra cifra,
                                 const QString& consulta) {
-    QUIMO_TRY(const QVector<Fila> filas, LeerFilas(ado, consulta));
+    QUIMO_TRY(const QVector<Fila> filas, data::Consultar(ado.Conexion(), consulta));
     const auto lugar = static_cast<std::size_t>(cifra);
     if (filas.isEmpty()) return {};
     valores.registros[lugar] = filas.first().value(0).toLongLong();
@@ -264,21 +264,21 @@ ResultadoCierre<void> ReunirTerminales(ContextoCierre& contexto, CierrePendiente
     QUIMO_TRY(const ValoresCifras central, CifrasCentrales(ado, cierre.Fecha()));
     // What is to be copied is settled before the first row is: the central figures change with
     // every terminal, and a close that goes on later must copy the same tables.
-    QUIMO_INTENTAR(auto transaccion, Transaccion::Iniciar(ado.Conexion()));
+    QUIMO_TRY(auto transaccion, Transaccion::Iniciar(ado.Conexion()));
     for (qsizetype i = 0; i < contados.size(); ++i) {
         const Terminal& terminal = contexto.resumen.contadas[i].terminal;
         QUIMO_TRY_VOID(AnotarTablas(transaccion, cierre, terminal, contados[i],
                                     TablasQueDifieren(contados[i].cifras, central)));
         // It was counted after all: what an earlier attempt met no longer counts.
-        QUIMO_INTENTAR_VOID(cierre.Anotar(transaccion, terminal.id, terminal.nombre,
-                                          QString::fromUtf16(CierrePendiente::kApartada),
-                                          {static_cast<int>(Apartada::No), QString()}));
-        QUIMO_INTENTAR_VOID(cierre.Anotar(transaccion, terminal.id, terminal.nombre,
-                                          QString::fromUtf16(CierrePendiente::kChoque),
-                                          {choques.contains(terminal.nombre) ? 1 : 0, QString()}));
+        QUIMO_TRY_VOID(cierre.Anotar(transaccion, terminal.id, terminal.nombre,
+                                     QString::fromUtf16(CierrePendiente::kApartada),
+                                     {static_cast<int>(Apartada::No), QString()}));
+        QUIMO_TRY_VOID(cierre.Anotar(transaccion, terminal.id, terminal.nombre,
+                                     QString::fromUtf16(CierrePendiente::kChoque),
+                                     {choques.contains(terminal.nombre) ? 1 : 0, QString()}));
     }
-    QUIMO_INTENTAR_VOID(cierre.Avanzar(transaccion, Paso::Transferir));
-    QUIMO_INTENTAR_VOID(transaccion.Confirmar());
+    QUIMO_TRY_VOID(cierre.Avanzar(transaccion, Paso::Transferir));
+    QUIMO_TRY_VOID(transaccion.Confirmar());
     return {};
 }
 
@@ -324,27 +324,27 @@ ResultadoCierre<void> RevisarCopia(ContextoCierre& contexto, CierrePendiente& ci
     if (recibido && !cierre.Conoce(terminal.nombre, recibido->sha256)) {
         contexto.resumen.avisos << u"La terminal "_s + terminal.nombre +
                                        u" siguió vendiendo: se copia también lo nuevo."_s;
-        QUIMO_INTENTAR(const Copiado copiado, CopiarEntero(recibido->ruta, local));
+        QUIMO_TRY(const Copiado copiado, CopiarEntero(recibido->ruta, local));
         QUIMO_TRY(const ArchivoContado contado,
                   ContarArchivo(contexto.ado, contexto.archivo, local, cierre.Fecha(),
                                 terminal.nombre, copiado.sha256));
-        QUIMO_INTENTAR(auto transaccion, Transaccion::Iniciar(contexto.ado.Conexion()));
+        QUIMO_TRY(auto transaccion, Transaccion::Iniciar(contexto.ado.Conexion()));
         QUIMO_TRY_VOID(AnotarTablas(transaccion, cierre, terminal, contado, TablasDeVentas()));
-        QUIMO_INTENTAR_VOID(transaccion.Confirmar());
+        QUIMO_TRY_VOID(transaccion.Confirmar());
         return {};
     }
     const auto presente = Sha256DeArchivo(local);
     if (presente && *presente == sha256) return {};
-    QUIMO_INTENTAR(const QString archivada,
-                   contexto.archivo.Buscar(cierre.Fecha(), terminal.nombre, sha256));
+    QUIMO_TRY(const QString archivada,
+              contexto.archivo.Buscar(cierre.Fecha(), terminal.nombre, sha256));
     if (archivada.isEmpty()) {
         return DeTerminal({Interrupcion::Motivo::Error, FalloArchivo::kNoEncontrado,
                            u"Ya no está la copia de la terminal "_s + terminal.nombre +
                                u" que se contó en este cierre."_s},
                           terminal.nombre);
     }
-    QUIMO_INTENTAR_VOID(CrearCarpeta(contexto.CarpetaLocal(terminal.nombre)));
-    QUIMO_INTENTAR(const Copiado repuesta, CopiarEntero(archivada, local));
+    QUIMO_TRY_VOID(CrearCarpeta(contexto.CarpetaLocal(terminal.nombre)));
+    QUIMO_TRY(const Copiado repuesta, CopiarEntero(archivada, local));
     static_cast<void>(repuesta);
     return {};
 }

@@ -50,7 +50,7 @@ ResultadoCierre<QString> FechaDeArchivo(ClsAdo& ado, const QString& ruta,
         if (suyos && foundation::EsFechaTrabajo(suyos->fecha_trabajo)) return suyos->fecha_trabajo;
     }
     auto actual = foundation::Parametros(ado).Cadena(foundation::parametro::kFechaTrabajo);
-    if (!actual) return DeFallo(actual.error());
+    if (!actual) return actual.error();
     return *std::move(actual);
 }
 
@@ -67,7 +67,7 @@ TrabajoTerminal::TrabajoTerminal(ClsAdo& ado, TerminalShare& share, const data::
     : contexto_(ContextoCierre::De(ado, share, reloj, carpeta, opciones)) {}
 
 ResultadoCierre<Terminal> TrabajoTerminal::Preparar(const QString& terminal) {
-    QUIMO_INTENTAR(const auto pendiente, CierrePendiente::Leer(contexto_.ado.Conexion()));
+    QUIMO_TRY(const auto pendiente, CierrePendiente::Leer(contexto_.ado.Conexion()));
     if (pendiente) {
         return Rechazo(u"El cierre del "_s + foundation::FechaTrabajoVisible(pendiente->Fecha()) +
                        u" está pendiente. Continúelo o descártelo antes."_s);
@@ -132,12 +132,12 @@ ResultadoCierre<void> TrabajoTerminal::Copiar(const Terminal& terminal, const Ba
                                               const OpcionesCopia& opciones) {
     FallaCopia falla;
     {
-        QUIMO_INTENTAR(auto transaccion, Transaccion::Iniciar(contexto_.ado.Conexion()));
+        QUIMO_TRY(auto transaccion, Transaccion::Iniciar(contexto_.ado.Conexion()));
         auto copiadas = CopiarTerminal(contexto_.ado, base, opciones);
         if (copiadas) {
             traida_->copiadas = *std::move(copiadas);
             QUIMO_TRY_VOID(PonerFolios(contexto_.ado, Folios::SinBajar));
-            QUIMO_INTENTAR_VOID(transaccion.Confirmar());
+            QUIMO_TRY_VOID(transaccion.Confirmar());
             return {};
         }
         falla = std::move(copiadas).error();
@@ -151,8 +151,7 @@ ResultadoCierre<void> TrabajoTerminal::Incorporar(const Terminal& terminal, cons
     QUIMO_TRY(const QString fecha, FechaDeArchivo(ado, ruta, terminal));
     traida_ = ResumenTraida();
     traida_->terminal = terminal.nombre;
-    QUIMO_INTENTAR(const Archivado archivado,
-                   contexto_.archivo.Agregar(ruta, fecha, terminal.nombre));
+    QUIMO_TRY(const Archivado archivado, contexto_.archivo.Agregar(ruta, fecha, terminal.nombre));
     traida_->archivo = archivado.ruta;
     QUIMO_TRY(const ArchivoContado contado,
               ContarArchivo(ado, contexto_.archivo, ruta, fecha, terminal.nombre));
@@ -178,9 +177,9 @@ ResultadoCierre<void> TrabajoTerminal::CorrerTraer(const QString& archivo,
     QUIMO_TRY(const Terminal esta, Preparar(terminal));
     if (!QFileInfo(archivo).isFile()) return Rechazo(u"No existe el archivo "_s + archivo);
     const foundation::PunteroOcupado ocupado(contexto_.ado.Dialogo());
-    QUIMO_INTENTAR_VOID(CrearCarpeta(contexto_.CarpetaLocal(esta.nombre)));
+    QUIMO_TRY_VOID(CrearCarpeta(contexto_.CarpetaLocal(esta.nombre)));
     const ArchivoTemporal trabajo(contexto_.CarpetaLocal(esta.nombre) + u"/traido.mdb"_s);
-    QUIMO_INTENTAR(const Copiado copiado, CopiarEntero(archivo, trabajo.Ruta()));
+    QUIMO_TRY(const Copiado copiado, CopiarEntero(archivo, trabajo.Ruta()));
     static_cast<void>(copiado);
     return Incorporar(esta, trabajo.Ruta());
 }
@@ -242,10 +241,10 @@ ResultadoCierre<void> TrabajoTerminal::CorrerEnviar(const QString& terminal) {
     }
     auto directorio =
         foundation::Parametros(ado).Cadena(foundation::parametro::kDirectorioTerminal);
-    if (!directorio) return DeFallo(directorio.error());
+    if (!directorio) return directorio.error();
     contexto_.directorio = *std::move(directorio);
     const foundation::PunteroOcupado ocupado(ado.Dialogo());
-    QUIMO_INTENTAR_VOID(CrearCarpeta(contexto_.CarpetaLocal(esta.nombre)));
+    QUIMO_TRY_VOID(CrearCarpeta(contexto_.CarpetaLocal(esta.nombre)));
     contexto_.fallas.Entrar(ManejadorFallas::Fase::Distribuir);
     contexto_.Progreso(u"Enviando catálogos a "_s + esta.nombre);
     for (int vuelta = 0; vuelta < kVueltasMax; ++vuelta) {

@@ -7,6 +7,7 @@
 #include "data/transaccion.h"
 #include "dayclose/cierre/busqueda_central.h"
 #include "dayclose/cierre/comparacion_terminal.h"
+#include "dayclose/cierre/manejador_fallas.h"
 
 using namespace Qt::StringLiterals;
 
@@ -95,7 +96,7 @@ private:
 
     ResultadoCierre<void> Grupo(const BusquedaCentral::Grupo& grupo) {
         if (opciones_.detener && opciones_.detener()) {
-            return Interrupcion{Interrupcion::Motivo::Detenido};
+            return Detenido();
         }
         const bool por_contenido = opciones_.presentes == OpcionesCopia::Presentes::PasarIguales;
         QUIMO_TRY(const std::vector<Destino> destinos,
@@ -200,7 +201,7 @@ private:
         const bool por_la_fila =
             fallo.numero == FalloSql::kIntegridad || fallo.numero == FalloSql::kSentencia;
         auto condicion = busqueda_.Condicion(renglon);
-        if (!por_la_fila || !condicion) return DeFallo(fallo);
+        if (!por_la_fila || !condicion) return fallo;
         RenglonRechazado rechazado{base_.Terminal(), copiada_.tabla, {}, *condicion, fallo};
         const bool insertar = clase == Cambio::Clase::Insertar;
         const auto campos = insertar ? copia_.al_insertar : copia_.al_modificar;
@@ -210,7 +211,7 @@ private:
             rechazado.valores.append({QString::fromUtf16(campos[i].columna), *valor});
         }
         rechazado_ = std::move(rechazado);
-        return DeFallo(fallo);
+        return fallo;
     }
 
     ClsAdo& ado_;
@@ -220,7 +221,7 @@ private:
     BusquedaCentral busqueda_;
     ComparadorDeFilas comparador_;
     QString columnas_;
-    QHash<qint64, QString> anteriores_;  // what the earlier files say, by key
+    QHash<quint64, QString> anteriores_;  // what the earlier files say, by key
     std::optional<RenglonRechazado> rechazado_;
     TablaCopiada copiada_;
 };

@@ -23,8 +23,8 @@ ResultadoCierre<QVector<CopiaAnterior>> Anteriores(const ContextoCierre& context
     QVector<CopiaAnterior> anteriores;
     for (const VersionCopiada& version : cierre.Versiones(terminal)) {
         if (version.tablas.isEmpty()) continue;
-        QUIMO_INTENTAR(const QString ruta,
-                       contexto.archivo.Buscar(cierre.Fecha(), terminal, version.sha256));
+        QUIMO_TRY(const QString ruta,
+                  contexto.archivo.Buscar(cierre.Fecha(), terminal, version.sha256));
         if (!ruta.isEmpty()) anteriores.append({ruta, version.tablas});
     }
     return anteriores;
@@ -41,11 +41,11 @@ ResultadoCierre<void> AnotarCopias(Transaccion& transaccion, CierrePendiente& ci
         suma.insertadas += copiada.insertadas;
         suma.modificadas += copiada.modificadas;
         suma.iguales += copiada.iguales;
-        QUIMO_INTENTAR_VOID(cierre.Anotar(transaccion, terminal.id, terminal.nombre, copiada.tabla,
-                                          {CierrePendiente::kHecho, DetalleDeCopia(suma)}));
+        QUIMO_TRY_VOID(cierre.Anotar(transaccion, terminal.id, terminal.nombre, copiada.tabla,
+                                     {CierrePendiente::kHecho, DetalleDeCopia(suma)}));
         version.tablas << copiada.tabla;
     }
-    QUIMO_INTENTAR_VOID(cierre.AnotarVersion(transaccion, terminal.id, terminal.nombre, version));
+    QUIMO_TRY_VOID(cierre.AnotarVersion(transaccion, terminal.id, terminal.nombre, version));
     return {};
 }
 
@@ -63,11 +63,11 @@ ResultadoCierre<void> CopiarArchivo(ContextoCierre& contexto, CierrePendiente& c
     QUIMO_TRY(opciones.anteriores, Anteriores(contexto, cierre, terminal.nombre));
     FallaCopia falla;
     {
-        QUIMO_INTENTAR(auto transaccion, Transaccion::Iniciar(contexto.ado.Conexion()));
+        QUIMO_TRY(auto transaccion, Transaccion::Iniciar(contexto.ado.Conexion()));
         auto copiadas = CopiarTerminal(contexto.ado, *abierta, opciones);
         if (copiadas) {
             QUIMO_TRY_VOID(AnotarCopias(transaccion, cierre, terminal, sha256, *copiadas));
-            QUIMO_INTENTAR_VOID(transaccion.Confirmar());
+            QUIMO_TRY_VOID(transaccion.Confirmar());
             return {};
         }
         falla = std::move(copiadas).error();
@@ -137,7 +137,6 @@ TablaCopiada CopiaDeDetalle(const QString& terminal, const QString& tabla, const
 Interrupcion ExplicarFalla(data::SqlConnection& conexion, FallaCopia falla,
                            const QString& terminal) {
     Interrupcion fallo = std::move(falla.interrupcion);
-    if (fallo.motivo == Interrupcion::Motivo::Detenido) return Detenido();
     if (!falla.renglon) {
         // What its file cannot give is the terminal's; what the database did not do is nobody's.
         return EsDelArchivo(fallo.numero) ? DeTerminal(std::move(fallo), terminal) : fallo;
@@ -166,38 +165,38 @@ ResultadoCierre<void> TransferirVentas(ContextoCierre& contexto, CierrePendiente
         QUIMO_TRY_VOID(
             Apartar(contexto.ado, cierre, terminal, Apartada::Omitida, contada->detalle));
     }
-    QUIMO_INTENTAR(auto transaccion, Transaccion::Iniciar(contexto.ado.Conexion()));
-    QUIMO_INTENTAR_VOID(cierre.Avanzar(transaccion, Paso::Distribuir));
-    QUIMO_INTENTAR_VOID(transaccion.Confirmar());
+    QUIMO_TRY(auto transaccion, Transaccion::Iniciar(contexto.ado.Conexion()));
+    QUIMO_TRY_VOID(cierre.Avanzar(transaccion, Paso::Distribuir));
+    QUIMO_TRY_VOID(transaccion.Confirmar());
     return {};
 }
 
 ResultadoCierre<void> CopiarVersionNueva(ContextoCierre& contexto, CierrePendiente& cierre,
                                          const Terminal& terminal, const QString& ruta) {
     const QString local = contexto.CopiaLocal(terminal.nombre);
-    QUIMO_INTENTAR_VOID(CrearCarpeta(contexto.CarpetaLocal(terminal.nombre)));
-    QUIMO_INTENTAR(const Copiado copiado, CopiarEntero(ruta, local));
+    QUIMO_TRY_VOID(CrearCarpeta(contexto.CarpetaLocal(terminal.nombre)));
+    QUIMO_TRY(const Copiado copiado, CopiarEntero(ruta, local));
     QUIMO_TRY(const ArchivoContado contado,
               ContarArchivo(contexto.ado, contexto.archivo, local, cierre.Fecha(), terminal.nombre,
                             copiado.sha256));
     QUIMO_TRY_VOID(
         CopiarArchivo(contexto, cierre, terminal, local, contado.sha256, TablasDeVentas()));
     QUIMO_TRY(const bool del_dia, EsDelDia(local, terminal.nombre, cierre.Fecha()));
-    QUIMO_INTENTAR(auto transaccion, Transaccion::Iniciar(contexto.ado.Conexion()));
+    QUIMO_TRY(auto transaccion, Transaccion::Iniciar(contexto.ado.Conexion()));
     // A damaged original is known from now on, as well as the copy that was made of it.
     if (contado.reparada) {
-        QUIMO_INTENTAR_VOID(cierre.AnotarVersion(transaccion, terminal.id, terminal.nombre,
-                                                 {contado.recibido, {}}));
+        QUIMO_TRY_VOID(cierre.AnotarVersion(transaccion, terminal.id, terminal.nombre,
+                                            {contado.recibido, {}}));
     }
     if (del_dia) {
-        QUIMO_INTENTAR_VOID(cierre.Anotar(transaccion, terminal.id, terminal.nombre,
-                                          QString::fromUtf16(CierrePendiente::kArchivo),
-                                          {CierrePendiente::kHecho, contado.sha256}));
+        QUIMO_TRY_VOID(cierre.Anotar(transaccion, terminal.id, terminal.nombre,
+                                     QString::fromUtf16(CierrePendiente::kArchivo),
+                                     {CierrePendiente::kHecho, contado.sha256}));
     }
-    QUIMO_INTENTAR_VOID(cierre.Anotar(transaccion, terminal.id, terminal.nombre,
-                                      QString::fromUtf16(CierrePendiente::kApartada),
-                                      {static_cast<int>(Apartada::No), QString()}));
-    QUIMO_INTENTAR_VOID(transaccion.Confirmar());
+    QUIMO_TRY_VOID(cierre.Anotar(transaccion, terminal.id, terminal.nombre,
+                                 QString::fromUtf16(CierrePendiente::kApartada),
+                                 {static_cast<int>(Apartada::No), QString()}));
+    QUIMO_TRY_VOID(transaccion.Confirmar());
     if (!del_dia) return {};
     auto& contadas = contexto.resumen.contadas;
     contadas.removeIf(

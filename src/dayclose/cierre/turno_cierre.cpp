@@ -32,7 +32,7 @@ Interrupcion Ocupado(const DuenoCandado& dueno) {
 
 ResultadoCierre<TurnoCierre> TurnoCierre::Tomar(data::SqlConnection& conexion, const QString& quien,
                                                 const QDateTime& ahora) {
-    QUIMO_INTENTAR(auto tomado, Candado::Tomar(conexion, Nombre(), quien, ahora));
+    QUIMO_TRY(auto tomado, Candado::Tomar(conexion, Nombre(), quien, ahora));
     if (const auto* dueno = std::get_if<DuenoCandado>(&tomado)) return Ocupado(*dueno);
     return TurnoCierre(std::get<Candado>(std::move(tomado)), ahora);
 }

@@ -120,12 +120,8 @@ ResultadoCierre<QString> LiteralDeTerminal(const jet::Valor& valor, Forma forma)
 ResultadoCierre<BaseTerminal> BaseTerminal::Abrir(const QString& archivo, const QString& terminal) {
     auto abierta = jet::BaseDatos::Abrir(archivo.toStdString());
     if (!abierta) {
-        Interrupcion fallo =
-            DeFallo(abierta.error(), u"Base de datos de la terminal "_s + terminal);
-        if (abierta.error().codigo == base::Error::Codigo::NoEncontrado) {
-            fallo.numero = FalloArchivo::kNoEncontrado;
-        }
-        return fallo;
+        return DeFallo(abierta.error(), u"Base de datos de la terminal "_s + terminal,
+                       Buscado::Archivo);
     }
     return BaseTerminal(std::move(abierta).value(), terminal);
 }
@@ -141,10 +137,8 @@ ResultadoCierre<jet::Tabla> BaseTerminal::Tabla(const char16_t* nombre) const {
 ResultadoCierre<std::size_t> BaseTerminal::Columna(const jet::Tabla& tabla,
                                                    const char16_t* nombre) const {
     auto columna = tabla.Columna(Nombre(nombre));
-    if (columna) return *columna;
-    Interrupcion fallo = DeFallo(columna.error(), Sobre());
-    fallo.numero = kColumnaAusente;
-    return fallo;
+    if (!columna) return DeFallo(columna.error(), Sobre(), Buscado::Columna);
+    return *columna;
 }
 
 ResultadoCierre<void> BaseTerminal::Verificar() const {
@@ -221,13 +215,11 @@ struct BaseTerminal::Renglon::Lugares {
 
     ResultadoCierre<void> Agregar(QString& literal, const jet::Fila& fila, std::size_t lugar,
                                   const char16_t* columna, Forma forma) const {
-        auto agregado = AgregarLiteral(literal, fila[lugar], forma);
+        const auto agregado = AgregarLiteral(literal, fila[lugar], forma);
         if (agregado) return {};
-        Interrupcion fallo = std::move(agregado).error();
-        fallo.descripcion = sobre + u": tabla "_s + QString::fromUtf16(copia->tabla) + Llave(fila) +
-                            u", columna "_s + QString::fromUtf16(columna) + u": "_s +
-                            fallo.descripcion;
-        return fallo;
+        return ValorInservible(sobre + u": tabla "_s + QString::fromUtf16(copia->tabla) +
+                               Llave(fila) + u", columna "_s + QString::fromUtf16(columna) +
+                               u": "_s + agregado.error().descripcion);
     }
 
     ResultadoCierre<QString> Literal(const jet::Fila& fila, std::size_t lugar,

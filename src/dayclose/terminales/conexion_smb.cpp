@@ -55,9 +55,7 @@ FalloArchivo FalloDeSmb(int error, const QString& ruta) {
         default:
             break;
     }
-    FalloArchivo fallo = FalloDeNumero(numero, ruta);
-    fallo.descripcion += u" ("_s + motivo + u')';
-    return fallo;
+    return FalloDeNumero(numero, ruta, motivo);
 }
 
 bool EsNombreDeRed(const QString& nombre) {
@@ -141,9 +139,8 @@ ConexionSmb::~ConexionSmb() {
 ResultadoArchivo<std::unique_ptr<ConexionSmb>> ConexionSmb::Abrir(const RutaRed& ruta,
                                                                   const AccesoRed& acceso) {
     if (BibliotecaSmb::Cargar() == nullptr) {
-        FalloArchivo fallo = FalloDeNumero(FalloArchivo::kErrorDispositivo, ruta.Texto());
-        fallo.descripcion += u" (en este equipo falta la biblioteca libsmbclient)"_s;
-        return fallo;
+        return FalloDeNumero(FalloArchivo::kErrorDispositivo, ruta.Texto(),
+                             u"en este equipo falta la biblioteca libsmbclient"_s);
     }
     QUIMO_TRY(const QString direccion, LocalizarEquipo(ruta.equipo, acceso, ruta.Texto()));
     std::unique_ptr<ConexionSmb> conexion(new ConexionSmb(direccion, acceso));

@@ -85,9 +85,7 @@ int Tocar(const in_addr& direccion, quint16 puerto, const QDeadlineTimer& plazo)
 }
 
 FalloArchivo Inalcanzable(const QString& ruta, const QString& motivo) {
-    FalloArchivo fallo = FalloDeNumero(FalloArchivo::kNombreIncorrecto, ruta);
-    fallo.descripcion += u" ("_s + motivo + u')';
-    return fallo;
+    return FalloDeNumero(FalloArchivo::kNombreIncorrecto, ruta, motivo);
 }
 
 }  // namespace

@@ -1,40 +1,45 @@
 #include "dayclose/terminales/fallo_archivo.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <iterator>
 
 using namespace Qt::StringLiterals;
 
 namespace quimo::dayclose {
 
+namespace {
+
+struct TextoDeFallo {
+    int numero;
+    const char16_t* texto;
+};
+
+constexpr TextoDeFallo kTextos[] = {
+    {FalloArchivo::kNombreIncorrecto, u"Nombre o número de archivo incorrecto"},
+    {FalloArchivo::kNoEncontrado, u"No se encontró el archivo"},
+    {FalloArchivo::kDiscoLleno, u"Disco lleno"},
+    {FalloArchivo::kPermisoDenegado, u"Permiso denegado"},
+    {FalloArchivo::kAccesoRuta, u"Error de acceso a la ruta o al archivo"},
+    {FalloArchivo::kRutaNoEncontrada, u"No se encontró la ruta de acceso"},
+    {FalloArchivo::kCambiado, u"El archivo cambió después de guardarse y no se reemplazó"},
+};
+constexpr TextoDeFallo kOtro = {FalloArchivo::kErrorDispositivo, u"Error de E/S en el dispositivo"};
+
+}  // namespace
+
 FalloArchivo FalloDeNumero(int numero, const QString& ruta) {
-    QString texto;
-    switch (numero) {
-        case FalloArchivo::kNombreIncorrecto:
-            texto = u"Nombre o número de archivo incorrecto"_s;
-            break;
-        case FalloArchivo::kNoEncontrado:
-            texto = u"No se encontró el archivo"_s;
-            break;
-        case FalloArchivo::kDiscoLleno:
-            texto = u"Disco lleno"_s;
-            break;
-        case FalloArchivo::kPermisoDenegado:
-            texto = u"Permiso denegado"_s;
-            break;
-        case FalloArchivo::kAccesoRuta:
-            texto = u"Error de acceso a la ruta o al archivo"_s;
-            break;
-        case FalloArchivo::kRutaNoEncontrada:
-            texto = u"No se encontró la ruta de acceso"_s;
-            break;
-        case FalloArchivo::kCambiado:
-            texto = u"El archivo cambió después de guardarse y no se reemplazó"_s;
-            break;
-        default:
-            texto = u"Error de E/S en el dispositivo"_s;
-            break;
-    }
-    return {numero, texto + u": "_s + ruta, false};
+    const auto* hallado =
+        std::find_if(std::begin(kTextos), std::end(kTextos),
+                     [&](const TextoDeFallo& texto) { return texto.numero == numero; });
+    const TextoDeFallo& cual = hallado == std::end(kTextos) ? kOtro : *hallado;
+    return {numero, QString::fromUtf16(cual.texto) + u": "_s + ruta, false};
+}
+
+FalloArchivo FalloDeNumero(int numero, const QString& ruta, const QString& motivo) {
+    FalloArchivo fallo = FalloDeNumero(numero, ruta);
+    fallo.descripcion += u" ("_s + motivo + u')';
+    return fallo;
 }
 
 FalloArchivo FalloDeErrno(int error, const QString& ruta) {

@@ -30,6 +30,8 @@ struct FalloArchivo {
 
 /// The failure for a number, with its usual description and the path it happened at.
 FalloArchivo FalloDeNumero(int numero, const QString& ruta);
+/// The same with what is known beyond that, in parentheses.
+FalloArchivo FalloDeNumero(int numero, const QString& ruta, const QString& motivo);
 
 /// The failure for an errno of the system.
 FalloArchivo FalloDeErrno(int error, const QString& ruta);

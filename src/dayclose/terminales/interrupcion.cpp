@@ -4,7 +4,23 @@ using namespace Qt::StringLiterals;
 
 namespace quimo::dayclose {
 
-Interrupcion DeFallo(const base::Error& error, const QString& sobre) {
+namespace {
+
+qint64 NumeroDeAusente(Buscado buscado) {
+    switch (buscado) {
+        case Buscado::Archivo:
+            return FalloArchivo::kNoEncontrado;
+        case Buscado::Columna:
+            return kColumnaAusente;
+        case Buscado::Tabla:
+            break;
+    }
+    return kTablaAusente;
+}
+
+}  // namespace
+
+Interrupcion DeFallo(const base::Error& error, const QString& sobre, Buscado buscado) {
     qint64 numero = kErrorArchivo;
     switch (error.codigo) {
         case base::Error::Codigo::Formato:
@@ -14,7 +30,7 @@ Interrupcion DeFallo(const base::Error& error, const QString& sobre) {
             numero = kBaseNoSoportada;
             break;
         case base::Error::Codigo::NoEncontrado:
-            numero = kTablaAusente;
+            numero = NumeroDeAusente(buscado);
             break;
         case base::Error::Codigo::Restriccion:
             numero = kClaveRepetida;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <utility>
+
 #include <QString>
 
 #include "base/result.h"
@@ -8,7 +10,8 @@
 
 namespace quimo::dayclose {
 
-/// Why a close did not reach its end. Nothing that was done is undone.
+/// Why a close, or any other work with the terminals' files, did not reach its end. Nothing that
+/// was done is undone.
 struct Interrupcion {
     enum class Motivo {
         Abortado,    ///< the user chose to
@@ -16,6 +19,19 @@ struct Interrupcion {
         Detenido,    ///< the program was told to end
         SinEmpezar,  ///< there was nothing to do, or somebody else is at it: nothing was changed
     };
+
+    Interrupcion() = default;
+    explicit Interrupcion(Motivo por_que) : motivo(por_que) {}
+    Interrupcion(Motivo por_que, qint64 cual, QString que)
+        : motivo(por_que), numero(cual), descripcion(std::move(que)) {}
+    /// What the database or the system refused, so that QUIMO_TRY passes it on.
+    // NOLINTNEXTLINE(google-explicit-constructor)
+    Interrupcion(const data::FalloSql& fallo)
+        : Interrupcion(Motivo::Error, fallo.numero, fallo.Descripcion()) {}
+    // NOLINTNEXTLINE(google-explicit-constructor)
+    Interrupcion(const FalloArchivo& fallo)
+        : Interrupcion(Motivo::Error, fallo.numero, fallo.descripcion) {}
+
     Motivo motivo = Motivo::Error;
     qint64 numero = 0;
     QString descripcion = {};
@@ -39,14 +55,12 @@ enum NumeroPropio : qint64 {
     kParametroErroneo = 5,    ///< a parameter has no usable value
 };
 
-inline Interrupcion DeFallo(const data::FalloSql& fallo) {
-    return {Interrupcion::Motivo::Error, fallo.numero, fallo.Descripcion()};
-}
-inline Interrupcion DeFallo(const FalloArchivo& fallo) {
-    return {Interrupcion::Motivo::Error, fallo.numero, fallo.descripcion};
-}
+/// What was looked for in a terminal's file when it is not there.
+enum class Buscado { Archivo, Tabla, Columna };
+
 /// For errors of terminal files, told with the file or terminal they are about.
-Interrupcion DeFallo(const base::Error& error, const QString& sobre);
+Interrupcion DeFallo(const base::Error& error, const QString& sobre,
+                     Buscado buscado = Buscado::Tabla);
 
 /// The same failure, known to be about one terminal.
 inline Interrupcion DeTerminal(Interrupcion fallo, const QString& terminal) {
@@ -55,15 +69,3 @@ inline Interrupcion DeTerminal(Interrupcion fallo, const QString& terminal) {
 }
 
 }  // namespace quimo::dayclose
-/// QUIMO_INTENTAR(const int n, Leer()); declares n, or returns the failure as an Interrupcion.
-#define QUIMO_INTENTAR(declaracion, ...)                                           \
-    auto QUIMO_UNIR(intento_, __LINE__) = (__VA_ARGS__);                           \
-    if (!QUIMO_UNIR(intento_, __LINE__))                                           \
-        return ::quimo::dayclose::DeFallo(QUIMO_UNIR(intento_, __LINE__).error()); \
-    declaracion = std::move(QUIMO_UNIR(intento_, __LINE__)).value()
-
-#define QUIMO_INTENTAR_VOID(...)                                                          \
-    do {                                                                                  \
-        auto intento_interno = (__VA_ARGS__);                                             \
-        if (!intento_interno) return ::quimo::dayclose::DeFallo(intento_interno.error()); \
-    } while (false)

@@ -86,9 +86,8 @@ ResultadoArchivo<void> Escribir(ConexionSmb& conexion, const QString& local, con
     }
     QUIMO_TRY(const auto escrito, conexion.Mirar(ruta));
     if (escrito && escrito->bytes == bytes) return {};
-    FalloArchivo fallo = FalloDeNumero(FalloArchivo::kAccesoRuta, ruta.Texto());
-    fallo.descripcion += u" (el equipo no guardó el archivo entero)"_s;
-    return fallo;
+    return FalloDeNumero(FalloArchivo::kAccesoRuta, ruta.Texto(),
+                         u"el equipo no guardó el archivo entero"_s);
 }
 
 /// Puts the new file in the place of the expected one.

@@ -85,7 +85,7 @@ protected:
 const QString kSuspendido = u"Usuario suspendido, contacte al administrador"_s;
 const QString kInvalida = u"[x] Login|¡Contraseña invalida!"_s;
 
-TEST_F(LoginTest, EachRefusalHasItsMessageAndLeavesTheCounterAlone) {
+TEST_F(LoginTest, CadaRechazoTieneSuMensajeYNoTocaElContador) {
     const QString inexistente = u"[x] Login|¡Usuario inexistente ó contraseña invalida!"_s;
     const QString incorrecto = u"[i] |El usuario es incorrecto, intente de nuevo"_s;
     struct Caso {
@@ -113,7 +113,7 @@ TEST_F(LoginTest, EachRefusalHasItsMessageAndLeavesTheCounterAlone) {
     EXPECT_EQ(Valor(u"Estado_Empleado"_s, u"ana"_s), u"A"_s);
 }
 
-TEST_F(LoginTest, TheRightPasswordInAnyCaseEntersAndClearsTheCounter) {
+TEST_F(LoginTest, LaContrasenaBuenaEntraSinMayusculasYBorraElContador) {
     EXPECT_EQ(Probar(u"ana"_s, u"sECRETO"_s), u"E"_s);
     EXPECT_TRUE(dialogos_.Mostrados().isEmpty());
     EXPECT_EQ(Valor(u"Intentos"_s, u"ana"_s), u"0"_s);
@@ -125,7 +125,7 @@ TEST_F(LoginTest, TheRightPasswordInAnyCaseEntersAndClearsTheCounter) {
     EXPECT_EQ(login_.Sesion().id_empleado, 7);
 }
 
-TEST_F(LoginTest, TheFifthWrongPasswordSuspends) {
+TEST_F(LoginTest, LaQuintaContrasenaMalaSuspende) {
     ASSERT_EQ(Probar(u"ana"_s, u"Secreto"_s), u"E"_s);
     for (int vez = 1; vez <= 4; ++vez) {
         EXPECT_EQ(Probar(u"ana"_s, u"otra"_s), u"cC"_s);
@@ -141,7 +141,7 @@ TEST_F(LoginTest, TheFifthWrongPasswordSuspends) {
     EXPECT_EQ(Valor(u"Intentos"_s, u"ana"_s), u"5"_s);
 }
 
-TEST_F(LoginTest, WhatIsNotAPasswordIsNeverRight) {
+TEST_F(LoginTest, LoQueNoEsContrasenaNuncaEsBuena) {
     for (const QString& usuario : {u"nueva"_s, u"mala"_s}) {
         for (const QString& contrasena : {QString(), u"###"_s})
             EXPECT_EQ(Probar(usuario, contrasena), u"cC"_s) << usuario.toStdString();
@@ -149,14 +149,14 @@ TEST_F(LoginTest, WhatIsNotAPasswordIsNeverRight) {
     }
 }
 
-TEST_F(LoginTest, WithoutAKeyNothingIsTried) {
+TEST_F(LoginTest, SinClaveNoSeIntentaNada) {
     cifrado_.hay_clave = false;
     EXPECT_EQ(Probar(u"ana"_s, u"otra"_s), QString());
     EXPECT_EQ(dialogos_.Mostrados(), QStringList{u"[x] Login|Falta la clave"_s});
     EXPECT_EQ(Valor(u"Intentos"_s, u"ana"_s), u"2"_s);
 }
 
-TEST_F(LoginTest, ACounterThatCannotBeWrittenIsTold) {
+TEST_F(LoginTest, ElContadorQueNoSePuedeEscribirSeDice) {
     ASSERT_FALSE(
         ado_.Conexion()
             .Ejecutar(u"ALTER TABLE Empleado ADD CONSTRAINT CK_Prueba CHECK (Intentos<4)"_s)
@@ -167,7 +167,7 @@ TEST_F(LoginTest, ACounterThatCannotBeWrittenIsTold) {
     EXPECT_EQ(Valor(u"Intentos"_s, u"ana"_s), u"3"_s);
 }
 
-TEST_F(LoginTest, ADatabaseWithoutTablesLetsNobodyInAndTheLogTellsWhy) {
+TEST_F(LoginTest, UnaBaseSinTablasNoDejaEntrarYLaBitacoraDicePorQue) {
     QString servidor = u"embebido"_s;
     QString archivo = carpeta_.filePath(u"vacia.db"_s);
     QString nadie;
@@ -178,7 +178,7 @@ TEST_F(LoginTest, ADatabaseWithoutTablesLetsNobodyInAndTheLogTellsWhy) {
     EXPECT_TRUE(log.readAll().contains("Empleado"));
 }
 
-TEST_F(LoginTest, RightsComeFromAllGroupsAndOnlyActiveOnesCount) {
+TEST_F(LoginTest, LosPermisosVienenDeTodosLosGruposYSoloCuentanLosActivos) {
     for (const char16_t* sentencia : {u"INSERT INTO Grupo_Trabajo VALUES (1,'Uno')",
                                       u"INSERT INTO Grupo_Trabajo VALUES (2,'Dos')",
                                       u"INSERT INTO Permisos VALUES (1,'SUBMENU',1)",

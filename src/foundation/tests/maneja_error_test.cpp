@@ -95,12 +95,13 @@ struct CasoError {
     bool sin_servidor = false;
 };
 
+const QString kConflicto = kPrefijo +
+                           u"DELETE statement conflicted with COLUMN REFERENCE constraint 'FK_P'. "
+                           u"The conflict occurred in "
+                           u"database 'c', table 'Productos', column 'ID_Categoria'."_s;
+const QString kPerdida = u"Se perdio la conexión con el servidor"_s;
+
 QVector<CasoError> Casos() {
-    const QString conflicto =
-        kPrefijo +
-        u"DELETE statement conflicted with COLUMN REFERENCE constraint 'FK_P'. The conflict "
-        u"occurred in database 'c', table 'Productos', column 'ID_Categoria'."_s;
-    const QString perdida = u"Se perdio la conexión con el servidor"_s;
     return {
         {"sin registro", Nativo(3021, 0, u"d"_s), {u"[i] |no hay registros"_s}, {}},
         {"propio", Nativo(1, 0, u"texto"_s), {u"[-] |texto"_s}, {}},
@@ -116,8 +117,8 @@ QVector<CasoError> Casos() {
          {u"No hay registros|ClsRdo_Error|d|"_s}},
         {"perdida",
          Nativo(data::FalloSql::kConexionPerdida, 0, u"d"_s),
-         {u"[x] Título|"_s + perdida},
-         {perdida + u"|Fatal|ClsRdo_Error|d|"_s}},
+         {u"[x] Título|"_s + kPerdida},
+         {kPerdida + u"|Fatal|ClsRdo_Error|d|"_s}},
         {"otro",
          Nativo(0x80040E99, 5, u"raro"_s),
          {u"[-] |Error no controlado en BD -2147217767    raro"_s},
@@ -131,17 +132,17 @@ QVector<CasoError> Casos() {
          {u"[!] Título|Ya existe la categoría"_s},
          {u"Ya existe la categoría|ClsRdo_Error|"_s}},
         {"en uso",
-         Nativo(data::FalloSql::kIntegridad, 547, conflicto),
+         Nativo(data::FalloSql::kIntegridad, 547, kConflicto),
          {u"[x] |No se puede borrar este registro por estar en uso en la tabla 'Productos'"_s},
-         {conflicto + u"|ClsRdo_Error|"_s}},
+         {kConflicto + u"|ClsRdo_Error|"_s}},
         {"en uso sin comas",
          Nativo(data::FalloSql::kIntegridad, 547, u"conflicto"_s),
          {u"[x] |No se puede borrar este registro por estar en uso en la tabla "_s},
          {u"conflicto|ClsRdo_Error|"_s}},
         {"corte",
          Nativo(data::FalloSql::kSentencia, 232, u"d"_s),
-         {u"[x] Título|"_s + perdida},
-         {perdida + u"|Fatal|ClsRdo_Error|"_s}},
+         {u"[x] Título|"_s + kPerdida},
+         {kPerdida + u"|Fatal|ClsRdo_Error|"_s}},
         {"sin servidor",
          Nativo(data::FalloSql::kServidorAusente, 6, u"d"_s),
          {u"[x] Título|No se pudo encontrar al servidor"_s},

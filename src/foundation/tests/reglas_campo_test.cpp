@@ -29,7 +29,7 @@ constexpr std::array<Caso, 10> kFiltros = {{
     {u"IPMayusculasNoSignos", u"9.\b"},
 }};
 
-TEST(ReglasCampoTest, FilterCharacterByCharacter) {
+TEST(ReglasCampoTest, FiltranLetraPorLetra) {
     for (const Caso& caso : kFiltros) {
         const ReglasCampo reglas(QString::fromUtf16(caso.etiqueta));
         EXPECT_EQ(reglas.Filtrar(QString::fromUtf16(kMezcla)), QString::fromUtf16(caso.queda))
@@ -37,7 +37,7 @@ TEST(ReglasCampoTest, FilterCharacterByCharacter) {
     }
 }
 
-TEST(ReglasCampoTest, LeavingAsksForWhatTheTagSays) {
+TEST(ReglasCampoTest, AlSalirSePideLoQueDiceLaEtiqueta) {
     const QString vacio = u"Este campo no puede estar vacío"_s;
     const QString mala = u"La direcciòn IP no es válida"_s;
     struct {

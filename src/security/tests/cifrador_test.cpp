@@ -42,7 +42,7 @@ constexpr std::array<Vector, 6> kRc4 = {{
      "00000000000000000000000000000000", "eaa6bd25880bf93d3f5d1e4ca2611d91"},
 }};
 
-TEST(Rc4Test, AgreesWithPublishedVectors) {
+TEST(Rc4Test, CoincideConLosVectoresPublicados) {
     const clsRC4 rc4;
     for (const Vector& caso : kRc4) {
         QByteArray bytes = Hex(caso.claro);
@@ -72,7 +72,7 @@ QByteArray Azar(QRandomGenerator& azar, qsizetype largo) {
     return bytes;
 }
 
-TEST(CifradoresTest, AgreeWithOpensslOnRandomData) {
+TEST(CifradoresTest, CoincidenConOpensslEnDatosAlAzar) {
     QRandomGenerator azar(20261114);
     const clsRC4 rc4;
     const clsDES des;
@@ -99,7 +99,7 @@ TEST(CifradoresTest, AgreeWithOpensslOnRandomData) {
     }
 }
 
-TEST(DesTest, RefusesWhatItsEncryptionDidNotWrite) {
+TEST(DesTest, RehusaLoQueSuCifradoNoEscribio) {
     const clsDES des;
     QByteArray bien = "doce letras!";
     ASSERT_TRUE(des.EncryptByte(bien, u"secreto"_s));
@@ -146,7 +146,7 @@ protected:
     QTemporaryDir carpeta_;
 };
 
-TEST_P(CadaCifradorTest, ReturnsEveryCharacterOfTheCodePage) {
+TEST_P(CadaCifradorTest, DevuelveCadaLetraDeLaPagina) {
     QString todos;
     for (int byte = 0; byte < 256; ++byte)
         todos += DePagina(QByteArray(1, static_cast<char>(byte)));
@@ -164,7 +164,7 @@ TEST_P(CadaCifradorTest, ReturnsEveryCharacterOfTheCodePage) {
               u"a?"_s);
 }
 
-TEST_P(CadaCifradorTest, NeverUsesAnEmptyKey) {
+TEST_P(CadaCifradorTest, NuncaUsaUnaClaveVacia) {
     cifrador_->Key(QString());
     QByteArray bytes = "x";
     for (const auto& hecho : {cifrador_->EncryptByte(bytes), cifrador_->DecryptByte(bytes)}) {
@@ -174,7 +174,7 @@ TEST_P(CadaCifradorTest, NeverUsesAnEmptyKey) {
     EXPECT_EQ(bytes, "x");
 }
 
-TEST_P(CadaCifradorTest, WholeFilesComeBackAndTellTheirProgress) {
+TEST_P(CadaCifradorTest, LosArchivosVuelvenEnterosYDicenSuAvance) {
     QRandomGenerator azar(7);
     for (const qsizetype largo : {qsizetype{0}, qsizetype{10}, qsizetype{300000}}) {
         const QByteArray claro = Azar(azar, largo);
@@ -200,7 +200,7 @@ TEST_P(CadaCifradorTest, WholeFilesComeBackAndTellTheirProgress) {
     EXPECT_NE(Leer(Archivo(u"vuelta"_s)), Leer(Archivo(u"claro"_s)));
 }
 
-TEST_P(CadaCifradorTest, FilesThatCannotBeLeaveTheOthersAlone) {
+TEST_P(CadaCifradorTest, LosArchivosQueNoSePuedenDejanEnPazALosDemas) {
     Escribir(Archivo(u"a"_s), "algo");
     Escribir(Archivo(u"b"_s), "otra cosa, que no es Base64");
     EXPECT_FALSE(cifrador_->EncryptFile(Archivo(u"a"_s), Archivo(u"b"_s), SiExiste::Fallar));
@@ -215,7 +215,7 @@ TEST_P(CadaCifradorTest, FilesThatCannotBeLeaveTheOthersAlone) {
 
 INSTANTIATE_TEST_SUITE_P(Rc4YDes, CadaCifradorTest, testing::Bool());
 
-TEST(Base64Test, UsesTheStandardAlphabet) {
+TEST(Base64Test, UsaElAlfabetoDelEstandar) {
     EXPECT_EQ(Cifrador::Encode64(u"ñandú"_s), u"8WFuZPo="_s);
     EXPECT_EQ(Cifrador::EncodeArray64(Hex("fbff00")), "+/8A");
     EXPECT_EQ(Cifrador::Decode64(u"8WFuZPo="_s).value(), u"ñandú"_s);
@@ -223,7 +223,7 @@ TEST(Base64Test, UsesTheStandardAlphabet) {
         EXPECT_FALSE(Cifrador::Decode64(malo)) << malo.toStdString();
 }
 
-TEST(CifradoRc4Test, RefusesPasswordsThatCouldNotBeTypedAgain) {
+TEST(CifradoRc4Test, RehusaContrasenasQueNoSePodrianTeclearOtraVez) {
     CifradoRc4 cifrado;
     cifrado.PonerClave(u"Wiki"_s);
     EXPECT_EQ(cifrado.Cifrar(u"pedia"_s).value(), u"ECG/BCA="_s);

@@ -171,9 +171,11 @@ TEST(CierreExacto, QuienPierdeElTurnoNoSigue) {
 
 TEST(CierreExacto, LoQueUnIntentoAnteriorNoPudoLeerSeLeeAlContinuar) {
     Restaurante restaurante;
-    restaurante.share.Poner([](Operacion operacion, const QString& remoto) {
-        if (remoto.contains(u"CAJA1"_s)) return 76;
-        return operacion == Operacion::Traer && remoto.contains(u"BARRA"_s) ? 61 : 0;
+    restaurante.share.Poner([](Operacion operacion, const QString& remoto) -> int {
+        if (remoto.contains(u"CAJA1"_s)) return FalloArchivo::kRutaNoEncontrada;
+        return operacion == Operacion::Traer && remoto.contains(u"BARRA"_s)
+                   ? FalloArchivo::kDiscoLleno
+                   : 0;
     });
     restaurante.dialogos.Responder(u"Falla de comunicación con CAJA1"_s, Respuesta::Ignorar);
     ASSERT_EQ(restaurante.Cerrar(), Desenlace::ConError);
@@ -185,7 +187,8 @@ TEST(CierreExacto, LoQueUnIntentoAnteriorNoPudoLeerSeLeeAlContinuar) {
 
 TEST(CierreExacto, LaBaseEnviadaSeConoceAunqueSeCaigaAlEnviarla) {
     Restaurante restaurante;
-    Fallar(restaurante, Operacion::Llevar, u"BARRA"_s, ShareConFallas::kDespues + 61);
+    Fallar(restaurante, Operacion::Llevar, u"BARRA"_s,
+           ShareConFallas::kDespues + FalloArchivo::kDiscoLleno);
     ASSERT_EQ(restaurante.Cerrar(), Desenlace::ConError);
     Continuar(restaurante);
     restaurante.share.Poner([](Operacion operacion, const QString&) {
@@ -210,7 +213,8 @@ TEST(CierreExacto, LosContadoresDeLaBaseNuevaNoRetroceden) {
             return base->Contar()->registros[static_cast<std::size_t>(Cifra::PXC)];
         }();
         Fallar(restaurante, Operacion::Llevar, u"BARRA"_s,
-               entregada ? ShareConFallas::kDespues + 61 : 61);
+               entregada ? ShareConFallas::kDespues + FalloArchivo::kDiscoLleno
+                         : FalloArchivo::kDiscoLleno);
         ASSERT_EQ(restaurante.Cerrar(), Desenlace::ConError);
         const ParametrosTerminal antes = Parametros(barra);
         Vender(barra, {51900, 30999, 95900, entregada ? u"15112026"_s : u"14112026"_s});
@@ -256,7 +260,7 @@ TEST(CierreExacto, EnviarConservaLosContadoresDeLaTerminal) {
 
 TEST(CierreExacto, ElCierreNuevoNoSabeNadaDelQueSeDejo) {
     Restaurante restaurante;
-    Fallar(restaurante, Operacion::Llevar, u"BARRA"_s, 61);
+    Fallar(restaurante, Operacion::Llevar, u"BARRA"_s, FalloArchivo::kDiscoLleno);
     ASSERT_EQ(restaurante.Cerrar(), Desenlace::ConError);
     const QStringList antes = Ventas(restaurante);
     const QString caja = restaurante.Terminal(u"CAJA1"_s);
@@ -298,7 +302,7 @@ TEST(CierreExacto, LaCopiaLocalQueYaNoEsLaContadaSeRepone) {
 
 TEST(CierreExacto, LoYaCopiadoNoSeApartaAlContinuar) {
     Restaurante restaurante;
-    Fallar(restaurante, Operacion::Llevar, u"CAJA1"_s, 61);
+    Fallar(restaurante, Operacion::Llevar, u"CAJA1"_s, FalloArchivo::kDiscoLleno);
     ASSERT_EQ(restaurante.Cerrar(), Desenlace::ConError);
     Continuar(restaurante);
     restaurante.opciones.omitir = {u"BARRA"_s};
@@ -322,7 +326,7 @@ TEST(CierreExacto, SoloLoQueEsDelRenglonEsDeLaTerminal) {
                              {{caso.sqlstate, caso.nativo, u"prueba"_s, u"rechazado"_s}}};
         const RenglonRechazado renglon{u"CAJA9"_s, u"Pago"_s, {}, u"ID_Pago=1"_s, fallo};
         const Interrupcion dicha =
-            ExplicarFalla(restaurante.Ado().Conexion(), {DeFallo(fallo), renglon}, u"CAJA2"_s);
+            ExplicarFalla(restaurante.Ado().Conexion(), {fallo, renglon}, u"CAJA2"_s);
         EXPECT_EQ(dicha.terminal, caso.de_la_terminal ? u"CAJA2"_s : QString())
             << caso.sqlstate.toStdString();
         EXPECT_EQ(dicha.detalle.contains(u"Terminal CAJA2, tabla Pago"_s), caso.de_la_terminal);

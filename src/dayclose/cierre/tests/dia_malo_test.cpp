@@ -72,15 +72,16 @@ TEST(DiaMalo, UnSoloCierreALaVez) {
 TEST(DiaMalo, LoVendidoTrasUnaCaidaAlEnviarSeCopiaAntesDeReemplazar) {
     struct Caso {
         const char* nombre;
-        int falla;  ///< 61: before the replacement; with kDespues: after it
+        int falla;  ///< kDiscoLleno: before the replacement; with kDespues: after it
         bool vende;
         QString fecha;
     };
     const Caso casos[] = {
-        {"antes, sin vender", 61, false, {}},
-        {"después, sin vender", ShareConFallas::kDespues + 61, false, {}},
-        {"antes, y vende con la base de ayer", 61, true, u"14112026"_s},
-        {"después, y vende con la base nueva", ShareConFallas::kDespues + 61, true, u"15112026"_s},
+        {"antes, sin vender", FalloArchivo::kDiscoLleno, false, {}},
+        {"después, sin vender", ShareConFallas::kDespues + FalloArchivo::kDiscoLleno, false, {}},
+        {"antes, y vende con la base de ayer", FalloArchivo::kDiscoLleno, true, u"14112026"_s},
+        {"después, y vende con la base nueva", ShareConFallas::kDespues + FalloArchivo::kDiscoLleno,
+         true, u"15112026"_s},
     };
     for (const Caso& caso : casos) {
         SCOPED_TRACE(caso.nombre);
@@ -140,7 +141,7 @@ TEST(DiaMalo, ContinuarDaElResumenDeTodoElCierre) {
         for (const Operacion cual : {Operacion::Traer, Operacion::Llevar}) {
             Restaurante restaurante;
             restaurante.share.Poner([&](Operacion operacion, const QString& remoto) {
-                return operacion == cual && remoto.contains(donde) ? 61 : 0;
+                return operacion == cual && remoto.contains(donde) ? FalloArchivo::kDiscoLleno : 0;
             });
             ASSERT_EQ(restaurante.Cerrar(), Desenlace::ConError);
             restaurante.share.Poner({});
@@ -172,7 +173,7 @@ TEST(DiaMalo, SinCierrePendienteNoHayQueContinuarNiDescartar) {
 
 TEST(DiaMalo, DescartarPreguntaDosVecesYDejaTodoGuardado) {
     Restaurante restaurante;
-    FallarAlEnviar(restaurante, 61);
+    FallarAlEnviar(restaurante, FalloArchivo::kDiscoLleno);
     const QStringList ventas = Ventas(restaurante);
     FinDeDia proceso(restaurante.Ado(), restaurante.share, restaurante.reloj,
                      restaurante.Programa());
@@ -195,8 +196,9 @@ TEST(DiaMalo, UnaTerminalAbiertaSeEsperaYNoSeCierraConLoDeAyer) {
     const QStringList ventas = Ventas(restaurante);
     int veces = 0;
     restaurante.share.Poner([&](Operacion operacion, const QString& remoto) {
-        return operacion != Operacion::Existe && remoto.contains(u"CAJA1"_s) && ++veces > 0 ? 70
-                                                                                            : 0;
+        return operacion != Operacion::Existe && remoto.contains(u"CAJA1"_s) && ++veces > 0
+                   ? FalloArchivo::kPermisoDenegado
+                   : 0;
     });
     const int eventos = restaurante.dialogos.VecesEventos();
     ASSERT_EQ(restaurante.Cerrar(), Desenlace::Incompleto);
@@ -216,7 +218,7 @@ TEST(DiaMalo, LaEsperaDuraLoQueSeDijo) {
     restaurante.share.Poner([&](Operacion operacion, const QString& remoto) {
         return operacion == Operacion::Traer && remoto.contains(u"CAJA1"_s) &&
                        reloj.elapsed() < 1500
-                   ? 70
+                   ? FalloArchivo::kPermisoDenegado
                    : 0;
     });
     ASSERT_EQ(restaurante.Cerrar(), Desenlace::Terminado);

@@ -128,7 +128,7 @@ TEST(FinDeDia, LoQueVuelveParaElEnvioSeArchivaAntesDeReemplazarse) {
     const QByteArray vendido = Bytes(restaurante.Terminal(u"BARRA"_s));
     bool reuniendo = true;
     restaurante.share.Poner([&](Operacion, const QString& remoto) {
-        return reuniendo && remoto.contains(u"BARRA"_s) ? 76 : 0;
+        return reuniendo && remoto.contains(u"BARRA"_s) ? FalloArchivo::kRutaNoEncontrada : 0;
     });
     restaurante.dialogos.Responder(u"Falla de comunicación con BARRA"_s, Respuesta::Ignorar,
                                    [&] { reuniendo = false; });
@@ -143,15 +143,18 @@ TEST(FinDeDia, ElArchivoAbiertoSeReintentaHastaElLimite) {
     Restaurante restaurante;
     int veces = 0;
     restaurante.share.Poner([&](Operacion operacion, const QString& remoto) {
-        return operacion == Operacion::Traer && remoto.contains(u"CAJA1"_s) && ++veces <= 1500 ? 70
-                                                                                               : 0;
+        return operacion == Operacion::Traer && remoto.contains(u"CAJA1"_s) && ++veces <= 1500
+                   ? FalloArchivo::kPermisoDenegado
+                   : 0;
     });
     ASSERT_EQ(restaurante.Cerrar(), Desenlace::Terminado);
     EsperarDiaCerrado(restaurante);
 
     Restaurante otro;
     otro.share.Poner([&](Operacion operacion, const QString& remoto) {
-        return operacion == Operacion::Llevar && remoto.contains(u"BARRA"_s) ? 70 : 0;
+        return operacion == Operacion::Llevar && remoto.contains(u"BARRA"_s)
+                   ? FalloArchivo::kPermisoDenegado
+                   : 0;
     });
     ASSERT_EQ(otro.Cerrar(), Desenlace::Incompleto);
     EXPECT_EQ(otro.dialogos.Mostrados(),
@@ -164,8 +167,9 @@ TEST(FinDeDia, ContinuarTrasCadaFallaTerminaComoUnCierreSinFallas) {
     for (int punto = 1;; ++punto) {
         Restaurante restaurante;
         int operacion = 0;
-        restaurante.share.Poner(
-            [&](Operacion, const QString&) { return ++operacion == punto ? 61 : 0; });
+        restaurante.share.Poner([&](Operacion, const QString&) {
+            return ++operacion == punto ? FalloArchivo::kDiscoLleno : 0;
+        });
         const Desenlace primero = restaurante.Cerrar();
         if (primero == Desenlace::Terminado) {
             EXPECT_GT(punto, 9);
@@ -186,7 +190,9 @@ TEST(FinDeDia, ContinuarTrasCadaFallaTerminaComoUnCierreSinFallas) {
 TEST(FinDeDia, LaTerminalYaEntregadaNoSeReemplazaAlContinuar) {
     Restaurante restaurante;
     restaurante.share.Poner([&](Operacion operacion, const QString& remoto) {
-        return operacion == Operacion::Llevar && remoto.contains(u"BARRA"_s) ? 61 : 0;
+        return operacion == Operacion::Llevar && remoto.contains(u"BARRA"_s)
+                   ? FalloArchivo::kDiscoLleno
+                   : 0;
     });
     ASSERT_EQ(restaurante.Cerrar(), Desenlace::ConError);
     // The next day's sales begin on a terminal that has its new database.
@@ -205,7 +211,7 @@ TEST(FinDeDia, LaTerminalYaEntregadaNoSeReemplazaAlContinuar) {
 
 TEST(FinDeDia, NoContinuarEmpiezaUnCierreNuevo) {
     Restaurante restaurante;
-    restaurante.share.Poner([](Operacion, const QString&) { return 61; });
+    restaurante.share.Poner([](Operacion, const QString&) { return FalloArchivo::kDiscoLleno; });
     ASSERT_EQ(restaurante.Cerrar(), Desenlace::ConError);
     restaurante.share.Poner({});
     const QStringList seguro = {u"14/11/2026"_s, u"seguro"_s};

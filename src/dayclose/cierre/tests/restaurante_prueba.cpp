@@ -9,6 +9,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 
+#include "data/consultar.h"
 #include "data/esquema.h"
 #include "data/valores.h"
 #include "dayclose/cierre/resumen_cierre.h"
@@ -169,8 +170,9 @@ void Restaurante::Reconectar() {
 }
 
 QVector<data::Fila> Restaurante::Filas(const QString& consulta) {
-    auto filas = LeerFilas(*ado_, consulta);
-    EXPECT_TRUE(filas) << consulta.toStdString() << ": " << filas.error().descripcion.toStdString();
+    auto filas = data::Consultar(ado_->Conexion(), consulta);
+    EXPECT_TRUE(filas) << consulta.toStdString() << ": "
+                       << filas.error().Descripcion().toStdString();
     return filas ? *filas : QVector<data::Fila>();
 }
 

@@ -32,7 +32,9 @@ const QStringList& VentasSinCaja2() {
 TEST(TerminalAparte, LaTerminalSinSuBaseNuevaTieneSalida) {
     Restaurante restaurante;
     restaurante.share.Poner([](Operacion operacion, const QString& remoto) {
-        return operacion == Operacion::Llevar && remoto.contains(u"CAJA2"_s) ? 52 : 0;
+        return operacion == Operacion::Llevar && remoto.contains(u"CAJA2"_s)
+                   ? FalloArchivo::kNombreIncorrecto
+                   : 0;
     });
     ASSERT_EQ(restaurante.Cerrar(), Desenlace::Incompleto);
     EXPECT_EQ(restaurante.Resumen().sin_entregar, QStringList{u"CAJA2"_s});
@@ -74,7 +76,9 @@ TEST(TerminalAparte, LaTerminalSinSuBaseNuevaTieneSalida) {
 TEST(TerminalAparte, EnviarTraeAntesLoQueSeVendioConLaBaseDeAyer) {
     Restaurante restaurante;
     restaurante.share.Poner([](Operacion operacion, const QString& remoto) {
-        return operacion == Operacion::Llevar && remoto.contains(u"CAJA2"_s) ? 52 : 0;
+        return operacion == Operacion::Llevar && remoto.contains(u"CAJA2"_s)
+                   ? FalloArchivo::kNombreIncorrecto
+                   : 0;
     });
     ASSERT_EQ(restaurante.Cerrar(), Desenlace::Incompleto);
     restaurante.share.Poner({});
@@ -98,7 +102,7 @@ TEST(TerminalAparte, LaTerminalQueNoSeLeyoSeDiceYSeTraeDespues) {
     Restaurante restaurante;
     bool reuniendo = true;
     restaurante.share.Poner([&](Operacion, const QString& remoto) {
-        return reuniendo && remoto.contains(u"CAJA2"_s) ? 76 : 0;
+        return reuniendo && remoto.contains(u"CAJA2"_s) ? FalloArchivo::kRutaNoEncontrada : 0;
     });
     restaurante.dialogos.Responder(u"Falla de comunicación con CAJA2"_s, Respuesta::Ignorar,
                                    [&] { reuniendo = false; });
