@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "jet/base_datos.h"
-#include "jet/fuzz/exigir.h"
+#include "exigir.h"
 
 namespace quimo::jet {
 namespace {
