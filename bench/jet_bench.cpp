@@ -10,8 +10,8 @@
 
 #include <benchmark/benchmark.h>
 
+#include "exigir.h"
 #include "jet/base_datos.h"
-#include "jet/fuzz/exigir.h"
 #include "jet/texto.h"
 #include "jet/verificador.h"
 #include "jet/volcado.h"

@@ -10,8 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "exigir.h"
 #include "jet/base_datos.h"
-#include "jet/fuzz/exigir.h"
 
 namespace quimo::jet {
 namespace {

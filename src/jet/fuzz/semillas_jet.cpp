@@ -8,8 +8,8 @@
 #include <utility>
 #include <vector>
 
-#include "jet/base_datos.h"
 #include "exigir.h"
+#include "jet/base_datos.h"
 
 namespace quimo::jet {
 namespace {
