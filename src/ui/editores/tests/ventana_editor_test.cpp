@@ -66,10 +66,10 @@ TEST_F(VentanaEditorTest, LaColumnaQueNoExisteSeAvisaYSePuedeSeguir) {
 
 /// Every catalogue there is.
 class CatalogoTest : public VentanaEditorTest,
-                     public testing::WithParamInterface<const EditorDef*> {};
+                     public testing::WithParamInterface<const catalog::EditorRevisado*> {};
 
 INSTANTIATE_TEST_SUITE_P(Editores, CatalogoTest, testing::ValuesIn(catalog::Editores()),
-                         [](const testing::TestParamInfo<const EditorDef*>& caso) {
+                         [](const testing::TestParamInfo<const catalog::EditorRevisado*>& caso) {
                              return caso.param->nombre.toString().toStdString();
                          });
 
