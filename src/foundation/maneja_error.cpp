@@ -20,11 +20,11 @@ constexpr int kPrincipioDelMensaje = 48;
 
 /// A native error with a fixed text. All are shown with the critical icon.
 struct TextoNativo {
-    int nativo;
+    int nativo = 0;
     QLatin1StringView texto;
-    bool con_titulo;
-    bool fatal;
-    bool sin_servidor;
+    bool con_titulo = false;
+    bool fatal = false;
+    bool sin_servidor = false;
 };
 
 const QString& TextoConexionPerdida() {

@@ -58,9 +58,8 @@ private:
 /// A clock that stands still.
 class RelojFijo final : public data::Reloj {
 public:
-    explicit RelojFijo(const QDateTime& momento = QDateTime(QDate(2026, 11, 15), QTime(1, 30),
-                                                            Qt::UTC))
-        : momento_(momento) {}
+    explicit RelojFijo(QDateTime momento = QDateTime(QDate(2026, 11, 15), QTime(1, 30), Qt::UTC))
+        : momento_(std::move(momento)) {}
     QDateTime Ahora() const override { return momento_; }
     void Poner(const QDateTime& momento) { momento_ = momento; }
 

@@ -20,8 +20,8 @@ namespace {
 
 struct Concepto {
     Cifra cifra;
-    const char16_t* nombre;
-    bool con_total;
+    const char16_t* nombre = nullptr;
+    bool con_total = false;
 };
 
 constexpr Concepto kConceptos[] = {

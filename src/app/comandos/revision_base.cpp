@@ -23,9 +23,9 @@ using dayclose::Paso;
 constexpr int kSoloInforme = 10;
 
 struct Hallazgo {
-    int numero;
-    const char16_t* que;
-    const char16_t* que_hacer;
+    int numero = 0;
+    const char16_t* que = nullptr;
+    const char16_t* que_hacer = nullptr;
 };
 
 /// The numbers by which both engines tell an index, a reference or a value; any other is damage.
@@ -40,9 +40,9 @@ constexpr Hallazgo kDano = {0, u"una parte no se puede leer", u"restaure el resp
 
 /// A sales table whose rows belong to rows of another, by columns of the same names.
 struct Pertenencia {
-    const char16_t* tabla;
-    const char16_t* que;  ///< its rows without theirs
-    const char16_t* duena;
+    const char16_t* tabla = nullptr;
+    const char16_t* que = nullptr;  ///< its rows without theirs
+    const char16_t* duena = nullptr;
     std::array<const char16_t*, 2> por;
     std::array<const char16_t*, 2> clave;  ///< what a row is told by
 };

@@ -46,7 +46,7 @@ struct Buscador::Patron {
     QString texto;
     std::optional<base::Decimal> numero;
     QString cifras;
-    bool es_cifras;
+    bool es_cifras = false;
     std::optional<QDate> dia;
     QString fecha;
     std::optional<bool> logico;

@@ -22,8 +22,8 @@ using Valor = base::Result<QVariant, Objecion>;
 
 struct RangoEntero {
     TipoSql tipo;
-    qint64 minimo;
-    qint64 maximo;
+    qint64 minimo = 0;
+    qint64 maximo = 0;
 };
 // Keys and counts are never wider than an INT.
 constexpr RangoEntero kEnteros[] = {

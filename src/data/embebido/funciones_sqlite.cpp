@@ -229,8 +229,8 @@ Hecho RegistrarEscalares(BaseSqlite& base, ContextoFunciones& contexto,
 }
 
 struct DeConexion {
-    const char* nombre;
-    int argumentos;
+    const char* nombre = nullptr;
+    int argumentos = 0;
     void (*llamar)(sqlite3_context*, int, sqlite3_value**);
     void (*paso)(sqlite3_context*, int, sqlite3_value**);
     void (*fin)(sqlite3_context*);

@@ -189,8 +189,8 @@ TEST_F(CandadoTest, VariosProcesosALaVezNuncaEntranDosJuntos) {
 }
 
 struct Llamada {
-    const char* tsql;
-    const char* deja;  ///< the value that it leaves, or the number of its failure
+    const char* tsql = nullptr;
+    const char* deja = nullptr;  ///< the value that it leaves, or the number of its failure
 };
 
 // What the programs say to SQL Server, said to the embedded engine.

@@ -10,8 +10,8 @@ namespace quimo::data {
 namespace {
 
 struct Numero {
-    const char16_t* escrito;
-    const char* leido;  // "" is refused
+    const char16_t* escrito = nullptr;
+    const char* leido = nullptr;  // "" is refused
 };
 class LeerNumeroTest : public testing::TestWithParam<Numero> {};
 TEST_P(LeerNumeroTest, EntiendeComaYPunto) {

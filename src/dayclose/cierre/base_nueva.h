@@ -13,8 +13,8 @@ namespace quimo::dayclose {
 /// condicion" go to the table `destino` of the terminal's database, into the columns that the
 /// result's field names name.
 struct DefCatalogo {
-    const char16_t* destino;
-    const char16_t* columnas;
+    const char16_t* destino = nullptr;
+    const char16_t* columnas = nullptr;
     const char16_t* fuentes = nullptr;    ///< nullptr: the destination's own name
     const char16_t* condicion = nullptr;  ///< nullptr: every row
     /// Only rows that hold today by their columns Fecha_Inicio_X and Fecha_Fin_X; nullptr: any.

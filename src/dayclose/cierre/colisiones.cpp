@@ -49,9 +49,9 @@ struct Muestra {
 
 /// By which columns a row names the row of another table that it belongs to.
 struct Parentesco {
-    const char16_t* tabla;
-    const char16_t* madre;
-    const char16_t* que;
+    const char16_t* tabla = nullptr;
+    const char16_t* madre = nullptr;
+    const char16_t* que = nullptr;
     const char16_t* columnas[2];
 };
 
@@ -394,12 +394,12 @@ void Busqueda::ContarHuerfanas(const DefCopia& copia, int terminal, const Muestr
 }
 
 void Busqueda::ContarIguales() {
-    for (auto it = iguales_.cbegin(); it != iguales_.cend(); ++it) {
-        const auto [uno, otro] = it->first;
+    for (const auto& [pareja, por_tabla] : iguales_) {
+        const auto [uno, otro] = pareja;
         QStringList partes;
         for (const DefCopia& copia : Copias()) {
             const QString tabla = QString::fromUtf16(copia.tabla);
-            const qint64 cuantos = it->second.value(tabla);
+            const qint64 cuantos = por_tabla.value(tabla);
             if (cuantos > 0) partes << RenglonesContados(cuantos, tabla);
         }
         Anotar(otro, uno == otro ? u"%1 tiene dos veces los mismos renglones: %2."_s.arg(

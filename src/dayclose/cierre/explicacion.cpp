@@ -35,8 +35,8 @@ bool EsFecha(TipoSql tipo) { return data::ClaseDe(tipo) == data::ClaseValor::Fec
 /// The smallest and largest number that a column holds. Other columns have no such ends.
 struct Extremos {
     TipoSql tipo;
-    const char16_t* minimo;
-    const char16_t* maximo;
+    const char16_t* minimo = nullptr;
+    const char16_t* maximo = nullptr;
 };
 
 constexpr Extremos kExtremos[] = {
@@ -182,8 +182,8 @@ private:
 };
 
 struct Etiqueta {
-    const char16_t* columna;
-    const char16_t* texto;
+    const char16_t* columna = nullptr;
+    const char16_t* texto = nullptr;
 };
 
 /// What a row is recognized by, in the order in which it is told.

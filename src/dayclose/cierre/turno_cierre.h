@@ -18,8 +18,8 @@ public:
     ResultadoCierre<void> Mantener(const QDateTime& ahora);
 
 private:
-    TurnoCierre(data::Candado candado, const QDateTime& ahora)
-        : candado_(std::move(candado)), renovado_(ahora) {}
+    TurnoCierre(data::Candado candado, QDateTime ahora)
+        : candado_(std::move(candado)), renovado_(std::move(ahora)) {}
 
     data::Candado candado_;
     QDateTime renovado_;

@@ -11,8 +11,8 @@ namespace quimo::dayclose {
 namespace {
 
 struct TextoDeFallo {
-    int numero;
-    const char16_t* texto;
+    int numero = 0;
+    const char16_t* texto = nullptr;
 };
 
 constexpr TextoDeFallo kTextos[] = {

@@ -11,10 +11,10 @@ namespace quimo::dayclose {
 namespace {
 
 struct Nombre {
-    const char16_t* tabla;
-    const char16_t* articulo;
-    const char16_t* uno;
-    const char16_t* varios;
+    const char16_t* tabla = nullptr;
+    const char16_t* articulo = nullptr;
+    const char16_t* uno = nullptr;
+    const char16_t* varios = nullptr;
 };
 
 constexpr Nombre kNombres[] = {

@@ -16,12 +16,12 @@ inline constexpr std::size_t kCifras = 8;
 
 struct DefCifra {
     Cifra cifra;
-    const char16_t* registros;         ///< column of #Tmp_Conciliacion
-    const char16_t* total;             ///< column of #Tmp_Conciliacion_Montos, or nullptr
-    const char16_t* tabla;             ///< terminal table that is counted
-    const char16_t* columna_total;     ///< column that is summed there, or nullptr
-    bool solo_anulados;                ///< counts only rows with a void type
-    const char16_t* consulta_central;  ///< %1 stands for the closing date
+    const char16_t* registros = nullptr;         ///< column of #Tmp_Conciliacion
+    const char16_t* total = nullptr;             ///< column of #Tmp_Conciliacion_Montos, or nullptr
+    const char16_t* tabla = nullptr;             ///< terminal table that is counted
+    const char16_t* columna_total = nullptr;     ///< column that is summed there, or nullptr
+    bool solo_anulados = false;                  ///< counts only rows with a void type
+    const char16_t* consulta_central = nullptr;  ///< %1 stands for the closing date
 };
 
 /// In the order of the columns of #Tmp_Conciliacion.
@@ -44,13 +44,13 @@ enum class Forma {
 };
 
 struct CampoCopia {
-    const char16_t* columna;
+    const char16_t* columna = nullptr;
     Forma forma = Forma::Numero;
 };
 
 /// How one sales table goes from a terminal to the central database. NULL is written as NULL.
 struct DefCopia {
-    const char16_t* tabla;
+    const char16_t* tabla = nullptr;
     std::span<const Cifra> marcas;  ///< copied when one of these figures differs
     std::span<const char16_t* const> clave;
     std::span<const CampoCopia> al_modificar;

@@ -88,7 +88,7 @@ struct Escena {
 };
 
 struct CasoError {
-    const char* nombre;
+    const char* nombre = nullptr;
     data::FalloSql fallo;
     QStringList mostrado;
     QStringList bitacora;

@@ -23,8 +23,8 @@ QStringList Habilitadas(const QStringList& permisos) {
 }
 
 struct Caso {
-    const char16_t* permisos;
-    const char16_t* comandos;
+    const char16_t* permisos = nullptr;
+    const char16_t* comandos = nullptr;
 };
 
 // What each right adds to its menu's own.

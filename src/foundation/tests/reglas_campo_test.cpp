@@ -10,8 +10,8 @@ namespace {
 using namespace Qt::StringLiterals;
 
 struct Caso {
-    const char16_t* etiqueta;
-    const char16_t* queda;  ///< of kMezcla
+    const char16_t* etiqueta = nullptr;
+    const char16_t* queda = nullptr;  ///< of kMezcla
 };
 
 constexpr char16_t kMezcla[] = u"aÑé Z9.-'ß☃\b";

@@ -25,9 +25,9 @@ using base::Error;
 QByteArray Hex(const char* texto) { return QByteArray::fromHex(texto); }
 
 struct Vector {
-    const char* clave;
-    const char* claro;
-    const char* cifrado;
+    const char* clave = nullptr;
+    const char* claro = nullptr;
+    const char* cifrado = nullptr;
 };
 
 // The classic RC4 vectors, and the first bytes of RFC 6229's streams (data of zeros).

@@ -98,8 +98,8 @@ Resultado<ExprPtr> ParserExpresiones::Binaria(int minimo) {
         if (fuerza == 0 || fuerza < minimo) return izquierda;
         const bool logico = fuerza == kO || fuerza == kY;
         if (izquierda->EsCondicion() != logico) return cursor_.Sintaxis();
-        Expr union_{ClaseExpr::Binaria};
-        union_.texto = AMayusculas(cursor_.Actual().texto);
+        Expr unida{ClaseExpr::Binaria};
+        unida.texto = AMayusculas(cursor_.Actual().texto);
         cursor_.Avanzar();
         const std::size_t antes = cursor_.Indice();
         QUIMO_TRY(ExprPtr derecha, Binaria(fuerza + 1));
@@ -109,8 +109,8 @@ Resultado<ExprPtr> ParserExpresiones::Binaria(int minimo) {
                     std::string((cursor_.Fin() ? cursor_.En(antes) : cursor_.Actual()).texto));
             return cursor_.Sintaxis();
         }
-        union_.hijos = {std::move(izquierda), std::move(derecha)};
-        QUIMO_TRY(izquierda, Cerrar(std::move(union_)));
+        unida.hijos = {std::move(izquierda), std::move(derecha)};
+        QUIMO_TRY(izquierda, Cerrar(std::move(unida)));
     }
 }
 

@@ -12,9 +12,8 @@ class ModeloConsulta final : public QAbstractTableModel {
     Q_OBJECT
 public:
     /// The captions are shown also while there are no rows. The table must outlive the model.
-    ModeloConsulta(catalog::TablaConsulta& tabla, const QStringList& titulos,
-                   QObject* padre = nullptr)
-        : QAbstractTableModel(padre), tabla_(tabla), titulos_(titulos) {}
+    ModeloConsulta(catalog::TablaConsulta& tabla, QStringList titulos, QObject* padre = nullptr)
+        : QAbstractTableModel(padre), tabla_(tabla), titulos_(std::move(titulos)) {}
 
     /// Runs what fills the table anew.
     template <typename Llenar>

@@ -16,9 +16,9 @@ constexpr ColumnaFiltro kClase = {u"Clase", u"Clase", u"c", kClases, OtroCodigo:
 struct Caso {
     TipoSql tipo;
     Operador operador;
-    const char16_t* valor;
-    const char16_t* hasta;
-    const char16_t* tsql;  // begins with "!": the message
+    const char16_t* valor = nullptr;
+    const char16_t* hasta = nullptr;
+    const char16_t* tsql = nullptr;  // begins with "!": the message
 };
 class CondicionTest : public testing::TestWithParam<Caso> {};
 TEST_P(CondicionTest, EsTsql) {

@@ -117,9 +117,9 @@ TEST_F(DetallesTest, BotonEnDosLineas) {
 }
 
 struct CasoCelda {
-    const char16_t* escrito;
-    const char16_t* queda;
-    const char16_t* mensaje;
+    const char16_t* escrito = nullptr;
+    const char16_t* queda = nullptr;
+    const char16_t* mensaje = nullptr;
 };
 
 TEST_F(DetallesTest, LoQueSeEscribeEnUnPrecio) {

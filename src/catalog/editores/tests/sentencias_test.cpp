@@ -8,18 +8,18 @@ namespace {
 using foundation::Respuesta;
 
 struct Edicion {
-    const char16_t* control;
-    const char16_t* texto;
+    const char16_t* control = nullptr;
+    const char16_t* texto = nullptr;
     bool elegir = false;
 };
 
 /// What a save of the first row sends, and the key query of a new row.
 struct CasoSentencia {
-    const char* nombre;
-    const EditorDef* def;
+    const char* nombre = nullptr;
+    const EditorDef* def = nullptr;
     std::vector<Edicion> ediciones;
-    const char16_t* update;
-    const char16_t* clave;
+    const char16_t* update = nullptr;
+    const char16_t* clave = nullptr;
 };
 
 const CasoSentencia kCasos[] = {
@@ -186,10 +186,10 @@ TEST_F(SesionTest, LaBitacoraTieneLosCambiosYNadaMas) {
 }
 
 struct CasoEnUso {
-    const char* nombre;
-    const EditorDef* def;
-    const char16_t* tabla;
-    const char16_t* detalles;  ///< a count that must not change
+    const char* nombre = nullptr;
+    const EditorDef* def = nullptr;
+    const char16_t* tabla = nullptr;
+    const char16_t* detalles = nullptr;  ///< a count that must not change
 };
 
 const CasoEnUso kEnUso[] = {

@@ -218,9 +218,9 @@ TEST_F(ConexionEmbebidaTest, LaTablaQueRefiereSeLeeTrasLaPrimeraComa) {
 }
 
 struct Archivo {
-    const char* nombre;
-    const char* contenido;  ///< null: no file
-    bool crear;
+    const char* nombre = nullptr;
+    const char* contenido = nullptr;  ///< null: no file
+    bool crear = false;
 };
 class AbrirTest : public testing::TestWithParam<Archivo> {};
 

@@ -36,7 +36,7 @@ int Codigo(int averia) { return Disco().falla.lleno ? SQLITE_FULL : averia; }
 /// An open file: what the engine sees, and the system's own file behind it.
 struct Archivo {
     sqlite3_file base;
-    sqlite3_file* real;
+    sqlite3_file* real = nullptr;
 };
 
 sqlite3_file* Real(sqlite3_file* archivo) { return reinterpret_cast<Archivo*>(archivo)->real; }

@@ -173,8 +173,8 @@ TEST(ExpresionesAzarTest, ValenLoQueDiceSuArbol) {
 /// Two ways of asking the same, of which the translator rewrites the first: over random rows, with
 /// keys that are missing, repeated and NULL, both must answer alike.
 struct Pareja {
-    const char* reescrita;
-    const char* tal_cual;
+    const char* reescrita = nullptr;
+    const char* tal_cual = nullptr;
 };
 constexpr Pareja kParejas[] = {
     {"SELECT a.id, d.s, d.c, d.k FROM a LEFT JOIN (SELECT k, SUM(v) AS s, COUNT(*) AS c FROM b "

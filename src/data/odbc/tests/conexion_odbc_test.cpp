@@ -27,11 +27,11 @@ TEST(ControladorTest, SeTomaElPrimeroInstaladoEnSuOrden) {
 }
 
 struct CasoTexto {
-    bool es_freetds;
-    const char* servidor;
-    const char* clave;
+    bool es_freetds = false;
+    const char* servidor = nullptr;
+    const char* clave = nullptr;
     OpcionesOdbc opciones;
-    const char* texto;
+    const char* texto = nullptr;
 };
 
 TEST(ControladorTest, TextoDeConexion) {
@@ -78,8 +78,8 @@ ErrorProveedor Registro(const char* estado, int nativo, const char* texto = "") 
 
 struct CasoAlAbrir {
     QVector<ErrorProveedor> errores;
-    qint64 numero;
-    int nativo;
+    qint64 numero = 0;
+    int nativo = 0;
 };
 
 TEST(DiagnosticoTest, ElFalloAlAbrirTomaSuNumeroDelRegistroQueDiceElMotivo) {

@@ -164,10 +164,10 @@ TEST_F(FreeTdsTest, SoloUnMensajeYNada) {
 }
 
 struct CasoFallo {
-    int nativo;
-    const char* dicho;
-    qint64 numero;
-    const char* leido;
+    int nativo = 0;
+    const char* dicho = nullptr;
+    qint64 numero = 0;
+    const char* leido = nullptr;
 };
 class FreeTdsFalloTest : public testing::TestWithParam<CasoFallo> {
 protected:
@@ -279,8 +279,8 @@ TEST_F(FreeTdsTest, LoQueHaceUnaTemporalVaEnLaSesion) {
 }
 
 struct CasoClave {
-    const char* clave;
-    bool se_puede;
+    const char* clave = nullptr;
+    bool se_puede = false;
 };
 TEST_F(FreeTdsTest, UsuarioYClaveLleganTalCualONoLlegan) {
     const ServidorTds servidor(Siempre({}));
@@ -306,11 +306,11 @@ TEST_F(FreeTdsTest, UsuarioYClaveLleganTalCualONoLlegan) {
 }
 
 struct CasoAbrir {
-    const char* nombre;
+    const char* nombre = nullptr;
     ServidorTds::Falla falla;
-    const char16_t* usuario;
-    qint64 numero;
-    int nativo;
+    const char16_t* usuario = nullptr;
+    qint64 numero = 0;
+    int nativo = 0;
 };
 class FreeTdsAbrirTest : public testing::TestWithParam<CasoAbrir> {
 protected:

@@ -351,7 +351,7 @@ quint64 LectorTds::Entero(int largo) {
 }
 
 QByteArray LectorTds::Bytes(qint64 largo) {
-    const QByteArray leidos = bytes_.mid(lugar_, largo);
+    QByteArray leidos = bytes_.mid(lugar_, largo);
     lugar_ += largo;
     return leidos;
 }

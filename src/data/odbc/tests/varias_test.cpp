@@ -148,7 +148,7 @@ TEST_F(VariasTest, LaTransaccionQueElServidorDeshaceSeDice) {
 }
 
 struct CasoTorcido {
-    const char* nombre;
+    const char* nombre = nullptr;
     Torcer torcer;
 };
 

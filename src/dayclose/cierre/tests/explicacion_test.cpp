@@ -53,7 +53,7 @@ const QString kArticulo =
 const QString kYaHay = u"La base central ya tiene un artículo con esa clave.\n"_s;
 
 struct Caso {
-    const char* nombre;
+    const char* nombre = nullptr;
     QStringList preparar;
     QString tabla;
     Valores valores;

@@ -77,7 +77,7 @@ TEST(FinDeDia, SinTerminalesActivasSoloAvanzaYCuenta) {
 }
 
 struct CasoFalla {
-    const char* nombre;
+    const char* nombre = nullptr;
     Respuesta respuesta;
     Desenlace desenlace;
     QStringList contadas;
@@ -230,7 +230,7 @@ TEST(FinDeDia, NoContinuarEmpiezaUnCierreNuevo) {
 }
 
 struct CasoMalo {
-    const char* nombre;
+    const char* nombre = nullptr;
     std::function<void(Restaurante&)> preparar;
     QString mensaje;    ///< what the shown text contains
     int preguntas = 0;  ///< of a terminal's file: told in a question, after the offer to mend it

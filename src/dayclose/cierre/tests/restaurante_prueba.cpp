@@ -68,7 +68,7 @@ QJsonValue AJson(const QVariant& valor) {
 QString CentralDeAntes() {
     static const QTemporaryDir kCarpeta;
     static const QString kArchivo = [] {
-        const QString archivo = kCarpeta.filePath(u"antes.db"_s);
+        QString archivo = kCarpeta.filePath(u"antes.db"_s);
         const quimo::pruebas::RelojFijo reloj;
         QFile datos(kDatos + u"/day-golden/central-before.sql"_s);
         EXPECT_TRUE(datos.open(QIODevice::ReadOnly));
@@ -92,7 +92,7 @@ QString Renglon(const QJsonObject& fila) {
 
 QStringList Renglones(const QJsonArray& filas) {
     QStringList textos;
-    for (const QJsonValue& fila : filas)
+    for (const auto& fila : filas)
         textos << Renglon(fila.toObject());
     std::sort(textos.begin(), textos.end());
     return textos;

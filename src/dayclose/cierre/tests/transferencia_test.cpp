@@ -58,7 +58,7 @@ class TransferenciaTest : public ::testing::Test {
 protected:
     /// A terminal's file with these rows and no others.
     QString Archivo(const QString& nombre, const Filas& filas) const {
-        const QString ruta = restaurante_.Raiz() + u'/' + nombre;
+        QString ruta = restaurante_.Raiz() + u'/' + nombre;
         auto base = jet::BaseDatos::Abrir(
             (restaurante_.Programa() + u"/Plantilla.mdb"_s).toStdString(), jet::Modo::Escritura);
         EXPECT_TRUE(base);
@@ -114,7 +114,7 @@ protected:
             if (partes.startsWith(u"Valor insertado") || partes.startsWith(u"Modificacion"))
                 lineas << partes;
         }
-        const QStringList nuevas = lineas.mid(leidas_);
+        QStringList nuevas = lineas.mid(leidas_);
         leidas_ = lineas.size();
         return nuevas;
     }

@@ -405,7 +405,7 @@ TEST_F(SmbShareTest, UnEnvioQueSeRompeDejaElAnteriorYElSiguienteLlega) {
 }
 
 TEST_F(SmbShareTest, QuienEnmudeceAntesDelReemplazoCuestaCuatroPlazosYConservaLoSuyo) {
-    constexpr qint64 kPlazosMs = 4 * 1000;
+    constexpr qint64 kPlazosMs = 4000;
     constexpr qint64 kHolguraMs = 2000;  // a busy machine
     share_ = std::make_unique<SmbShare>(Configuracion("[Breve]\nplazo = 1\n"));
     const QString remoto = u"\\\\BREVE\\quimo\\Quimo_Terminal.mdb"_s;

@@ -19,14 +19,14 @@ namespace quimo::tsql {
 namespace {
 
 const CatalogoPrueba& Catalogo() {
-    static const CatalogoPrueba catalogo{
+    static const CatalogoPrueba kCatalogo{
         "CREATE TABLE A (ID INT NOT NULL PRIMARY KEY, Total MONEY, N SMALLINT, T VARCHAR(9), "
         "Dia VARCHAR(8), Larga VARCHAR(10), Suelta VARCHAR(8))",
         "CREATE TABLE B (IB INT NOT NULL PRIMARY KEY, ID_A INT, Importe NUMERIC(9,2), F FLOAT, "
         "G BIGINT, K TINYINT, Sin INT)",
         "CREATE INDEX IX_Dia ON A (Dia)", "CREATE INDEX IX_Larga ON A (Larga)",
         "CREATE INDEX IX_G ON B (G)"};
-    return catalogo;
+    return kCatalogo;
 }
 
 void Anotar(const Fuente& fuente, Ambito& ambito) {
@@ -197,8 +197,8 @@ TEST(FechaDeTrabajoTest, SoloLaFechaDelDiaSobreSuIndice) {
 }
 
 TEST(FechaDeTrabajoTest, OtroTextoNoTieneIndice) {
-    const auto de = [](const std::string& dia, const std::string& mes, const std::string& anio) {
-        return PorFecha("CONVERT(DATETIME," + dia + "+'/'+" + mes + "+'/'+" + anio + ",103)");
+    const auto de = [](const std::string& uno, const std::string& dos, const std::string& tres) {
+        return PorFecha("CONVERT(DATETIME," + uno + "+'/'+" + dos + "+'/'+" + tres + ",103)");
     };
     const std::string dia = "SUBSTRING(Dia,1,2)";
     const std::string mes = "SUBSTRING(Dia,3,2)";

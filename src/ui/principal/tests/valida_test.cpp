@@ -19,8 +19,8 @@ namespace {
 using namespace Qt::StringLiterals;
 
 struct Caso {
-    const char16_t* etiqueta;
-    const char16_t* queda;  ///< of "aÑ 9.-é"
+    const char16_t* etiqueta = nullptr;
+    const char16_t* queda = nullptr;  ///< of "aÑ 9.-é"
 };
 
 constexpr std::array<Caso, 7> kCasos = {{
