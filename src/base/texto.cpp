@@ -40,12 +40,10 @@ bool EsMalformado(std::string_view texto, std::size_t posicion) {
     return Leer(texto, posicion, caracter) == 0;
 }
 
-void AgregarCaracter(std::string& texto, char32_t caracter) {
+void AgregarLargo(std::string& texto, char32_t caracter) {
     const auto poner = [&](char32_t byte) { texto.push_back(static_cast<char>(byte)); };
     const auto cola = [&](int bits) { poner(0x80 | ((caracter >> bits) & 0x3F)); };
-    if (caracter < 0x80) {
-        poner(caracter);
-    } else if (caracter < 0x800) {
+    if (caracter < 0x800) {
         poner(0xC0 | (caracter >> 6));
         cola(0);
     } else if (caracter < 0x10000) {
@@ -60,8 +58,7 @@ void AgregarCaracter(std::string& texto, char32_t caracter) {
     }
 }
 
-char32_t Minuscula(char32_t c) {
-    if (c < 0x80) return c >= U'A' && c <= U'Z' ? c + 32 : c;
+char32_t MinusculaLarga(char32_t c) {
     if (c >= 0xC0 && c <= 0xDE && c != 0xD7) return c + 32;
     if (c == 0x178) return 0xFF;
     if ((c >= 0x139 && c <= 0x148) || (c >= 0x179 && c <= 0x17E)) return c % 2 == 1 ? c + 1 : c;

@@ -24,10 +24,22 @@ inline char32_t SiguienteCaracter(std::string_view texto, std::size_t& posicion)
     ++posicion;
     return primero;
 }
-/// `caracter` is no surrogate.
-void AgregarCaracter(std::string& texto, char32_t caracter);
+/// Appends a character of several bytes.
+void AgregarLargo(std::string& texto, char32_t caracter);
 
-char32_t Minuscula(char32_t caracter);
+/// `caracter` is no surrogate.
+inline void AgregarCaracter(std::string& texto, char32_t caracter) {
+    if (caracter >= 0x80) return AgregarLargo(texto, caracter);
+    texto.push_back(static_cast<char>(caracter));
+}
+
+/// Of a character beyond ASCII.
+char32_t MinusculaLarga(char32_t caracter);
+
+inline char32_t Minuscula(char32_t caracter) {
+    if (caracter >= 0x80) return MinusculaLarga(caracter);
+    return caracter >= U'A' && caracter <= U'Z' ? caracter + 32 : caracter;
+}
 char32_t Mayuscula(char32_t caracter);
 std::string AMinusculas(std::string_view texto);
 std::string AMayusculas(std::string_view texto);
